@@ -9,10 +9,10 @@ packages=(
   # application framework and text
   qt6-base-dev libicu-dev libplist-dev libspdlog-dev
   # conversion, storage, server
-  libmarkdown2-dev libxml2-dev libsqlite3-dev libasio-dev libzip-dev libssl-dev
+  libmarkdown2-dev libxml2-dev libsqlite3-dev libasio-dev libzip-dev
   libavahi-client-dev
-  # tests and benchmarks
-  libgtest-dev libgmock-dev libbenchmark-dev
+  # tests, fuzzing and benchmarks: real HTTP clients and a peer server to compare with
+  libgtest-dev libgmock-dev libbenchmark-dev clang-14 libclang-rt-14-dev curl nginx-light wrk
 )
 
 missing=()
