@@ -1,0 +1,559 @@
+#include "foundation/regex.h"
+
+#include <climits>
+#include <mutex>
+#include <spdlog/spdlog.h>
+#include <unicode/regex.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+#include <unicode/utf16.h>
+#include <vector>
+
+namespace tl {
+
+struct Regex::Compiled
+{
+    QString pattern;
+    RegexOptions options;
+    std::unique_ptr<icu::RegexPattern> icu; // null when the pattern is invalid
+    int groupCount = 0;
+
+    // Matchers are costly to make and not shareable between threads: each call
+    // borrows an idle one or makes its own.
+    mutable std::mutex mutex;
+    mutable std::vector<std::unique_ptr<icu::RegexMatcher>> idle;
+};
+
+namespace {
+
+constexpr size_t kMaxIdleMatchers = 8;
+
+const icu::UnicodeString &emptyText()
+{
+    static const icu::UnicodeString empty;
+    return empty;
+}
+
+// A matcher set on a text that it reads in place. Not movable: the matcher
+// keeps the address of the aliasing string.
+class Search
+{
+public:
+    Search(const Regex::Compiled *c, QStringView text) : c(c)
+    {
+        if (!c || !c->icu)
+            return;
+        if (text.size() > INT32_MAX) {
+            spdlog::warn("Regular expression {}: text of {} characters is too long to search",
+                         c->pattern.toStdString(), text.size());
+            return;
+        }
+        {
+            std::lock_guard lock(c->mutex);
+            if (!c->idle.empty()) {
+                m = std::move(c->idle.back());
+                c->idle.pop_back();
+            }
+        }
+        UErrorCode status = U_ZERO_ERROR;
+        if (!m) {
+            m.reset(c->icu->matcher(status));
+            if (U_FAILURE(status)) {
+                spdlog::warn("Regular expression {}: no matcher ({})", c->pattern.toStdString(),
+                             u_errorName(status));
+                m.reset();
+                return;
+            }
+        }
+        alias.setTo(false, reinterpret_cast<const UChar *>(text.utf16()), int32_t(text.size()));
+        m->reset(alias);
+    }
+    ~Search()
+    {
+        if (!m)
+            return;
+        m->reset(emptyText());
+        std::lock_guard lock(c->mutex);
+        if (c->idle.size() < kMaxIdleMatchers)
+            c->idle.push_back(std::move(m));
+    }
+    Search(const Search &) = delete;
+    Search &operator=(const Search &) = delete;
+
+    bool ok() const { return m != nullptr; }
+
+    // Next match after the previous one, or the first at or after `from`.
+    bool find(qsizetype from = -1)
+    {
+        if (!m)
+            return false;
+        UErrorCode status = U_ZERO_ERROR;
+        const bool found = from >= 0 ? m->find(int64_t(from), status) : m->find(status);
+        return checked(found, status);
+    }
+    bool matchesEntirely()
+    {
+        if (!m)
+            return false;
+        UErrorCode status = U_ZERO_ERROR;
+        const bool found = m->matches(status);
+        return checked(found, status);
+    }
+
+    RegexMatch current() const
+    {
+        RegexMatch match;
+        const int groups = m->groupCount();
+        match.groups.resize(groups + 1);
+        for (int g = 0; g <= groups; ++g) {
+            UErrorCode status = U_ZERO_ERROR;
+            const int32_t start = m->start(g, status);
+            const int32_t end = m->end(g, status);
+            if (U_SUCCESS(status) && start >= 0)
+                match.groups[g] = {start, end - start};
+        }
+        return match;
+    }
+
+private:
+    bool checked(bool found, UErrorCode status)
+    {
+        if (U_FAILURE(status)) {
+            // A run-time failure (stack or time limit) counts as no match.
+            spdlog::warn("Regular expression {}: search failed ({})", c->pattern.toStdString(),
+                         u_errorName(status));
+            return false;
+        }
+        return found;
+    }
+
+    const Regex::Compiled *c;
+    std::unique_ptr<icu::RegexMatcher> m;
+    icu::UnicodeString alias;
+};
+
+uint32_t icuFlags(RegexOptions options)
+{
+    uint32_t flags = 0;
+    if (options & RegexOption::DotMatchesNewline)
+        flags |= UREGEX_DOTALL;
+    if (options & RegexOption::AnchorsMatchLines)
+        flags |= UREGEX_MULTILINE;
+    if (options & RegexOption::CaseInsensitive)
+        flags |= UREGEX_CASE_INSENSITIVE;
+    return flags;
+}
+
+char32_t codePointAt(QStringView s, qsizetype &i)
+{
+    const char16_t lead = s[i].unicode();
+    ++i;
+    if (QChar::isHighSurrogate(lead) && i < s.size() && QChar::isLowSurrogate(s[i].unicode())) {
+        const char16_t trail = s[i].unicode();
+        ++i;
+        return QChar::surrogateToUcs4(lead, trail);
+    }
+    return lead;
+}
+
+// A replacement template taken apart once: literal text, then a group, and so
+// on. Group -1 marks a piece that is only literal.
+struct TemplatePiece
+{
+    QString literal;
+    int group = -1;
+};
+using ParsedTemplate = std::vector<TemplatePiece>;
+
+// "\u" with 4 or "\U" with 8 hexadecimal digits at `at`. ICU swallows what a
+// failed escape has read, the first character that is not a digit included,
+// and writes nothing for it: `consumed` counts those characters either way.
+std::optional<char32_t> hexEscape(QStringView t, qsizetype at, int digits, qsizetype &consumed)
+{
+    char32_t value = 0;
+    consumed = 0;
+    for (int k = 0; k < digits; ++k) {
+        if (at + k >= t.size())
+            return std::nullopt;
+        const char16_t ch = t[at + k].unicode();
+        ++consumed;
+        int digit = -1;
+        if (ch >= u'0' && ch <= u'9')
+            digit = ch - u'0';
+        else if (ch >= u'a' && ch <= u'f')
+            digit = ch - u'a' + 10;
+        else if (ch >= u'A' && ch <= u'F')
+            digit = ch - u'A' + 10;
+        if (digit < 0)
+            return std::nullopt;
+        value = value * 16 + char32_t(digit);
+    }
+    if (value >= 0x110000)
+        return std::nullopt;
+    return value;
+}
+
+std::optional<ParsedTemplate> parseTemplate(const Regex::Compiled &c, const QString &templ)
+{
+    ParsedTemplate pieces(1);
+    auto fail = [&](const char *why) -> std::optional<ParsedTemplate> {
+        spdlog::warn("Regular expression {}: replacement template \"{}\" {}",
+                     c.pattern.toStdString(), templ.toStdString(), why);
+        return std::nullopt;
+    };
+    const QStringView t(templ);
+    qsizetype i = 0;
+    while (i < t.size()) {
+        const QChar ch = t[i];
+        if (ch == u'\\') {
+            ++i;
+            if (i >= t.size())
+                break; // a lone backslash at the end stands for nothing
+            if (t[i] == u'u' || t[i] == u'U') {
+                qsizetype consumed = 0;
+                if (const auto cp = hexEscape(t, i + 1, t[i] == u'u' ? 4 : 8, consumed))
+                    pieces.back().literal.append(QString::fromUcs4(&*cp, 1));
+                i += 1 + consumed;
+                continue;
+            }
+            pieces.back().literal.append(t[i]); // the trail of a pair follows next round
+            ++i;
+            continue;
+        }
+        if (ch != u'$') {
+            pieces.back().literal.append(ch);
+            ++i;
+            continue;
+        }
+        ++i;
+        int group = 0;
+        if (i < t.size() && t[i] == u'{') {
+            const qsizetype close = t.indexOf(u'}', i + 1);
+            if (close < 0)
+                return fail("has an unclosed group name");
+            const QStringView name = t.sliced(i + 1, close - i - 1);
+            for (QChar n : name) {
+                if (!((n >= u'A' && n <= u'Z') || (n >= u'a' && n <= u'z') ||
+                      (n >= u'0' && n <= u'9')))
+                    return fail("has an invalid group name");
+            }
+            UErrorCode status = U_ZERO_ERROR;
+            const icu::UnicodeString uname(false, reinterpret_cast<const UChar *>(name.utf16()),
+                                           int32_t(name.size()));
+            group = name.isEmpty() ? 0 : c.icu->groupNumberFromName(uname, status);
+            if (U_FAILURE(status) || group <= 0)
+                return fail("names a group that does not exist");
+            i = close + 1;
+        } else {
+            // As many digits as still name an existing group.
+            int digitsTaken = 0;
+            while (i < t.size()) {
+                qsizetype next = i;
+                const char32_t cp = codePointAt(t, next);
+                if (!u_isdigit(UChar32(cp)))
+                    break;
+                const int value = u_charDigitValue(UChar32(cp));
+                if (group * 10 + value > c.groupCount)
+                    break;
+                group = group * 10 + value;
+                ++digitsTaken;
+                i = next;
+            }
+            if (digitsTaken == 0) {
+                qsizetype next = i;
+                if (i < t.size() && u_isdigit(UChar32(codePointAt(t, next))))
+                    return fail("names a group that does not exist");
+                return fail("has a \"$\" that names no group (write \\$)");
+            }
+        }
+        pieces.back().group = group;
+        pieces.emplace_back();
+    }
+    return pieces;
+}
+
+void appendExpansion(QString &out, const ParsedTemplate &pieces, const RegexMatch &match,
+                     QStringView text)
+{
+    for (const TemplatePiece &piece : pieces) {
+        out.append(piece.literal);
+        if (piece.group >= 0)
+            out.append(match.captured(text, piece.group));
+    }
+}
+
+} // namespace
+
+Regex::Regex() = default;
+
+Regex::Regex(const QString &pattern, RegexOptions options)
+{
+    auto c = std::make_shared<Compiled>();
+    c->pattern = pattern;
+    c->options = options;
+    UParseError where{};
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::UnicodeString source(reinterpret_cast<const UChar *>(pattern.constData()),
+                                    int32_t(pattern.size()));
+    c->icu.reset(icu::RegexPattern::compile(source, icuFlags(options), where, status));
+    if (U_FAILURE(status)) {
+        spdlog::warn("Invalid regular expression \"{}\": {} at line {}, offset {}",
+                     pattern.toStdString(), u_errorName(status), where.line, where.offset);
+        c->icu.reset();
+    } else {
+        UErrorCode countStatus = U_ZERO_ERROR;
+        std::unique_ptr<icu::RegexMatcher> probe(c->icu->matcher(countStatus));
+        c->groupCount = U_SUCCESS(countStatus) && probe ? probe->groupCount() : 0;
+        if (probe)
+            c->idle.push_back(std::move(probe));
+    }
+    d = std::move(c);
+}
+
+bool Regex::isValid() const
+{
+    return d && d->icu;
+}
+
+const QString &Regex::pattern() const
+{
+    static const QString none;
+    return d ? d->pattern : none;
+}
+
+RegexOptions Regex::options() const
+{
+    return d ? d->options : RegexOptions();
+}
+
+int Regex::groupCount() const
+{
+    return isValid() ? d->groupCount : 0;
+}
+
+int Regex::groupNumber(const QString &name) const
+{
+    if (!isValid() || name.isEmpty())
+        return -1;
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::UnicodeString uname(reinterpret_cast<const UChar *>(name.constData()),
+                                   int32_t(name.size()));
+    const int32_t n = d->icu->groupNumberFromName(uname, status);
+    return U_SUCCESS(status) && n > 0 ? n : -1;
+}
+
+std::optional<RegexMatch> Regex::match(QStringView text, qsizetype from) const
+{
+    if (from < 0 || from > text.size())
+        return std::nullopt;
+    Search s(d.get(), text);
+    if (!s.find(from))
+        return std::nullopt;
+    return s.current();
+}
+
+bool Regex::isMatch(QStringView text) const
+{
+    Search s(d.get(), text);
+    return s.find(0);
+}
+
+bool Regex::matchesEntirely(QStringView text) const
+{
+    Search s(d.get(), text);
+    return s.matchesEntirely();
+}
+
+QList<RegexMatch> Regex::allMatches(QStringView text) const
+{
+    QList<RegexMatch> matches;
+    Search s(d.get(), text);
+    while (s.find())
+        matches.append(s.current());
+    return matches;
+}
+
+qsizetype Regex::count(QStringView text) const
+{
+    qsizetype n = 0;
+    Search s(d.get(), text);
+    while (s.find())
+        ++n;
+    return n;
+}
+
+QString Regex::expandTemplate(const RegexMatch &match, QStringView text, const QString &templ) const
+{
+    if (!isValid())
+        return {};
+    const auto pieces = parseTemplate(*d, templ);
+    if (!pieces)
+        return {};
+    QString out;
+    appendExpansion(out, *pieces, match, text);
+    return out;
+}
+
+QString Regex::replaceAll(const QString &text, const QString &templ) const
+{
+    if (!isValid())
+        return text;
+    const auto pieces = parseTemplate(*d, templ);
+    if (!pieces)
+        return text;
+    QString out;
+    qsizetype copied = 0;
+    bool matched = false;
+    Search s(d.get(), text);
+    while (s.find()) {
+        const RegexMatch m = s.current();
+        if (!matched)
+            out.reserve(text.size());
+        matched = true;
+        out.append(QStringView(text).sliced(copied, m.start() - copied));
+        appendExpansion(out, *pieces, m, text);
+        copied = m.end();
+    }
+    if (!matched)
+        return text;
+    out.append(QStringView(text).sliced(copied));
+    return out;
+}
+
+QString Regex::replaceFirst(const QString &text, const QString &templ) const
+{
+    if (!isValid())
+        return text;
+    const auto pieces = parseTemplate(*d, templ);
+    if (!pieces)
+        return text;
+    const auto m = match(text);
+    if (!m)
+        return text;
+    QString out = text.first(m->start());
+    appendExpansion(out, *pieces, *m, text);
+    out.append(QStringView(text).sliced(m->end()));
+    return out;
+}
+
+QString Regex::replaceMatches(const QString &text, const MatchEditor &editor) const
+{
+    const QList<RegexMatch> matches = allMatches(text);
+    if (matches.isEmpty())
+        return text;
+    std::vector<std::optional<QString>> replacements(matches.size());
+    bool changed = false;
+    for (qsizetype i = matches.size() - 1; i >= 0; --i) {
+        replacements[i] = editor(matches[i], text);
+        changed = changed || replacements[i].has_value();
+    }
+    if (!changed)
+        return text;
+    QString out;
+    out.reserve(text.size());
+    qsizetype copied = 0;
+    for (qsizetype i = 0; i < matches.size(); ++i) {
+        const RegexMatch &m = matches[i];
+        out.append(QStringView(text).sliced(copied, m.start() - copied));
+        if (replacements[i])
+            out.append(*replacements[i]);
+        else
+            out.append(m.captured(text));
+        copied = m.end();
+    }
+    out.append(QStringView(text).sliced(copied));
+    return out;
+}
+
+qsizetype Regex::maxReplaceRounds(qsizetype textLength)
+{
+    return 1000 + textLength;
+}
+
+QString Regex::replaceWhileMatching(const QString &text, const QString &templ) const
+{
+    if (!isValid())
+        return text;
+    const auto pieces = parseTemplate(*d, templ);
+    if (!pieces)
+        return text;
+    return replaceWhileMatching(text, [&](const RegexMatch &m, QStringView current) {
+        QString out;
+        appendExpansion(out, *pieces, m, current);
+        return out;
+    });
+}
+
+QString Regex::replaceWhileMatching(const QString &text, const MatchReplacer &replacer) const
+{
+    if (!isValid())
+        return text;
+    // Searching from the beginning each round is the rule. Starting later would
+    // need a bound on how far a failed attempt reads ahead, which ICU cannot
+    // give for patterns with "*", "+" or lookahead, so no shortcut is taken.
+    const qsizetype rounds = maxReplaceRounds(text.size());
+    const qsizetype maxLength = 8 * text.size() + (1 << 16);
+    QString current = text;
+    for (qsizetype round = 0;; ++round) {
+        const auto m = match(current);
+        if (!m)
+            return current;
+        if (round == rounds) {
+            spdlog::warn("Regular expression {}: still matching after {} replacements, stopped",
+                         pattern().toStdString(), rounds);
+            return current;
+        }
+        const QString replacement = replacer(*m, current);
+        if (replacement == m->captured(current)) {
+            spdlog::warn("Regular expression {}: replacement \"{}\" recreates its match, stopped",
+                         pattern().toStdString(), replacement.toStdString());
+            return current;
+        }
+        QString next;
+        next.reserve(current.size() - m->length() + replacement.size());
+        next.append(QStringView(current).first(m->start()));
+        next.append(replacement);
+        next.append(QStringView(current).sliced(m->end()));
+        if (next.size() > maxLength) {
+            spdlog::warn("Regular expression {}: text grew past {} characters, stopped",
+                         pattern().toStdString(), maxLength);
+            return current;
+        }
+        current = std::move(next);
+    }
+}
+
+QString Regex::escapePattern(const QString &literal)
+{
+    static const QString special = QStringLiteral("\\^$.|?*+()[]{}");
+    QString out;
+    out.reserve(literal.size() * 2);
+    for (QChar ch : literal) {
+        if (special.contains(ch))
+            out.append(u'\\');
+        out.append(ch);
+    }
+    return out;
+}
+
+QString Regex::escapeTemplate(const QString &literal)
+{
+    QString out;
+    out.reserve(literal.size() + 4);
+    for (QChar ch : literal) {
+        if (ch == u'\\' || ch == u'$')
+            out.append(u'\\');
+        out.append(ch);
+    }
+    return out;
+}
+
+QString applyRules(const QString &text, std::span<const RegexRule> rules)
+{
+    QString out = text;
+    for (const RegexRule &rule : rules)
+        out = rule.regex.replaceAll(out, rule.replacement);
+    return out;
+}
+
+} // namespace tl
