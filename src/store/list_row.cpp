@@ -1,0 +1,212 @@
+#include "store/list_row.h"
+
+#include "foundation/compare.h"
+#include "foundation/dates.h"
+#include "foundation/path_string.h"
+#include "platform/file_ops.h"
+#include "platform/settings.h"
+#include "store/extensions.h"
+#include "store/keys.h"
+#include "store/plist_file.h"
+
+#include <QFileInfo>
+#include <algorithm>
+#include <fcntl.h>
+#include <limits>
+#include <sys/stat.h>
+
+namespace tl::store {
+
+namespace P = keys::property;
+namespace S = keys::setting;
+
+namespace {
+
+int localizedIndex(const QStringList &list, const QString &name)
+{
+    for (qsizetype i = 0; i < list.size(); ++i)
+        if (localizedCompare(list[i], name) == 0)
+            return int(i);
+    return -1;
+}
+
+QStringList stringList(const QVariant &value)
+{
+    QStringList result;
+    for (const QVariant &v : value.toList())
+        result << v.toString();
+    return result;
+}
+
+struct Attributes
+{
+    bool isDirectory = false;
+    QDateTime modified;
+    std::optional<QDateTime> created;
+};
+
+// One statx call gives the kind and both dates of a row.
+Attributes attributesOf(const QString &path)
+{
+    Attributes a;
+    struct statx st
+    {
+    };
+    if (statx(AT_FDCWD, QFile::encodeName(path).constData(), 0,
+              STATX_TYPE | STATX_MTIME | STATX_BTIME, &st) != 0)
+        return a;
+    a.isDirectory = S_ISDIR(st.stx_mode);
+    a.modified = QDateTime::fromMSecsSinceEpoch(
+        qint64(st.stx_mtime.tv_sec) * 1000 + st.stx_mtime.tv_nsec / 1000000, Qt::UTC);
+    if (st.stx_mask & STATX_BTIME)
+        a.created = QDateTime::fromMSecsSinceEpoch(
+            qint64(st.stx_btime.tv_sec) * 1000 + st.stx_btime.tv_nsec / 1000000, Qt::UTC);
+    return a;
+}
+
+template <typename Less> void stableSort(QList<ListRow> &rows, Less less)
+{
+    std::stable_sort(rows.begin(), rows.end(), less);
+}
+
+} // namespace
+
+QVariantMap ListRow::toDictionary() const
+{
+    QVariantMap d{{"title", title},
+                  {"path", path},
+                  {"parent", parent},
+                  {"modDate", modDate},
+                  {"DueDate", dueDate},
+                  {"creationDate", creationDate},
+                  {"custom", custom},
+                  {"taskIcon", taskIcon},
+                  {"taskIsRepeating", taskIsRepeating},
+                  {"pinnedSequence", pinnedSequence},
+                  {QLatin1String(P::FavoriteTag), favorite}};
+    if (cellColor)
+        d.insert(P::CellColor, *cellColor);
+    return d;
+}
+
+BookOrder BookOrder::fromProperties(const QVariantMap &properties)
+{
+    return {stringList(properties.value(P::Books)), stringList(properties.value(P::Notes)),
+            stringList(properties.value(P::Pinned))};
+}
+
+BookOrder BookOrder::ofBook(const QString &bookPath)
+{
+    return fromProperties(readPlistDictionary(
+        path::appendingComponent(bookPath, QLatin1String(names::BookProperties))));
+}
+
+ListRow tl_rowForItem(const QString &itemPath, const std::optional<BookOrder> &parentOrder)
+{
+    ListRow row;
+    row.title = path::lastComponent(itemPath);
+    row.path = itemPath;
+    row.parent = path::deletingLastComponent(itemPath);
+    row.dueDate = distantFuture();
+
+    const Attributes attributes = attributesOf(itemPath);
+    row.modDate = attributes.modified;
+    const bool isFolder = attributes.isDirectory;
+
+    // A folder's row reads its parent's BookProperties.plist, as it always has.
+    const QString propertiesFile =
+        isFolder ? path::appendingComponent(row.parent, QLatin1String(names::BookProperties))
+                 : path::appendingExtension(itemPath, "plist");
+    QVariantMap properties = readPlistDictionary(propertiesFile);
+
+    const QVariant storedDate = properties.value(P::CreationDate);
+    if (storedDate.typeId() == QMetaType::QDateTime && !isDistantPast(storedDate.toDateTime())) {
+        row.creationDate = storedDate.toDateTime();
+    } else {
+        row.creationDate = attributes.created.value_or(attributes.modified);
+        if (platform::settings().boolValue(S::AlwaysSaveCreationDate) &&
+            row.creationDate.isValid()) {
+            properties.insert(P::CreationDate, row.creationDate);
+            writePlistFile(propertiesFile, properties, false);
+        }
+    }
+
+    const BookOrder order = parentOrder ? *parentOrder : BookOrder::ofBook(row.parent);
+    const bool isPackage = isFolder && packageExtensions().contains(lowerCasedExtension(itemPath));
+    const QStringList &sequence = isFolder && !isPackage ? order.books : order.notes;
+    long index = -1;
+    if (!sequence.isEmpty()) {
+        index = localizedIndex(sequence, row.title);
+        if (index < 0)
+            index = platform::settings().boolValue(S::ManualSortNewAtTop) ? -1 : 9000;
+    }
+    row.custom = QString::asprintf("%.4ld", index);
+
+    const int pinIndex = localizedIndex(order.pinned, row.title);
+    row.pinnedSequence = pinIndex < 0 ? std::numeric_limits<qint64>::max() : pinIndex;
+    row.favorite = stringList(properties.value(P::Tags)).contains(QLatin1String(P::FavoriteTag))
+                       ? QStringLiteral("1")
+                       : QString();
+    if (properties.contains(P::CellColor)) {
+        const QString colour = properties.value(P::CellColor).toString();
+        row.cellColor = colour == u"white" ? QStringLiteral("default") : colour;
+    }
+    return row;
+}
+
+int compareRowNames(const QString &a, const QString &b, bool numeric)
+{
+    const int folded =
+        numeric ? localizedStandardCompare(a, b) : localizedCaseInsensitiveCompare(a, b);
+    if (folded != 0)
+        return folded;
+    const int exact = localizedCompare(a, b);
+    return exact != 0 ? exact : QString::compare(a, b);
+}
+
+void tl_sortByParameter(QList<ListRow> &rows, const QString &requestedKey, bool descending)
+{
+    if (rows.isEmpty())
+        return;
+    const QString key = requestedKey.isEmpty() ? QStringLiteral("title") : requestedKey;
+    const bool numeric = platform::settings().boolValue(S::UseNumericOrder);
+    const auto byName = [numeric](const ListRow &a, const ListRow &b) {
+        return compareRowNames(a.title, b.title, numeric) < 0;
+    };
+
+    if (key == u"title" && descending) {
+        stableSort(rows, [&](const ListRow &a, const ListRow &b) { return byName(b, a); });
+    } else if (key == u"custom") {
+        const bool newAtTop = platform::settings().boolValue(S::ManualSortNewAtTop);
+        stableSort(rows, [newAtTop](const ListRow &a, const ListRow &b) {
+            return newAtTop ? b.creationDate < a.creationDate : a.creationDate < b.creationDate;
+        });
+    } else {
+        stableSort(rows, byName);
+    }
+
+    if (key != u"title") {
+        const auto byDate = [descending](QDateTime ListRow::*field) {
+            return [field, descending](const ListRow &a, const ListRow &b) {
+                return descending ? b.*field < a.*field : a.*field < b.*field;
+            };
+        };
+        if (key == u"modDate")
+            stableSort(rows, byDate(&ListRow::modDate));
+        else if (key == u"DueDate")
+            stableSort(rows, byDate(&ListRow::dueDate));
+        else if (key == u"creationDate")
+            stableSort(rows, byDate(&ListRow::creationDate));
+        else if (key == u"custom")
+            // Byte-wise, so "-0001" (new at top) sorts first.
+            stableSort(rows, [](const ListRow &a, const ListRow &b) {
+                return a.custom.toUtf8() < b.custom.toUtf8();
+            });
+    }
+    if (key != u"custom")
+        stableSort(rows, [](const ListRow &a, const ListRow &b) {
+            return a.pinnedSequence < b.pinnedSequence;
+        });
+}
+
+} // namespace tl::store

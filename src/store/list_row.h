@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QVariantMap>
+#include <optional>
+
+// One row of a document list: what the lists sort and show of an item.
+namespace tl::store {
+
+struct ListRow
+{
+    QString title;
+    QString path;
+    QString parent;
+    QDateTime modDate;
+    QDateTime dueDate;
+    QDateTime creationDate;
+    QString custom;
+    QString taskIcon;
+    QString taskIsRepeating;
+    qint64 pinnedSequence = 0;
+    QString favorite;
+    std::optional<QString> cellColor;
+
+    // The row as the dictionary the views and the command print.
+    QVariantMap toDictionary() const;
+};
+
+// The order lists of a book, read once from its BookProperties.plist.
+struct BookOrder
+{
+    QStringList books;
+    QStringList notes;
+    QStringList pinned;
+    static BookOrder ofBook(const QString &bookPath);
+    static BookOrder fromProperties(const QVariantMap &bookProperties);
+};
+
+// The row of an item not shown as a task. The parent's order lists are
+// handed in when known, else read from the parent's BookProperties.plist.
+ListRow tl_rowForItem(const QString &path, const std::optional<BookOrder> &parentOrder = {});
+
+// Chained stable sorts, the later deciding: base order by name (or by
+// creation date for "custom"), then the key, then pins on top.
+void tl_sortByParameter(QList<ListRow> &rows, const QString &key, bool descending);
+
+// Name order of list rows: case- and width-insensitive, forced to a total
+// order, numbers by value when useNumericOrder is on.
+int compareRowNames(const QString &a, const QString &b, bool numeric);
+
+} // namespace tl::store
