@@ -126,7 +126,7 @@ bool removeTree(const QByteArray &path, bool forceWritable)
         return false;
     if (!S_ISDIR(st.st_mode))
         return ::unlink(path.constData()) == 0;
-    // Our own partial copies may hold folders already made read-only.
+    // A partial copy, or a source already copied, may hold read-only folders.
     if (forceWritable)
         ::chmod(path.constData(), 0700);
     DIR *dir = ::opendir(path.constData());
@@ -417,7 +417,9 @@ bool moveItem(const QString &source, const QString &destination)
         spdlog::warn("Move failed: {} to {}: {}", utf8(from), utf8(to), systemError(errno));
         return false;
     }
-    if (removeTree(from, false))
+    // The copy holds the item now, read-only folders included: removing the
+    // source must not stop at a folder merely marked read-only.
+    if (removeTree(from, true))
         return true;
     const int saved = errno;
     struct stat st;
