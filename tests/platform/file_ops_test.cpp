@@ -73,6 +73,11 @@ struct AtomicCase
     bool withAttributes;
 };
 
+void PrintTo(const AtomicCase &c, std::ostream *os)
+{
+    *os << c.name;
+}
+
 class AtomicWrite : public ::testing::TestWithParam<AtomicCase>
 {
 };

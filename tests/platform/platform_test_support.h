@@ -11,16 +11,19 @@
 #include <QMap>
 #include <QString>
 #include <csignal>
-#include <ostream>
 #include <cstdlib>
 #include <optional>
+#include <ostream>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 // Readable failure messages for texts.
-inline void PrintTo(const QString &text, std::ostream *os) { *os << '"' << text.toStdString() << '"'; }
+inline void PrintTo(const QString &text, std::ostream *os)
+{
+    *os << '"' << text.toStdString() << '"';
+}
 
 namespace tltest {
 
