@@ -17,6 +17,9 @@ struct Regex::Compiled
     RegexOptions options;
     std::unique_ptr<icu::RegexPattern> icu; // null when the pattern is invalid
     int groupCount = 0;
+    // The most UTF-16 units a match attempt can read from its start, when the
+    // pattern bounds it (see boundedReach); -1 when it does not.
+    qsizetype reach = -1;
 
     // Matchers are costly to make and not shareable between threads: each call
     // borrows an idle one or makes its own.
@@ -282,6 +285,201 @@ void appendExpansion(QString &out, const ParsedTemplate &pieces, const RegexMatc
     }
 }
 
+// A conservative reading of a pattern, to bound how far a match attempt reads
+// from its start. Only literals, escapes of one character, sets, ".", groups,
+// alternation and bounded quantifiers are understood; anything else (open
+// repetition, anchors, word boundaries, lookaround, back references, inline
+// flags) answers "unbounded". Every code point atom counts 2 units, every
+// literal its own units, or 6 when case-insensitive, since a folded character
+// can match up to three code points ("ΐ").
+class ReachReader
+{
+public:
+    ReachReader(QStringView p, bool caseless) : p(p), caseless(caseless) {}
+
+    std::optional<qsizetype> read()
+    {
+        const auto r = alternation();
+        if (!r || i != p.size())
+            return std::nullopt;
+        return r;
+    }
+
+private:
+    static constexpr qsizetype kLimit = 1 << 20;
+
+    std::optional<qsizetype> alternation()
+    {
+        qsizetype best = 0;
+        for (;;) {
+            const auto r = sequence();
+            if (!r)
+                return std::nullopt;
+            best = std::max(best, *r);
+            if (i < p.size() && p[i] == u'|') {
+                ++i;
+                continue;
+            }
+            return best;
+        }
+    }
+
+    std::optional<qsizetype> sequence()
+    {
+        qsizetype total = 0;
+        while (i < p.size() && p[i] != u'|' && p[i] != u')') {
+            const auto a = atom();
+            if (!a)
+                return std::nullopt;
+            const auto times = quantifier();
+            if (!times)
+                return std::nullopt;
+            total += *a * *times;
+            if (total > kLimit)
+                return std::nullopt;
+        }
+        return total;
+    }
+
+    std::optional<qsizetype> atom()
+    {
+        const QChar c = p[i];
+        if (c == u'(') {
+            ++i;
+            if (p.sliced(i).startsWith(u"?:")) {
+                i += 2;
+            } else if (p.sliced(i).startsWith(u"?<") && i + 2 < p.size() && p[i + 2].isLetter()) {
+                const qsizetype close = p.indexOf(u'>', i);
+                if (close < 0)
+                    return std::nullopt;
+                i = close + 1;
+            } else if (i < p.size() && p[i] == u'?') {
+                return std::nullopt; // lookaround, inline flags, atomic groups
+            }
+            const auto inner = alternation();
+            if (!inner || i >= p.size() || p[i] != u')')
+                return std::nullopt;
+            ++i;
+            return inner;
+        }
+        if (c == u'[')
+            return set();
+        if (c == u'.') {
+            ++i;
+            return 2;
+        }
+        if (c == u'\\')
+            return escape();
+        if (QStringView(u"^$*+?{}]").contains(c))
+            return std::nullopt;
+        const qsizetype units = c.isHighSurrogate() && i + 1 < p.size() ? 2 : 1;
+        i += units;
+        return caseless ? 6 : units;
+    }
+
+    std::optional<qsizetype> set()
+    {
+        int depth = 0;
+        while (i < p.size()) {
+            const QChar c = p[i++];
+            if (c == u'\\') {
+                if (i < p.size() && (p[i] == u'Q' || p[i] == u'E'))
+                    return std::nullopt;
+                ++i;
+            } else if (c == u'[') {
+                ++depth;
+            } else if (c == u']' && --depth == 0) {
+                return 2;
+            }
+        }
+        return std::nullopt;
+    }
+
+    std::optional<qsizetype> escape()
+    {
+        ++i;
+        if (i >= p.size())
+            return std::nullopt;
+        const QChar c = p[i++];
+        if (QStringView(u"dDwWsShHvVntrfeaN").contains(c) || c == u'p' || c == u'P' || c == u'x' ||
+            c == u'u' || c == u'U' || c == u'0' || c == u'c') {
+            // One code point; skip what the escape carries.
+            if (i < p.size() && p[i] == u'{') {
+                const qsizetype close = p.indexOf(u'}', i);
+                if (close < 0)
+                    return std::nullopt;
+                i = close + 1;
+            } else if (c == u'x') {
+                skipDigits(2, 16);
+            } else if (c == u'u') {
+                i += 4;
+            } else if (c == u'U') {
+                i += 8;
+            } else if (c == u'c') {
+                i += 1;
+            } else if (c == u'0') {
+                skipDigits(3, 8);
+            } else if (c == u'p' || c == u'P' || c == u'N') {
+                i += 1; // \pL
+            }
+            if (i > p.size())
+                return std::nullopt;
+            return caseless ? 6 : 2;
+        }
+        if (c.isLetterOrNumber())
+            return std::nullopt; // \b \A \z \G \R \X \Q, back references
+        return caseless ? 6 : 2;
+    }
+
+    void skipDigits(int most, int base)
+    {
+        for (int k = 0; k < most && i < p.size(); ++k, ++i) {
+            const int digit = QChar(p[i]).isDigit() ? p[i].digitValue()
+                              : (p[i].toLower() >= u'a' && p[i].toLower() <= u'f')
+                                  ? p[i].toLower().unicode() - u'a' + 10
+                                  : -1;
+            if (digit < 0 || digit >= base || p[i].unicode() > 0x7f)
+                return;
+        }
+    }
+
+    // The most times the atom just read may repeat.
+    std::optional<qsizetype> quantifier()
+    {
+        if (i >= p.size())
+            return 1;
+        qsizetype times = 1;
+        if (p[i] == u'?') {
+            ++i;
+        } else if (p[i] == u'*' || p[i] == u'+') {
+            return std::nullopt;
+        } else if (p[i] == u'{') {
+            const qsizetype close = p.indexOf(u'}', i);
+            if (close < 0)
+                return std::nullopt;
+            const QStringView body = p.sliced(i + 1, close - i - 1);
+            const QStringView upper =
+                body.contains(u',') ? body.sliced(body.indexOf(u',') + 1) : body;
+            bool ok = false;
+            times = upper.toLongLong(&ok);
+            if (!ok || upper.isEmpty() || times > kLimit)
+                return std::nullopt;
+            i = close + 1;
+        } else {
+            return 1;
+        }
+        if (i < p.size() && (p[i] == u'?' || p[i] == u'+'))
+            ++i; // lazy or possessive: same reach
+        if (i < p.size() && QStringView(u"?*+{").contains(p[i]))
+            return std::nullopt;
+        return times;
+    }
+
+    QStringView p;
+    bool caseless;
+    qsizetype i = 0;
+};
+
 } // namespace
 
 Regex::Regex() = default;
@@ -306,6 +504,8 @@ Regex::Regex(const QString &pattern, RegexOptions options)
         c->groupCount = U_SUCCESS(countStatus) && probe ? probe->groupCount() : 0;
         if (probe)
             c->idle.push_back(std::move(probe));
+        c->reach =
+            ReachReader(pattern, bool(options & RegexOption::CaseInsensitive)).read().value_or(-1);
     }
     d = std::move(c);
 }
@@ -488,14 +688,17 @@ QString Regex::replaceWhileMatching(const QString &text, const MatchReplacer &re
 {
     if (!isValid())
         return text;
-    // Searching from the beginning each round is the rule. Starting later would
-    // need a bound on how far a failed attempt reads ahead, which ICU cannot
-    // give for patterns with "*", "+" or lookahead, so no shortcut is taken.
+    // The rule is to search from the beginning each round. When the pattern
+    // bounds how far an attempt reads (reach), an attempt starting at or
+    // before start - reach read only the unchanged text before the last
+    // replacement and failed there already, so the search may start after it.
+    // Without a bound every round searches from the beginning.
     const qsizetype rounds = maxReplaceRounds(text.size());
     const qsizetype maxLength = 8 * text.size() + (1 << 16);
     QString current = text;
+    qsizetype from = 0;
     for (qsizetype round = 0;; ++round) {
-        const auto m = match(current);
+        const auto m = match(current, from);
         if (!m)
             return current;
         if (round == rounds) {
@@ -509,17 +712,21 @@ QString Regex::replaceWhileMatching(const QString &text, const MatchReplacer &re
                          pattern().toStdString(), replacement.toStdString());
             return current;
         }
-        QString next;
-        next.reserve(current.size() - m->length() + replacement.size());
-        next.append(QStringView(current).first(m->start()));
-        next.append(replacement);
-        next.append(QStringView(current).sliced(m->end()));
-        if (next.size() > maxLength) {
+        if (current.size() - m->length() + replacement.size() > maxLength) {
             spdlog::warn("Regular expression {}: text grew past {} characters, stopped",
                          pattern().toStdString(), maxLength);
             return current;
         }
-        current = std::move(next);
+        current.replace(m->start(), m->length(), replacement);
+        // The attempt at start itself succeeded before, so it is searched again.
+        from = d->reach < 0
+                   ? 0
+                   : std::max<qsizetype>(0, m->start() - std::max<qsizetype>(d->reach, 1) + 1);
+        // Never inside a surrogate pair: the search from the beginning steps
+        // over whole code points.
+        if (from > 0 && from < current.size() && current[from].isLowSurrogate() &&
+            current[from - 1].isHighSurrogate())
+            --from;
     }
 }
 

@@ -335,6 +335,55 @@ TEST(Regex, ReplaceWhileMatchingStartsAgainFromTheBeginning)
               "xABCy");
 }
 
+// The plain rule, round by round from the beginning, against the engine's
+// loop, which may start later when the pattern bounds how far it reads.
+TEST(Regex, ReplaceWhileMatchingAgreesWithThePlainLoop)
+{
+    struct Case
+    {
+        const char16_t *pattern;
+        RegexOptions options;
+        const char16_t *templ;
+    };
+    const Case cases[] = {
+        {u"ab", None, u"b"},         {u"ab", None, u"ba"},
+        {u"(a)(b)", None, u"$2"},    {u"a{2}b?", None, u"b"},
+        {u"[ab]{1,3}c", None, u"c"}, {u"ss", Caseless, u"s"},
+        {u"ß", Caseless, u"s"},      {u"(?:a|bb|\\x{1F600})b", None, u"a"},
+        {u"\\p{L}.b", None, u"b"},   {u".b", None, u"b"},
+        {u"b a", None, u"a"},        {u"\\x61\\x62", None, u"b"},
+        {u"a+b", None, u"b"}, // unbounded: plain restarts
+        {u"b(?=a)", None, u"a"},     {u"\\ba", None, u"b"},
+        {u"a$", Lines, u"\n"},
+    };
+    const char16_t *alphabet[] = {u"a", u"b", u"c", u"ß", u"S", u"s", u"😀", u" ", u"\n"};
+    uint32_t seed = 12345;
+    auto next = [&] {
+        seed = seed * 1664525u + 1013904223u;
+        return seed >> 8;
+    };
+    for (const auto &c : cases) {
+        const Regex re(QString::fromUtf16(c.pattern), c.options);
+        ASSERT_TRUE(re.isValid());
+        const QString templ = QString::fromUtf16(c.templ);
+        for (int sample = 0; sample < 200; ++sample) {
+            QString text;
+            const int length = int(next() % 24);
+            for (int k = 0; k < length; ++k)
+                text += QString::fromUtf16(alphabet[next() % std::size(alphabet)]);
+            QString plain = text;
+            for (int round = 0; round < 1000; ++round) {
+                const auto m = re.match(plain);
+                if (!m)
+                    break;
+                plain.replace(m->start(), m->length(), re.expandTemplate(*m, plain, templ));
+            }
+            SCOPED_TRACE(QString::fromUtf16(c.pattern).toStdString() + " on " + text.toStdString());
+            ASSERT_EQ(re.replaceWhileMatching(text, templ), plain);
+        }
+    }
+}
+
 TEST(Regex, ReplaceWhileMatchingStopsARunawayLoop)
 {
     // The same text again: it would find the same match forever.
