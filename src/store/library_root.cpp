@@ -16,9 +16,24 @@ QString resolvingSymlinks(const QString &path)
     return canonical.isEmpty() ? QDir::cleanPath(path) : canonical;
 }
 
+namespace {
+QString &rootOverride()
+{
+    static QString path;
+    return path;
+}
+} // namespace
+
+void setLibraryRootOverride(const QString &path)
+{
+    rootOverride() = path;
+}
+
 QString libraryRoot()
 {
-    return resolvingSymlinks(platform::settings().string(keys::setting::TavelleFolder));
+    const QString &override = rootOverride();
+    return resolvingSymlinks(
+        override.isEmpty() ? platform::settings().string(keys::setting::TavelleFolder) : override);
 }
 
 } // namespace tl::store

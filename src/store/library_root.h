@@ -9,6 +9,10 @@ namespace tl::store {
 // Empty when no root was chosen.
 QString libraryRoot();
 
+// Makes this process work on another library than the stored one (the
+// command's --library); an empty path goes back to the setting.
+void setLibraryRootOverride(const QString &path);
+
 // A path with symbolic links resolved and no trailing slash; a path that does
 // not exist is only cleaned.
 QString resolvingSymlinks(const QString &path);

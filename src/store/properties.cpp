@@ -13,6 +13,7 @@
 #include "platform/settings.h"
 #include "store/item_path.h"
 #include "store/keys.h"
+#include "store/library_folders.h"
 #include "store/library_root.h"
 #include "store/log.h"
 #include "store/plist_file.h"
@@ -346,8 +347,7 @@ void tl_hideItemInFinder(const QString &path)
 
 QString tl_sideCarPath(const QString &path)
 {
-    const QString root = libraryRoot();
-    return platform::cachesFolder() + u'/' + rootKey(root) + tl_normalizedPath(path);
+    return cachesRootFolder() + tl_normalizedPath(path);
 }
 
 QString tl_sideCarPathCreatingParentIfNeeded(const QString &path)

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QCommandLineParser>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <functional>
+#include <optional>
+
+namespace tl::cli {
+
+// Exit statuses of the command.
+enum Exit { Success = 0, Failure = 1, Usage = 2 };
+
+// One run of a subcommand: its arguments after the name, and the global
+// options that apply to it.
+struct Invocation
+{
+    QString command;
+    QStringList arguments;
+    bool json = false;
+};
+
+struct Command
+{
+    const char *name;
+    const char *summary;
+    // Whether the command works on a library and needs its root.
+    bool needsLibrary;
+    // Adds the command's options and positional arguments to its parser.
+    std::function<void(QCommandLineParser &)> describe;
+    std::function<int(const QCommandLineParser &, const Invocation &)> run;
+};
+
+const std::vector<Command> &libraryCommands();
+const std::vector<Command> &settingsCommands();
+const std::vector<Command> &pathCommands();
+
+// Prints one line to standard error and answers the status.
+int fail(const QString &message, int status = Failure);
+void printLine(const QString &line);
+// Prints a value: scalars as text, containers as JSON; everything as JSON
+// with --json.
+void printValue(const QVariant &value, bool json);
+void printList(const QStringList &list, bool json);
+
+// An argument naming a file, made absolute against the working folder.
+QString absolutePath(const QString &argument);
+// Parses VALUE... for --type string|int|real|bool|date|array.
+std::optional<QVariant> parseTypedValue(const QString &type, const QStringList &values);
+
+} // namespace tl::cli

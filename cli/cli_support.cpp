@@ -1,0 +1,148 @@
+#include "cli.h"
+#include "foundation/dates.h"
+
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QJsonValue>
+#include <cstdio>
+
+namespace tl::cli {
+
+namespace {
+
+QJsonValue toJson(const QVariant &value)
+{
+    switch (value.typeId()) {
+    case QMetaType::QVariantMap: {
+        QJsonObject object;
+        const QVariantMap map = value.toMap();
+        for (auto it = map.cbegin(); it != map.cend(); ++it)
+            object.insert(it.key(), toJson(it.value()));
+        return object;
+    }
+    case QMetaType::QVariantList: {
+        QJsonArray array;
+        for (const QVariant &v : value.toList())
+            array.append(toJson(v));
+        return array;
+    }
+    case QMetaType::QDateTime:
+        return value.toDateTime().toUTC().toString(Qt::ISODate);
+    case QMetaType::QByteArray:
+        return QString::fromLatin1(value.toByteArray().toBase64());
+    case QMetaType::Bool:
+        return value.toBool();
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+        return QJsonValue(value.toLongLong());
+    case QMetaType::Double:
+    case QMetaType::Float:
+        return value.toDouble();
+    default:
+        return value.isValid() ? QJsonValue(value.toString()) : QJsonValue();
+    }
+}
+
+void write(FILE *stream, const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
+}
+
+} // namespace
+
+int fail(const QString &message, int status)
+{
+    write(stderr, message + u'\n');
+    return status;
+}
+
+void printLine(const QString &line)
+{
+    write(stdout, line + u'\n');
+}
+
+void printValue(const QVariant &value, bool json)
+{
+    const QJsonValue j = toJson(value);
+    if (json || j.isArray() || j.isObject()) {
+        const QJsonDocument doc = j.isArray()    ? QJsonDocument(j.toArray())
+                                  : j.isObject() ? QJsonDocument(j.toObject())
+                                                 : QJsonDocument(QJsonArray{j});
+        QByteArray text = doc.toJson(QJsonDocument::Compact);
+        // A bare scalar prints without the array around it.
+        if (!j.isArray() && !j.isObject())
+            text = text.mid(1, text.size() - 2);
+        printLine(QString::fromUtf8(text));
+        return;
+    }
+    if (j.isBool())
+        printLine(j.toBool() ? QStringLiteral("true") : QStringLiteral("false"));
+    else if (j.isDouble() && value.typeId() != QMetaType::Double)
+        printLine(QString::number(value.toLongLong()));
+    else if (j.isDouble())
+        printLine(QString::number(j.toDouble(), 'g', QLocale::FloatingPointShortest));
+    else if (!j.isNull())
+        printLine(j.toString());
+}
+
+void printList(const QStringList &list, bool json)
+{
+    if (json) {
+        printLine(QString::fromUtf8(
+            QJsonDocument(QJsonArray::fromStringList(list)).toJson(QJsonDocument::Compact)));
+        return;
+    }
+    for (const QString &line : list)
+        printLine(line);
+}
+
+QString absolutePath(const QString &argument)
+{
+    return QDir::cleanPath(QDir::current().absoluteFilePath(argument));
+}
+
+std::optional<QVariant> parseTypedValue(const QString &type, const QStringList &values)
+{
+    if (type == u"array") {
+        QVariantList list;
+        for (const QString &v : values)
+            list << v;
+        return list;
+    }
+    if (values.size() != 1)
+        return std::nullopt;
+    const QString &text = values.first();
+    bool ok = true;
+    if (type.isEmpty() || type == u"string")
+        return text;
+    if (type == u"int") {
+        const qint64 n = text.toLongLong(&ok);
+        return ok ? std::optional<QVariant>(n) : std::nullopt;
+    }
+    if (type == u"real") {
+        const double d = text.toDouble(&ok);
+        return ok ? std::optional<QVariant>(d) : std::nullopt;
+    }
+    if (type == u"bool") {
+        const QString t = text.toLower();
+        if (t == u"true" || t == u"yes" || t == u"1")
+            return true;
+        if (t == u"false" || t == u"no" || t == u"0")
+            return false;
+        return std::nullopt;
+    }
+    if (type == u"date") {
+        QDateTime date = QDateTime::fromString(text, Qt::ISODate);
+        if (!date.isValid())
+            return std::nullopt;
+        return date.toUTC();
+    }
+    return std::nullopt;
+}
+
+} // namespace tl::cli

@@ -1,0 +1,11 @@
+#include "shell/shell_hooks.h"
+
+namespace tl::shell {
+
+ShellHooks &shellHooks()
+{
+    static ShellHooks hooks;
+    return hooks;
+}
+
+} // namespace tl::shell
