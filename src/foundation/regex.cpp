@@ -18,7 +18,7 @@ struct Regex::Compiled
     std::unique_ptr<icu::RegexPattern> icu; // null when the pattern is invalid
     int groupCount = 0;
     // The most UTF-16 units a match attempt can read from its start, when the
-    // pattern bounds it (see boundedReach); -1 when it does not.
+    // pattern bounds it (see ReachReader); -1 when it does not.
     qsizetype reach = -1;
 
     // Matchers are costly to make and not shareable between threads: each call

@@ -67,6 +67,7 @@ TEST(Regex, FollowsIcuSemantics)
         {u"a$", None, u"a\nb", -1, 0},
         {u"a$", Lines, u"a\nb", 0, 1},
         {u"b$", None, u"a\nb\n", 2, 1}, // "$" also before a final line end
+        {u"^a.b$", Dot | Lines, u"x\na\nb\ny", 2, 3},
         // Case-insensitive folds beyond ASCII.
         {u"émile", None, u"ÉMILE", -1, 0},
         {u"émile", Caseless, u"ÉMILE", 0, 5},
@@ -159,6 +160,9 @@ TEST(Regex, MatchesEntirely)
     EXPECT_FALSE(re.matchesEntirely(u"123a"));
     EXPECT_FALSE(re.matchesEntirely(u""));
     EXPECT_TRUE(re.isMatch(u"a1"));
+    // A null string is an empty text.
+    EXPECT_TRUE(Regex("^$").matchesEntirely(QString()));
+    EXPECT_EQ(Regex("x*").count(QString()), 1);
 }
 
 TEST(Regex, AllMatchesWalksLikeIcuFind)
