@@ -9,7 +9,7 @@ packages=(
   # application framework and text
   qt6-base-dev libicu-dev libplist-dev libspdlog-dev
   # conversion, storage, server
-  libmarkdown2-dev libxml2-dev libsqlite3-dev libasio-dev libzip-dev
+  libmarkdown2-dev libxml2-dev libsqlite3-dev libasio-dev libzip-dev libpoppler-qt6-dev
   libavahi-client-dev
   # tests, fuzzing and benchmarks: real HTTP clients and a peer server to compare with
   libgtest-dev libgmock-dev libbenchmark-dev clang-14 libclang-rt-14-dev curl nginx-light wrk
