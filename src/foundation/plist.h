@@ -10,9 +10,9 @@
 namespace tl::plist {
 
 // Reads the XML or the binary ("bplist00") format, whichever the bytes hold.
-// Integers come back as qint64 (keyed-archiver UIDs too), dates as UTC
-// QDateTime to the millisecond. Empty or malformed input gives nothing and
-// logs a line.
+// Integers come back as qint64 (keyed-archiver UIDs too; values above the
+// qint64 range wrap), dates as UTC QDateTime to the millisecond. Empty or
+// malformed input gives nothing and logs a line.
 std::optional<QVariant> parse(const QByteArray &bytes);
 
 // The XML format byte for byte as the Mac writes it: tab indentation, keys in

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
+#include <optional>
 #include <plist/plist.h>
 #include <random>
 #include <string>
@@ -399,6 +400,142 @@ TEST(PlistTest, ReadsHandMadeBinary)
     };
     EXPECT_EQ(*value, QVariant(expected));
     EXPECT_EQ(value->toMap().value("d").toDateTime().timeSpec(), Qt::UTC);
+}
+
+TEST(PlistTest, ReadsEveryBinaryObjectKind)
+{
+    struct Case
+    {
+        const char *name;
+        std::vector<QByteArray> objects;
+        std::optional<QVariant> expected;
+    };
+    const QVariantList twice{QVariantList{qint64(7)}, QVariantList{qint64(7)}};
+    const Case cases[] = {
+        {"one-byte integer is unsigned", {hex("10FF")}, qint64(255)},
+        {"two-byte integer", {hex("110100")}, qint64(256)},
+        {"four-byte integer", {hex("1280000000")}, qint64(2147483648)},
+        {"sixteen-byte integer",
+         {hex("14"
+              "0000000000000000"
+              "0000000000000009")},
+         qint64(9)},
+        {"single-precision real",
+         {hex("22"
+              "3FC00000")},
+         1.5},
+        {"date before the reference date",
+         {hex("33"
+              "C000000000000000")},
+         utc(2000, 12, 31, 23, 59, 58)},
+        {"false", {hex("08")}, false},
+        {"ASCII string with long length",
+         {hex("5F"
+              "1011") +
+          QByteArray("seventeen letters")},
+         QString("seventeen letters")},
+        {"UTF-16 surrogate pair",
+         {hex("62"
+              "D834DD1E")},
+         QString::fromUtf8("\xF0\x9D\x84\x9E")},
+        {"empty data", {hex("40")}, QByteArray()},
+        {"UID of two bytes",
+         {hex("81"
+              "0102")},
+         qint64(258)},
+        {"shared reference read once",
+         {hex("A2"
+              "0101"),
+          hex("A1"
+              "02"),
+          hex("1007")},
+         twice},
+        {"empty dict", {hex("D0")}, QVariantMap()},
+        {"cycle",
+         {hex("A1"
+              "00")},
+         std::nullopt},
+        {"cycle through a child",
+         {hex("A1"
+              "01"),
+          hex("A1"
+              "00")},
+         std::nullopt},
+        {"reference out of range",
+         {hex("A1"
+              "05")},
+         std::nullopt},
+        {"integer key",
+         {hex("D1"
+              "0102"),
+          hex("1001"), hex("1002")},
+         std::nullopt},
+        {"data longer than the file",
+         {hex("4F"
+              "10FF"
+              "00")},
+         std::nullopt},
+        {"string length not an integer",
+         {hex("5F"
+              "2300")},
+         std::nullopt},
+        {"seventeen-byte integer marker",
+         {hex("15"
+              "00")},
+         std::nullopt},
+        {"null", {hex("00")}, std::nullopt},
+        {"set",
+         {hex("C1"
+              "01"),
+          hex("1001")},
+         std::nullopt},
+        {"date that is not a number",
+         {hex("33"
+              "7FF8000000000000")},
+         std::nullopt},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto value = parse(handMadeBinary(c.objects));
+        ASSERT_EQ(value.has_value(), c.expected.has_value());
+        if (value) {
+            EXPECT_EQ(value->typeId(), c.expected->typeId());
+            EXPECT_EQ(*value, *c.expected);
+        }
+    }
+}
+
+TEST(PlistTest, RefusesBrokenBinaryTrailers)
+{
+    const QByteArray good = handMadeBinary({hex("A1"
+                                                "01"),
+                                            hex("1001")});
+    ASSERT_TRUE(parse(good).has_value());
+    struct Case
+    {
+        const char *name;
+        qsizetype at; // counted from the start of the trailer
+        char byte;
+    };
+    const Case cases[] = {
+        {"offset size zero", 6, 0},
+        {"offset size nine", 6, 9},
+        {"reference size zero", 7, 0},
+        {"no objects", 15, 0},
+        {"more objects than the table holds", 15, 3},
+        {"top object out of range", 23, 2},
+        {"table inside the header", 31, 4},
+        {"table inside the trailer", 31, 20},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        QByteArray bad = good;
+        bad[bad.size() - 32 + c.at] = c.byte;
+        EXPECT_FALSE(parse(bad).has_value());
+    }
+    QByteArray version = good;
+    version[7] = '1';
+    EXPECT_FALSE(parse(version).has_value());
 }
 
 TEST(PlistTest, ReadsBinaryWrittenByLibplist)
