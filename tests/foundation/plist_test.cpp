@@ -64,13 +64,10 @@ std::vector<RoundTrip> roundTrips()
     nested["blob"] = bytesOf(100);
     return {
         {"string", QString("plain")},
-        {"empty string", QString()},
         {"escaping", QString("a < b & c > d \"q\" 'a'")},
         {"unicode", QString::fromUtf8("Gr\xC3\xBC\xC3\x9F"
                                       "e \xE2\x9C\x93 \xF0\x9D\x84\x9E")},
         {"true", true},
-        {"false", false},
-        {"zero", qint64(0)},
         {"integer", qint64(42)},
         {"negative one", qint64(-1)},
         {"negative", qint64(-123456789012)},
@@ -78,14 +75,11 @@ std::vector<RoundTrip> roundTrips()
         {"int64 min", std::numeric_limits<qint64>::min()},
         {"real", 1.5},
         {"tenth", 0.1},
-        {"third", 1.0 / 3.0},
         {"negative real", -2.25},
-        {"huge real", 1e300},
         {"tiny real", 5e-324},
         {"real zero", 0.0},
         {"infinity", std::numeric_limits<double>::infinity()},
         {"date", utc(2020, 6, 1, 12, 34, 56)},
-        {"reference date", utc(2001, 1, 1)},
         {"before 1970", utc(1969, 7, 20, 20, 17, 40)},
         {"before 1901", utc(1900, 1, 1)},
         {"after 2038", utc(2100, 1, 1, 0, 0, 1)},
@@ -99,41 +93,22 @@ std::vector<RoundTrip> roundTrips()
     };
 }
 
-TEST(PlistTest, XmlRoundTripKeepsEveryType)
+TEST(PlistTest, RoundTripKeepsEveryType)
 {
     for (const RoundTrip &c : roundTrips()) {
         SCOPED_TRACE(c.name);
         const QByteArray xml = toXml(c.value);
-        ASSERT_FALSE(xml.isEmpty());
-        const auto back = parse(xml);
-        ASSERT_TRUE(back.has_value());
-        EXPECT_EQ(back->typeId(), c.value.typeId());
-        EXPECT_EQ(*back, c.value) << xml.toStdString();
-        // Byte-stable: writing what was read gives the same bytes.
-        EXPECT_EQ(toXml(*back), xml);
-    }
-}
-
-TEST(PlistTest, BinaryRoundTripKeepsEveryType)
-{
-    for (const RoundTrip &c : roundTrips()) {
-        SCOPED_TRACE(c.name);
         const QByteArray binary = toBinary(c.value);
+        ASSERT_TRUE(xml.startsWith("<?xml"));
         ASSERT_TRUE(binary.startsWith("bplist00"));
-        const auto back = parse(binary);
-        ASSERT_TRUE(back.has_value());
-        EXPECT_EQ(back->typeId(), c.value.typeId());
-        EXPECT_EQ(*back, c.value);
-    }
-}
-
-TEST(PlistTest, NanSurvivesBothFormats)
-{
-    const QVariant nan = std::numeric_limits<double>::quiet_NaN();
-    for (const QByteArray &bytes : {toXml(nan), toBinary(nan)}) {
-        const auto back = parse(bytes);
-        ASSERT_TRUE(back.has_value());
-        EXPECT_TRUE(std::isnan(back->toDouble()));
+        for (const QByteArray &bytes : {xml, binary}) {
+            const auto back = parse(bytes);
+            ASSERT_TRUE(back.has_value());
+            EXPECT_EQ(back->typeId(), c.value.typeId());
+            EXPECT_EQ(*back, c.value);
+        }
+        // Byte-stable: writing what was read gives the same bytes.
+        EXPECT_EQ(toXml(*parse(xml)), xml);
     }
 }
 
@@ -228,6 +203,9 @@ TEST(PlistTest, KeysAreWrittenInUtf16Order)
     expected = "<dict>\n" + expected + "</dict>\n";
     EXPECT_EQ(xmlBody(dict), expected);
     EXPECT_EQ(xmlBody(hash), expected);
+    const auto fromBinary = parse(toBinary(hash));
+    ASSERT_TRUE(fromBinary.has_value());
+    EXPECT_EQ(*fromBinary, QVariant(dict));
 }
 
 TEST(PlistTest, RealsUseSeventeenSignificantDigits)
@@ -367,41 +345,6 @@ QByteArray hex(const char *text)
     return QByteArray::fromHex(text);
 }
 
-TEST(PlistTest, ReadsHandMadeBinary)
-{
-    // { d: 2001-01-01 plus 1.5 s, n: -1, r: 1.5, s: "é", t: true, u: UID 5 }
-    const std::vector<QByteArray> objects = {
-        hex("D6"
-            "010203040506"
-            "0708090A0B0C"), // dict of 6: keys 1..6, values 7..12
-        hex("5164"),         // "d"
-        hex("516E"),         // "n"
-        hex("5172"),         // "r"
-        hex("5173"),         // "s"
-        hex("5174"),         // "t"
-        hex("5175"),         // "u"
-        hex("33"
-            "3FF8000000000000"), // date, 1.5 s after the reference date
-        hex("13"
-            "FFFFFFFFFFFFFFFF"), // 8-byte integer -1
-        hex("23"
-            "3FF8000000000000"), // real 1.5
-        hex("61"
-            "00E9"), // UTF-16 string of length 1
-        hex("09"),   // true
-        hex("80"
-            "05"), // UID 5
-    };
-    const auto value = parse(handMadeBinary(objects));
-    ASSERT_TRUE(value.has_value());
-    const QVariantMap expected{
-        {"d", utc(2001, 1, 1, 0, 0, 1, 500)}, {"n", qint64(-1)}, {"r", 1.5},
-        {"s", QString(QChar(0xE9))},          {"t", true},       {"u", qint64(5)},
-    };
-    EXPECT_EQ(*value, QVariant(expected));
-    EXPECT_EQ(value->toMap().value("d").toDateTime().timeSpec(), Qt::UTC);
-}
-
 TEST(PlistTest, ReadsEveryBinaryObjectKind)
 {
     struct Case
@@ -429,6 +372,26 @@ TEST(PlistTest, ReadsEveryBinaryObjectKind)
               "C000000000000000")},
          utc(2000, 12, 31, 23, 59, 58)},
         {"false", {hex("08")}, false},
+        {"true", {hex("09")}, true},
+        {"eight-byte integer is signed",
+         {hex("13"
+              "FFFFFFFFFFFFFFFE")},
+         qint64(-2)},
+        {"double-precision real",
+         {hex("23"
+              "BFF8000000000000")},
+         -1.5},
+        {"date with a fraction",
+         {hex("33"
+              "3FF8000000000000")},
+         utc(2001, 1, 1, 0, 0, 1, 500)},
+        {"dict with a UTF-16 key",
+         {hex("D1"
+              "0102"),
+          hex("61"
+              "00E9"),
+          hex("1001")},
+         QVariantMap{{QString(QChar(0xE9)), qint64(1)}}},
         {"ASCII string with long length",
          {hex("5F"
               "1011") +
