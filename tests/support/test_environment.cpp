@@ -1,9 +1,11 @@
 #include "support/test_environment.h"
 
+#include "platform/settings.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-
+#include <QUuid>
 #include <cstdlib>
 #include <string>
 
@@ -25,7 +27,8 @@ void isolateEnvironment()
         std::abort();
     sandbox() = QString::fromLocal8Bit(made);
     const QString base = sandbox();
-    const struct {
+    const struct
+    {
         const char *name;
         const char *sub;
     } folders[] = {{"HOME", "home"},
@@ -43,7 +46,10 @@ void isolateEnvironment()
     setenv("TZ", "UTC", 1);
 }
 
-QString sandboxRoot() { return sandbox(); }
+QString sandboxRoot()
+{
+    return sandbox();
+}
 
 bool writeFile(const QString &path, const QByteArray &bytes)
 {
@@ -60,6 +66,21 @@ QByteArray readFile(const QString &path)
     if (!f.open(QIODevice::ReadOnly))
         return {};
     return f.readAll();
+}
+
+QString makeTemporaryFolder(const QString &label)
+{
+    const QString path =
+        sandbox() + "/" + label + "-" + QUuid::createUuid().toString(QUuid::WithoutBraces).left(8);
+    QDir().mkpath(path);
+    return path;
+}
+
+void clearSettings()
+{
+    tl::platform::Settings &settings = tl::platform::settings();
+    for (const QString &key : settings.all().keys())
+        settings.remove(key);
 }
 
 } // namespace tltest

@@ -16,4 +16,11 @@ QString sandboxRoot();
 bool writeFile(const QString &path, const QByteArray &bytes);
 QByteArray readFile(const QString &path);
 
+// A new empty folder below the sandbox, named after the label.
+QString makeTemporaryFolder(const QString &label);
+
+// Removes every key of the process's settings store, so tests that set
+// settings leave nothing behind.
+void clearSettings();
+
 } // namespace tltest
