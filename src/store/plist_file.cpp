@@ -61,6 +61,12 @@ bool isNumber(const QVariant &v)
 
 bool plistValuesEqual(const QVariant &a, const QVariant &b)
 {
+    // A string list is written as an array and reads back as one.
+    const auto asArray = [](const QVariant &v) {
+        return v.typeId() == QMetaType::QStringList ? QVariant(v.toList()) : v;
+    };
+    if (a.typeId() == QMetaType::QStringList || b.typeId() == QMetaType::QStringList)
+        return plistValuesEqual(asArray(a), asArray(b));
     if (isNumber(a) || isNumber(b)) {
         if (!isNumber(a) || !isNumber(b))
             return false;
