@@ -1,6 +1,7 @@
 #include "foundation/clock.h"
 #include "library_fixture.h"
 #include "platform/file_ops.h"
+#include "store/extensions.h"
 #include "store/item_path.h"
 #include "store/keys.h"
 #include "store/reading_order.h"
@@ -429,13 +430,20 @@ TEST(ItemPathEscaping, Wildcards)
             << c.input;
 }
 
+TEST_F(LibraryTest, CustomPlainTextExtensions)
+{
+    EXPECT_TRUE(customPlaintextExtensions().isEmpty());
+    makeFile(inRoot("TLResources/Misc/CustomPlainTextExtensions.txt"), "  tex2 \n\n sty\tfoo  \n");
+    EXPECT_EQ(customPlaintextExtensions(), (QSet<QString>{"tex2", "sty", "foo"}));
+}
+
 TEST_F(LibraryTest, ListOfBooks)
 {
     const QString shelf = makeFolder(inRoot("Shelf"));
     for (const char *name : {"Book 10", "Book 2", "alpha", "Pack.rtfd", "TLImages", ".git", "Prot"})
         makeFolder(shelf + "/" + name);
     makeFile(shelf + "/Doc.md");
-    makeFile(shelf + "/Notes.plist");
+    writePlist(shelf + "/Notes.plist", QVariantMap{});
     ASSERT_TRUE(QFile::link(shelf + "/Gone", shelf + "/Dangling"));
     writePlist(shelf + "/Prot/BookProperties.plist",
                QVariantMap{{keys::property::IsProtected, true}});
@@ -457,8 +465,9 @@ TEST_F(LibraryTest, ReadingOrderWalk)
     namespace P = keys::property;
     const QString walk = makeFolder(inRoot("Walk"));
     for (const char *name : {"a.md", "b.md", "c.md", "X/x1.md", "X/x2.md", "Y/y.md",
-                             "Pack.rtfd/inner.txt", "a.md.plist", "TLImages/pic.png", ".hidden.md"})
+                             "Pack.rtfd/inner.txt", "TLImages/pic.png", ".hidden.md"})
         makeFile(walk + "/" + name);
+    writePlist(walk + "/a.md.plist", QVariantMap{});
     const struct
     {
         const char *name;
