@@ -1,0 +1,50 @@
+#pragma once
+
+#include "server/core/http_response.h"
+
+#include <QString>
+
+#include <memory>
+
+namespace server {
+
+class HTTPConnection;
+
+// A file's bytes, read on the connection's queue. The path's symbolic links
+// are resolved and the size is taken once, at creation. The file opens on
+// first use; a read error or an early end aborts the response, and the
+// connection closes once its queued writes are out.
+class HTTPFileResponse : public HTTPResponse
+{
+public:
+    // Nothing when the file cannot be examined or is no regular file.
+    static std::shared_ptr<HTTPFileResponse> create(const QString &filePath, HTTPConnection *connection);
+    ~HTTPFileResponse() override;
+
+    uint64_t contentLength() override { return m_fileLength; }
+    uint64_t offset() override { return m_fileOffset; }
+    void setOffset(uint64_t offset) override;
+    QByteArray readDataOfLength(size_t length) override;
+    bool isDone() override { return m_fileOffset == m_fileLength; }
+
+    const QString &filePath() const { return m_filePath; }
+
+protected:
+    HTTPFileResponse(const QString &resolvedPath, uint64_t length, HTTPConnection *connection);
+    void abort();
+    bool openFileIfNeeded();
+
+    HTTPConnection *m_connection;
+    QString m_filePath;
+    uint64_t m_fileLength;
+    uint64_t m_fileOffset = 0;
+    int m_fd = -1;
+    bool m_aborted = false;
+    QByteArray m_buffer;
+};
+
+// Resolves symbolic links and examines the file; false when it cannot, or
+// when it is no regular file.
+bool examineRegularFile(const QString &filePath, QString &resolvedPath, uint64_t &length);
+
+} // namespace server

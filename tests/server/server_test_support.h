@@ -1,0 +1,267 @@
+#pragma once
+
+// Helpers shared by the server tests: a connection driven over the fake
+// socket on a manual queue, a reader of raw HTTP responses, a digest client
+// and a catcher of log lines.
+
+#include "server/core/fake_socket.h"
+#include "server/core/http_connection.h"
+#include "server/core/serial_queue.h"
+#include "server/core/server_log.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace servertest {
+
+// One HTTP response taken apart.
+struct Response
+{
+    QByteArray statusLine;
+    int status = 0;
+    std::vector<std::pair<QByteArray, QByteArray>> headers;
+    QByteArray body;
+    QByteArray raw;
+
+    QByteArray header(const QByteArray &name) const
+    {
+        for (const auto &h : headers)
+            if (h.first.compare(name, Qt::CaseInsensitive) == 0)
+                return h.second;
+        return {};
+    }
+    bool hasHeader(const QByteArray &name) const
+    {
+        for (const auto &h : headers)
+            if (h.first.compare(name, Qt::CaseInsensitive) == 0)
+                return true;
+        return false;
+    }
+};
+
+// Reads one response from the front of bytes and removes it. The body is as
+// long as Content-Length says, or absent when withBody is false (HEAD).
+inline std::optional<Response> takeResponse(QByteArray &bytes, bool withBody = true)
+{
+    const qsizetype end = bytes.indexOf("\r\n\r\n");
+    if (end < 0)
+        return std::nullopt;
+    Response r;
+    const QList<QByteArray> lines = bytes.left(end).split('\n');
+    r.statusLine = lines.value(0).trimmed();
+    const QList<QByteArray> parts = r.statusLine.split(' ');
+    r.status = parts.value(1).toInt();
+    for (qsizetype i = 1; i < lines.size(); ++i) {
+        const QByteArray line = lines[i].trimmed();
+        const qsizetype colon = line.indexOf(':');
+        r.headers.emplace_back(line.left(colon), line.mid(colon + 1).trimmed());
+    }
+    qsizetype length = 0;
+    if (withBody && r.hasHeader("Content-Length"))
+        length = r.header("Content-Length").toLongLong();
+    if (bytes.size() < end + 4 + length)
+        return std::nullopt;
+    r.body = bytes.mid(end + 4, length);
+    r.raw = bytes.left(end + 4 + length);
+    bytes.remove(0, end + 4 + length);
+    return r;
+}
+
+inline QByteArray md5Hex(const QByteArray &text);
+
+// The parameters of a "WWW-Authenticate: Digest ..." challenge.
+inline std::map<QByteArray, QByteArray> challengeParameters(const QByteArray &header)
+{
+    std::map<QByteArray, QByteArray> out;
+    QByteArray rest = header.mid(header.indexOf(' ') + 1);
+    for (const QByteArray &part : rest.split(',')) {
+        const QByteArray item = part.trimmed();
+        const qsizetype eq = item.indexOf('=');
+        QByteArray value = item.mid(eq + 1);
+        if (value.startsWith('"'))
+            value = value.mid(1, value.size() - 2);
+        out[item.left(eq)] = value;
+    }
+    return out;
+}
+
+struct DigestClient
+{
+    QByteArray username = "Tavelle";
+    QByteArray password = "secret";
+    QByteArray realm;
+    QByteArray nonce;
+    QByteArray cnonce = "0a4f113b";
+    unsigned nc = 0;
+    bool quoteQop = true;
+
+    // "Digest ..." for the next request; counts nc up unless told which to use.
+    QByteArray authorization(const QByteArray &method, const QByteArray &uri, std::optional<unsigned> useNc = {})
+    {
+        const unsigned count = useNc ? *useNc : ++nc;
+        const QByteArray ncText = QByteArray::number(count, 16).rightJustified(8, '0');
+        const QByteArray ha1 = md5Hex(username + ':' + realm + ':' + password);
+        const QByteArray ha2 = md5Hex(method + ':' + uri);
+        const QByteArray response = md5Hex(ha1 + ':' + nonce + ':' + ncText + ':' + cnonce + ":auth:" + ha2);
+        return "Digest username=\"" + username + "\", realm=\"" + realm + "\", nonce=\"" + nonce + "\", uri=\"" +
+               uri + "\", " + (quoteQop ? QByteArray("qop=\"auth\"") : QByteArray("qop=auth")) + ", nc=" + ncText +
+               ", cnonce=\"" + cnonce + "\", response=\"" + response + "\"";
+    }
+
+    void takeChallenge(const Response &r)
+    {
+        const auto params = challengeParameters(r.header("WWW-Authenticate"));
+        realm = params.at("realm");
+        nonce = params.at("nonce");
+        nc = 0;
+    }
+};
+
+// Catches the server's log lines while it lives.
+class LogCatcher
+{
+public:
+    LogCatcher()
+    {
+        server::setLogHandler([this](const QString &line) {
+            std::lock_guard lock(m_mutex);
+            m_lines << line;
+        });
+    }
+    ~LogCatcher() { server::setLogHandler({}); }
+    QStringList lines() const
+    {
+        std::lock_guard lock(m_mutex);
+        return m_lines;
+    }
+    bool contains(const QString &text) const
+    {
+        for (const QString &line : lines())
+            if (line.contains(text))
+                return true;
+        return false;
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    QStringList m_lines;
+};
+
+// A connection that also takes POST and PUT bodies and answers "/echo" with
+// the body it received. Authentication can be switched off.
+class TestConnection : public server::HTTPConnection
+{
+public:
+    using HTTPConnection::HTTPConnection;
+
+    bool requireAuthentication = true;
+    bool acceptBodies = true;
+    QByteArray receivedBody;
+    std::vector<qsizetype> bodyPieces;
+    std::optional<uint64_t> preparedSize;
+    int finishedBodies = 0;
+    int finishedResponses = 0;
+    std::function<std::shared_ptr<server::HTTPResponse>(const QString &, const QString &)> responder;
+
+    bool supportsMethod(const QString &method, const QString &path) override
+    {
+        if (acceptBodies && (method == QLatin1String("POST") || method == QLatin1String("PUT")))
+            return true;
+        return HTTPConnection::supportsMethod(method, path);
+    }
+    bool isPasswordProtected(const QString &) override { return requireAuthentication; }
+    void prepareForBodyWithSize(uint64_t size) override
+    {
+        preparedSize = size;
+        receivedBody.clear();
+        bodyPieces.clear();
+    }
+    void processBodyData(const QByteArray &data) override
+    {
+        receivedBody += data;
+        bodyPieces.push_back(data.size());
+    }
+    void finishBody() override { ++finishedBodies; }
+    void finishResponse() override
+    {
+        ++finishedResponses;
+        HTTPConnection::finishResponse();
+    }
+    std::shared_ptr<server::HTTPResponse> httpResponseForMethod(const QString &method, const QString &path) override;
+
+    using HTTPConnection::filePathForURI;
+    QString logPrefixForTest() const { return logPrefix(); }
+};
+
+// A connection over the fake socket on a manual queue.
+template <class Connection = TestConnection> struct Harness
+{
+    std::shared_ptr<server::SerialQueue> queue = server::SerialQueue::createManual();
+    std::shared_ptr<server::FakeSocket> socket = server::FakeSocket::create(queue);
+    std::shared_ptr<Connection> connection;
+    bool died = false;
+
+    explicit Harness(const QString &documentRoot, const QString &user = QStringLiteral("Tavelle"),
+                     const QString &password = QStringLiteral("secret"))
+    {
+        server::HTTPConfig config;
+        config.documentRoot = documentRoot;
+        config.queue = queue;
+        config.connectionDidDie = [this](server::HTTPConnection &) { died = true; };
+        connection = std::make_shared<Connection>(socket, config);
+        if (!user.isEmpty())
+            connection->setUser(user);
+        if (!password.isEmpty())
+            connection->setPassword(password);
+        connection->start();
+        queue->drain();
+    }
+
+    void send(const QByteArray &bytes)
+    {
+        socket->feed(bytes);
+        queue->drain();
+    }
+
+    // Runs the queue until the predicate holds; for work that a response's
+    // own thread hands back. Gives up after five seconds.
+    bool runUntil(const std::function<bool()> &done)
+    {
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+        for (;;) {
+            queue->drain();
+            if (done())
+                return true;
+            if (std::chrono::steady_clock::now() > limit)
+                return false;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    }
+
+    QByteArray output() { return socket->takeWritten(); }
+
+    std::optional<Response> exchange(const QByteArray &request, bool withBody = true)
+    {
+        send(request);
+        QByteArray out = output();
+        return takeResponse(out, withBody);
+    }
+};
+
+} // namespace servertest
+
+#include <QCryptographicHash>
+
+inline QByteArray servertest::md5Hex(const QByteArray &text)
+{
+    return QCryptographicHash::hash(text, QCryptographicHash::Md5).toHex();
+}
