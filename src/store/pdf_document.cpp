@@ -1,0 +1,46 @@
+#include "store/pdf_document.h"
+
+#include <poppler-qt6.h>
+
+namespace tl::store {
+
+namespace {
+
+constexpr double kPointsPerInch = 72.0;
+
+std::unique_ptr<Poppler::Document> openDocument(const QString &path)
+{
+    std::unique_ptr<Poppler::Document> document = Poppler::Document::load(path);
+    if (!document || document->isLocked())
+        return nullptr;
+    return document;
+}
+
+} // namespace
+
+QString pdfText(const QString &path)
+{
+    const std::unique_ptr<Poppler::Document> document = openDocument(path);
+    if (!document)
+        return {};
+    QStringList pages;
+    for (int i = 0; i < document->numPages(); ++i)
+        if (const std::unique_ptr<Poppler::Page> page = document->page(i))
+            pages << page->text(QRectF());
+    return pages.join(u'\n');
+}
+
+QImage pdfFirstPageImage(const QString &path, QSize bounds)
+{
+    const std::unique_ptr<Poppler::Document> document = openDocument(path);
+    const std::unique_ptr<Poppler::Page> page = document ? document->page(0) : nullptr;
+    if (!page)
+        return {};
+    const QSizeF size = page->pageSizeF();
+    if (size.isEmpty())
+        return {};
+    const double scale = std::min(bounds.width() / size.width(), bounds.height() / size.height());
+    return page->renderToImage(kPointsPerInch * scale, kPointsPerInch * scale);
+}
+
+} // namespace tl::store
