@@ -35,6 +35,7 @@ struct Command
 const std::vector<Command> &libraryCommands();
 const std::vector<Command> &settingsCommands();
 const std::vector<Command> &pathCommands();
+const std::vector<Command> &itemCommands();
 
 // Prints one line to standard error and answers the status.
 int fail(const QString &message, int status = Failure);

@@ -19,7 +19,8 @@ const QString kNoLibrary =
 std::vector<const Command *> allCommands()
 {
     std::vector<const Command *> all;
-    for (const auto *group : {&libraryCommands(), &settingsCommands(), &pathCommands()})
+    for (const auto *group :
+         {&libraryCommands(), &settingsCommands(), &pathCommands(), &itemCommands()})
         for (const Command &c : *group)
             all.push_back(&c);
     return all;
