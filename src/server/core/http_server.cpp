@@ -4,6 +4,7 @@
 #include "server/core/serial_queue.h"
 #include "server/core/server_log.h"
 
+#include <asio/error.hpp>
 #include <asio/ip/tcp.hpp>
 #include <asio/ip/v6_only.hpp>
 #include <asio/steady_timer.hpp>
@@ -105,7 +106,8 @@ HTTPServer::~HTTPServer()
 
 bool HTTPServer::isAddressInUse(const std::error_code &error)
 {
-    return error == std::errc::address_in_use;
+    // Asio reports through a category of its own, which does not map onto std::errc.
+    return error == asio::error::address_in_use || error == std::errc::address_in_use;
 }
 
 bool HTTPServer::listen(std::error_code &error)
@@ -139,8 +141,8 @@ bool HTTPServer::listen(std::error_code &error)
             listener->acceptor.listen(asio::socket_base::max_listen_connections, ec);
         if (ec) {
             // A second address of the loopback pair may be missing (no IPv6).
-            const bool optional = i > 0 && (ec == std::errc::address_family_not_supported ||
-                                            ec == std::errc::address_not_available);
+            const bool optional = i > 0 && (ec == asio::error::address_family_not_supported ||
+                                            ec.value() == EADDRNOTAVAIL);
             if (optional)
                 continue;
             error = ec;

@@ -35,7 +35,7 @@ public:
     HTTPServer &operator=(const HTTPServer &) = delete;
 
     // Listens and publishes the service. On failure gives the error; an
-    // address in use is recognised with isAddressInUse().
+    // address in use is recognised with isAddressInUse() (EADDRINUSE).
     bool start(std::error_code *error = nullptr);
     // Withdraws the service and closes the listener; without keeping them,
     // also stops every connection.

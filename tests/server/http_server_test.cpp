@@ -1,0 +1,468 @@
+// The server over real loopback sockets, with curl as the client.
+#include "server_test_support.h"
+
+#include "server/core/http_server.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+using namespace server;
+using namespace servertest;
+
+namespace {
+
+QByteArray pattern(qsizetype size)
+{
+    QByteArray bytes(size, Qt::Uninitialized);
+    for (qsizetype i = 0; i < size; ++i)
+        bytes[i] = char('A' + (i * 13 + i / 509) % 26);
+    return bytes;
+}
+
+struct CurlResult
+{
+    int exitCode = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+CurlResult curl(const QStringList &arguments)
+{
+    QProcess process;
+    process.start(QStringLiteral("curl"), QStringList{"--silent", "--show-error", "--max-time", "60"} + arguments);
+    CurlResult result;
+    if (!process.waitForFinished(90000)) {
+        process.kill();
+        process.waitForFinished();
+        return result;
+    }
+    result.exitCode = process.exitCode();
+    result.out = process.readAllStandardOutput();
+    result.err = process.readAllStandardError();
+    return result;
+}
+
+// A plain blocking client socket on the loopback address.
+class RawClient
+{
+public:
+    explicit RawClient(uint16_t port)
+    {
+        m_fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(port);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        m_connected = ::connect(m_fd, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0;
+    }
+    ~RawClient() { ::close(m_fd); }
+    bool connected() const { return m_connected; }
+    void send(const QByteArray &bytes) { (void)::send(m_fd, bytes.constData(), size_t(bytes.size()), MSG_NOSIGNAL); }
+
+    // The next response, or nothing when the peer closed or five seconds passed.
+    std::optional<Response> receive(bool withBody = true)
+    {
+        for (;;) {
+            QByteArray copy = m_pending;
+            if (auto r = takeResponse(copy, withBody)) {
+                m_pending = copy;
+                return r;
+            }
+            if (!readSome())
+                return std::nullopt;
+        }
+    }
+    // True when the peer has closed (reads give end of stream).
+    bool closedByPeer()
+    {
+        while (readSome()) {
+        }
+        return m_closed;
+    }
+
+private:
+    bool readSome()
+    {
+        pollfd p{m_fd, POLLIN, 0};
+        if (::poll(&p, 1, 5000) <= 0)
+            return false;
+        char buffer[65536];
+        const ssize_t n = ::recv(m_fd, buffer, sizeof buffer, 0);
+        if (n <= 0) {
+            m_closed = true;
+            return false;
+        }
+        m_pending.append(buffer, n);
+        return true;
+    }
+
+    int m_fd;
+    bool m_connected = false;
+    bool m_closed = false;
+    QByteArray m_pending;
+};
+
+bool waitFor(const std::function<bool()> &condition)
+{
+    for (int i = 0; i < 5000; ++i) {
+        if (condition())
+            return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return condition();
+}
+
+class ServerTest : public ::testing::Test
+{
+protected:
+    QTemporaryDir dir;
+    QString root;
+    QByteArray small = pattern(4096);
+    std::unique_ptr<HTTPServer> server;
+
+    void SetUp() override
+    {
+        ASSERT_TRUE(dir.isValid());
+        root = dir.path() + "/library";
+        QDir().mkpath(root + "/Book");
+        QFile f(root + "/Book/small.txt");
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(small);
+        f.close();
+        server = std::make_unique<HTTPServer>();
+        server->setInterface(QStringLiteral("127.0.0.1"));
+        server->setPort(0);
+        server->setDocumentRoot(root);
+        server->setUsername(QStringLiteral("Tavelle"));
+        server->setPassword(QStringLiteral("secret"));
+    }
+
+    void startServer()
+    {
+        std::error_code error;
+        ASSERT_TRUE(server->start(&error)) << error.message();
+        ASSERT_NE(server->listeningPort(), 0);
+    }
+
+    QString url(const QString &path) const
+    {
+        return QStringLiteral("http://127.0.0.1:%1%2").arg(server->listeningPort()).arg(path);
+    }
+    QStringList digest(const QString &password = QStringLiteral("secret")) const
+    {
+        return {"--digest", "--user", "Tavelle:" + password};
+    }
+};
+
+} // namespace
+
+TEST_F(ServerTest, StartsOnAFreePortAndLogs)
+{
+    LogCatcher log;
+    startServer();
+    EXPECT_TRUE(server->isRunning());
+    EXPECT_TRUE(log.contains(QStringLiteral("HTTPServer: Started HTTP server on port %1").arg(server->listeningPort())));
+    server->stop();
+    EXPECT_FALSE(server->isRunning());
+    EXPECT_EQ(server->listeningPort(), 0);
+}
+
+TEST_F(ServerTest, CurlWithDigestGetsTheFile)
+{
+    startServer();
+    const auto r = curl(digest() + QStringList{"--write-out", "\n%{http_code}", url("/Book/small.txt")});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.out == small + "\n200");
+}
+
+TEST_F(ServerTest, CurlWithWrongPasswordGets401)
+{
+    startServer();
+    const auto r = curl(digest("wrong") + QStringList{"--output", "/dev/null", "--write-out", "%{http_code}",
+                                                      url("/Book/small.txt")});
+    EXPECT_EQ(r.out, "401");
+    const auto none = curl({"--output", "/dev/null", "--write-out", "%{http_code}", url("/Book/small.txt")});
+    EXPECT_EQ(none.out, "401");
+}
+
+TEST_F(ServerTest, CurlRangesSingleAndMultiple)
+{
+    startServer();
+    const auto one = curl(digest() + QStringList{"--range", "100-199", url("/Book/small.txt")});
+    EXPECT_TRUE(one.out == small.mid(100, 100));
+
+    const auto many = curl(digest() + QStringList{"--range", "0-4,4000-", "--include", url("/Book/small.txt")});
+    QByteArray out = many.out;
+    // curl shows the 401 of the challenge too; the last response is the answer.
+    std::optional<Response> response;
+    while (auto next = takeResponse(out))
+        response = next;
+    ASSERT_TRUE(response) << many.out.toStdString();
+    EXPECT_EQ(response->status, 206);
+    EXPECT_TRUE(response->header("Content-Type").startsWith("multipart/byteranges; boundary="));
+    EXPECT_EQ(response->header("Content-Length").toLongLong(), response->body.size());
+    EXPECT_TRUE(response->body.contains("Content-Range: bytes 0-4/4096\r\n\r\n" + small.left(5)));
+    EXPECT_TRUE(response->body.contains("Content-Range: bytes 4000-4095/4096\r\n\r\n" + small.mid(4000)));
+}
+
+TEST_F(ServerTest, CurlHeadGetsTheLength)
+{
+    startServer();
+    const auto r = curl(digest() + QStringList{"--head", url("/Book/small.txt")});
+    QByteArray out = r.out;
+    // curl shows the 401 of the challenge too; the last response is the answer.
+    std::optional<Response> last;
+    while (auto next = takeResponse(out, false))
+        last = next;
+    ASSERT_TRUE(last) << r.out.toStdString();
+    EXPECT_EQ(last->status, 200);
+    EXPECT_EQ(last->header("Content-Length"), "4096");
+}
+
+TEST_F(ServerTest, CurlReusesTheConnection)
+{
+    startServer();
+    const auto r = curl(digest() + QStringList{"--verbose", "--output", "/dev/null", "--output", "/dev/null",
+                                               url("/Book/small.txt"), url("/Book/small.txt")});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains("Re-using existing connection")) << r.err.toStdString();
+    EXPECT_EQ(r.err.count("Connected to 127.0.0.1"), 1);
+}
+
+TEST_F(ServerTest, CurlChunkedUploadIsDecoded)
+{
+    server->setConnectionClass<TestConnection>();
+    startServer();
+    const QByteArray body = pattern(700000);
+    const QString file = dir.path() + "/upload.bin";
+    {
+        QFile f(file);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(body);
+    }
+    const auto r = curl(digest() + QStringList{"--header", "Transfer-Encoding: chunked", "--header", "Expect:",
+                                               "--data-binary", "@" + file, url("/echo")});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out.size(), body.size());
+    EXPECT_TRUE(r.out == body);
+}
+
+TEST_F(ServerTest, CurlGetsALargeFileThroughTheThreadedResponse)
+{
+    startServer();
+    const QByteArray big = pattern(HTTPConnection::kAsyncFileThreshold + 777777);
+    {
+        QFile f(root + "/Book/large.bin");
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(big);
+    }
+    const auto r = curl(digest() + QStringList{url("/Book/large.bin")});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out.size(), big.size());
+    EXPECT_TRUE(r.out == big);
+    const auto range = curl(digest() + QStringList{"--range", "16000000-16999999", url("/Book/large.bin")});
+    EXPECT_TRUE(range.out == big.mid(16000000, 1000000));
+}
+
+namespace {
+long residentKiB()
+{
+    std::ifstream status("/proc/self/status");
+    std::string key;
+    while (status >> key) {
+        if (key == "VmRSS:") {
+            long value = 0;
+            status >> value;
+            return value;
+        }
+        status.ignore(1 << 20, '\n');
+    }
+    return 0;
+}
+} // namespace
+
+TEST_F(ServerTest, LargeResponseKeepsMemoryBounded)
+{
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "AddressSanitizer keeps freed memory in quarantine";
+#endif
+    startServer();
+    const QString path = root + "/Book/huge.bin";
+    {
+        QFile f(path);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        // Sparse, so the test costs no disk; the bound does not depend on the size
+        // (the benchmark measures a real 1 GiB file).
+        ASSERT_TRUE(f.resize(qint64(256) << 20));
+    }
+    const long before = residentKiB();
+    std::atomic<bool> running{true};
+    std::atomic<long> peak{before};
+    std::thread sampler([&] {
+        while (running) {
+            peak = std::max(peak.load(), residentKiB());
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+    });
+    const auto r = curl(digest() + QStringList{"--output", "/dev/null", "--write-out", "%{size_download}", url("/Book/huge.bin")});
+    running = false;
+    sampler.join();
+    EXPECT_EQ(r.out, "268435456") << r.err.toStdString();
+    EXPECT_LT(peak - before, 8 * 1024) << "grew by " << (peak - before) << " KiB";
+}
+
+TEST_F(ServerTest, AddressInUseIsRecognised)
+{
+    startServer();
+    HTTPServer second;
+    second.setInterface(QStringLiteral("127.0.0.1"));
+    second.setPort(server->listeningPort());
+    LogCatcher log;
+    std::error_code error;
+    EXPECT_FALSE(second.start(&error));
+    EXPECT_TRUE(HTTPServer::isAddressInUse(error)) << error.message() << " " << error.category().name() << " " << error.value();
+    EXPECT_FALSE(second.isRunning());
+    EXPECT_TRUE(log.contains("HTTPServer: Failed to start HTTP Server: "));
+}
+
+TEST_F(ServerTest, LoopbackNameListensOnBothFamilies)
+{
+    server->setInterface(QStringLiteral("localhost"));
+    startServer();
+    const auto v4 = curl(digest() + QStringList{url("/Book/small.txt")});
+    EXPECT_TRUE(v4.out == small);
+    const auto v6 = curl(digest() + QStringList{"--globoff", QStringLiteral("http://[::1]:%1/Book/small.txt").arg(server->listeningPort())});
+    if (v6.exitCode == 0)
+        EXPECT_TRUE(v6.out == small);
+}
+
+TEST_F(ServerTest, StopEndsTheConnectionsUnlessKept)
+{
+    startServer();
+    RawClient kept(server->listeningPort());
+    ASSERT_TRUE(kept.connected());
+    ASSERT_TRUE(waitFor([&] { return server->numberOfHTTPConnections() == 1; }));
+    server->stop(true);
+    kept.send("GET /Book/small.txt HTTP/1.1\r\nHost: x\r\n\r\n");
+    const auto answer = kept.receive();
+    ASSERT_TRUE(answer) << "a kept connection still answers";
+    EXPECT_EQ(answer->status, 401);
+    EXPECT_EQ(server->numberOfHTTPConnections(), 1u);
+
+    startServer();
+    RawClient dropped(server->listeningPort());
+    ASSERT_TRUE(waitFor([&] { return server->numberOfHTTPConnections() == 2; }));
+    server->stop();
+    EXPECT_EQ(server->numberOfHTTPConnections(), 0u);
+    EXPECT_TRUE(dropped.closedByPeer());
+    EXPECT_TRUE(kept.closedByPeer());
+}
+
+TEST_F(ServerTest, ConnectionAcceptedBeforeTheCredentialsNeverPasses)
+{
+    server->setUsername(QString());
+    server->setPassword(QString());
+    startServer();
+    RawClient early(server->listeningPort());
+    ASSERT_TRUE(waitFor([&] { return server->numberOfHTTPConnections() == 1; }));
+    server->setUsername(QStringLiteral("Tavelle"));
+    server->setPassword(QStringLiteral("secret"));
+
+    early.send("GET /Book/small.txt HTTP/1.1\r\nHost: x\r\n\r\n");
+    const auto challenge = early.receive();
+    ASSERT_TRUE(challenge);
+    DigestClient client;
+    client.takeChallenge(*challenge);
+    early.send("GET /Book/small.txt HTTP/1.1\r\nHost: x\r\nAuthorization: " +
+               client.authorization("GET", "/Book/small.txt") + "\r\n\r\n");
+    EXPECT_EQ(early.receive()->status, 401);
+
+    const auto later = curl(digest() + QStringList{"--output", "/dev/null", "--write-out", "%{http_code}", url("/Book/small.txt")});
+    EXPECT_EQ(later.out, "200");
+}
+
+TEST_F(ServerTest, MalformedInputClosesWithoutHarm)
+{
+    startServer();
+    RawClient client(server->listeningPort());
+    client.send(QByteArray("\x16\x03\x01\x02\x00\x01\x00\x01\xfc\x03\x03", 11) + QByteArray(300, '\x7f') + "\r\n");
+    const auto r = client.receive();
+    ASSERT_TRUE(r);
+    EXPECT_EQ(r->status, 400);
+    EXPECT_TRUE(client.closedByPeer());
+    EXPECT_TRUE(waitFor([&] { return server->numberOfHTTPConnections() == 0; }));
+    const auto after = curl(digest() + QStringList{"--output", "/dev/null", "--write-out", "%{http_code}", url("/Book/small.txt")});
+    EXPECT_EQ(after.out, "200");
+}
+
+TEST_F(ServerTest, PublicationWithoutDaemonLogsAndGoesOn)
+{
+    LogCatcher log;
+    server->setType(QStringLiteral("_http._tcp."));
+    server->setName(QStringLiteral("Tavelle"));
+    startServer();
+    EXPECT_TRUE(server->isRunning());
+    ASSERT_TRUE(waitFor([&] {
+        return log.contains("Failed to Publish Service: domain(local.) type(_http._tcp.) name(Tavelle) - ") ||
+               log.contains("Bonjour Service Published: domain(local.) type(_http._tcp.) name(Tavelle)");
+    })) << log.lines().join("\n").toStdString();
+    const auto r = curl(digest() + QStringList{"--output", "/dev/null", "--write-out", "%{http_code}", url("/Book/small.txt")});
+    EXPECT_EQ(r.out, "200");
+}
+
+namespace {
+struct RecordingPublisher : ServicePublisher
+{
+    std::vector<ServiceDescription> *published;
+    int *withdrawn;
+    void publish(const ServiceDescription &service) override { published->push_back(service); }
+    void unpublish() override { ++*withdrawn; }
+    QString publishedName() const override { return published->empty() ? QString() : published->back().name; }
+};
+} // namespace
+
+TEST_F(ServerTest, PublishesTypeNamePortAndRecord)
+{
+    std::vector<ServiceDescription> published;
+    int withdrawn = 0;
+    server->setPublisherFactory([&] {
+        auto p = std::make_unique<RecordingPublisher>();
+        p->published = &published;
+        p->withdrawn = &withdrawn;
+        return p;
+    });
+    startServer();
+    EXPECT_TRUE(published.empty()) << "nothing without a type";
+    server->stop();
+
+    server->setType(QStringLiteral("_http._tcp."));
+    server->setName(QStringLiteral("Tavelle"));
+    server->setTXTRecordDictionary({{"path", "/"}});
+    startServer();
+    ASSERT_EQ(published.size(), 1u);
+    EXPECT_EQ(published[0].domain, "local.");
+    EXPECT_EQ(published[0].type, "_http._tcp.");
+    EXPECT_EQ(published[0].name, "Tavelle");
+    EXPECT_EQ(published[0].port, server->listeningPort());
+    EXPECT_EQ(published[0].txtRecord.value("path"), "/");
+    EXPECT_EQ(server->publishedName(), "Tavelle");
+    server->republishBonjour();
+    EXPECT_EQ(published.size(), 2u);
+    const int before = withdrawn;
+    server->stop();
+    EXPECT_EQ(withdrawn, before + 1);
+}
