@@ -1,0 +1,145 @@
+#include "convert/inline_notes.h"
+
+#include <vector>
+
+namespace tl::convert {
+
+namespace {
+
+// Extends a note whose text holds brackets to its balancing "]".
+qsizetype noteEnd(const QString &text, const RegexMatch &match)
+{
+    const QStringView note = match.captured(text);
+    if (!note.sliced(1).contains(u'['))
+        return match.end();
+    // The expression stopped at the first "]": follow the nesting instead.
+    int depth = 1;
+    qsizetype end = match.end();
+    while (depth > 0 && end + 1 < text.size()) {
+        const QChar c = text.at(end);
+        if (c == u']')
+            --depth;
+        else if (c == u'[')
+            ++depth;
+        ++end;
+    }
+    return end;
+}
+
+// Whether `needle` followed by ":" occurs anywhere in the text. A needle
+// ends in "]", so only the places where "]:" stands need a look; they are
+// collected once, and the text only grows by appended definitions whose own
+// "]:" are added as they come.
+class DefinitionIndex
+{
+public:
+    explicit DefinitionIndex(const QString &text) { addFrom(text, 0); }
+
+    void addFrom(const QString &text, qsizetype from)
+    {
+        for (qsizetype at = text.indexOf(QStringLiteral("]:"), from); at >= 0;
+             at = text.indexOf(QStringLiteral("]:"), at + 1))
+            places_.push_back(at);
+    }
+
+    bool contains(const QString &text, const QString &needle) const
+    {
+        const qsizetype length = needle.size() + 1;
+        for (qsizetype bracket : places_) {
+            const qsizetype start = bracket + 2 - length;
+            // A label edit may have changed the text at an old place.
+            if (start >= 0 && text.at(bracket) == u']' && text.at(bracket + 1) == u':' &&
+                QStringView(text).sliced(start, needle.size()) == needle)
+                return true;
+        }
+        return false;
+    }
+
+private:
+    std::vector<qsizetype> places_;
+};
+
+QString labelOfNote(QStringView note)
+{
+    QString label = note.toString();
+    for (qsizetype i = 1; i + 1 < label.size(); ++i) {
+        if (label[i] == u'[' || label[i] == u']')
+            label[i] = u'-';
+    }
+    return label;
+}
+
+QString bodyOfNote(QStringView note)
+{
+    auto trimmed = [](QChar c) { return c == u'[' || c == u']' || c == u'^'; };
+    qsizetype start = 0;
+    qsizetype end = note.size();
+    while (start < end && trimmed(note[start]))
+        ++start;
+    while (end > start && trimmed(note[end - 1]))
+        --end;
+    return note.sliced(start, end - start).toString();
+}
+
+QList<RegexMatch> codeOfNotes(const QString &text)
+{
+    static const Regex backquoteFences(QStringLiteral(R"(\n(`{3,}?)[a-zA-Z0-9]*\s*\n.*?\n\1)"),
+                                       RegexOption::DotMatchesNewline);
+    static const Regex tildeFences(QStringLiteral(R"(\n(~{3,}?)\s*\n.*?\n\1)"),
+                                   RegexOption::DotMatchesNewline);
+    static const Regex spans(QStringLiteral("`.+?`"), RegexOption::DotMatchesNewline);
+    QList<RegexMatch> ranges = backquoteFences.allMatches(text);
+    ranges.append(tildeFences.allMatches(text));
+    ranges.append(spans.allMatches(text));
+    return ranges;
+}
+
+bool overlapsAny(const QList<RegexMatch> &ranges, qsizetype start, qsizetype end)
+{
+    for (const RegexMatch &range : ranges) {
+        if (std::min(range.end(), end) > std::max(range.start(), start))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+QString notesMovedToDefinitions(const QString &text, LazyCodeRanges &code)
+{
+    static const Regex note(QStringLiteral(R"(\[\^ ?[^\]]+?\](?!:))"),
+                            RegexOption::DotMatchesNewline);
+    const QList<RegexMatch> notes = note.allMatches(text);
+    if (notes.isEmpty())
+        return text;
+
+    // Edited in place from the last note to the first: a label has the
+    // length of its note, and definitions go behind everything, so the
+    // places of the notes still to come stay true.
+    QString result = text;
+    std::optional<DefinitionIndex> definitions;
+    std::optional<QList<RegexMatch>> noteCode;
+    for (qsizetype i = notes.size() - 1; i >= 0; --i) {
+        const RegexMatch &match = notes[i];
+        if (code.contains(result, match))
+            continue;
+        const qsizetype end = noteEnd(result, match);
+        const QString noteText = result.mid(match.start(), end - match.start());
+        if (!definitions)
+            definitions.emplace(result);
+        if (definitions->contains(result, noteText))
+            continue;
+        if (!noteCode)
+            noteCode = codeOfNotes(result);
+        if (overlapsAny(*noteCode, match.start(), end))
+            continue;
+        const QString label = labelOfNote(noteText);
+        const qsizetype appendedAt = result.size();
+        result.append(QStringLiteral("\n%1: %2").arg(label, bodyOfNote(noteText)));
+        result.replace(match.start(), label.size(), label);
+        definitions->addFrom(result, std::max<qsizetype>(0, appendedAt - 1));
+    }
+    return result;
+}
+
+} // namespace tl::convert

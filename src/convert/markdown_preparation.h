@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+
+// The one text-to-text pass every Markdown text takes before a converter:
+// it turns the program's own Markdown extensions into what the converters
+// understand.
+namespace tl::convert {
+
+// The converters, by the number stored in MarkdownConverter.
+enum Converter : int {
+    DefaultConverter = 0,
+    MultiMarkdown = 1,
+};
+
+// The prepared text for converter 0 or 1; any other number gets only the
+// steps both share.
+QString tl_stringPreparedForConversionWith(const QString &text, int converter);
+
+// Lines that begin with "//" (outside code) go, line endings and all.
+QString tl_stringByRemovingComments(const QString &text);
+// Every newline becomes a hard line break, except where Markdown structure
+// (fences, rules, headings, quotations of a class) needs a plain one.
+QString tl_makeEveryNewlineaLinebreak(const QString &text);
+// [[target|title]] becomes [title](target).
+QString tl_makeWikiLinksMarkdownLinks(const QString &text);
+
+} // namespace tl::convert

@@ -1,0 +1,36 @@
+#pragma once
+
+// Shared by the conversion tests: a temporary library with the settings put
+// back after each test, and table rows of text in, text out.
+
+#include "../store/library_fixture.h"
+
+#include <QString>
+#include <QVariantMap>
+
+namespace tltest {
+
+struct TextCase
+{
+    const char *name;
+    QString input;
+    QString expected;
+};
+
+inline void PrintTo(const TextCase &c, std::ostream *os)
+{
+    *os << c.name;
+}
+
+class ConvertTest : public LibraryTest
+{
+protected:
+    // Sets each setting of the map for this test.
+    static void setSettings(const QVariantMap &values)
+    {
+        for (auto it = values.cbegin(); it != values.cend(); ++it)
+            setSetting(it.key(), it.value());
+    }
+};
+
+} // namespace tltest
