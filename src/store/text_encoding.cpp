@@ -5,6 +5,7 @@
 
 #include <QStringDecoder>
 #include <array>
+#include <cstring>
 #include <memory>
 #include <string_view>
 #include <unicode/ucnv.h>
@@ -105,6 +106,18 @@ std::optional<QString> decodedByConverter(const QByteArray &bytes, TextEncoding 
 // byte-order mark.
 std::optional<QString> decodedUtf8(const QByteArray &bytes)
 {
+    // Files in the older encodings fail within their first characters: a
+    // look at the head spares them a pass over the whole file.
+    constexpr qsizetype kHead = 64 * 1024;
+    if (bytes.size() > kHead) {
+        qsizetype end = kHead;
+        while (end > kHead - 4 && (static_cast<unsigned char>(bytes[end]) & 0xC0) == 0x80)
+            --end;
+        QStringDecoder head(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+        const QString decodedHead = head.decode(QByteArrayView(bytes).first(end));
+        if (head.hasError())
+            return std::nullopt;
+    }
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     QString text = decoder.decode(bytes);
     if (decoder.hasError())
@@ -145,29 +158,40 @@ const std::array<char16_t, 256> &tableOf(TextEncoding encoding)
     }
 }
 
-// Bytes below 0x80 are ASCII in every table: they are widened in one pass
-// the compiler vectorises, and only the others are looked up.
+// Bytes below 0x80 are ASCII in every table: blocks of 16 such bytes are
+// widened as they are, which the compiler vectorises; only blocks holding
+// another byte are looked up.
 std::optional<QString> decodedByTable(const QByteArray &bytes, TextEncoding encoding)
 {
+    constexpr qsizetype kBlock = 16;
+    constexpr quint64 kHighBits = 0x8080808080808080ull;
     const std::array<char16_t, 256> &table = tableOf(encoding);
     const auto *in = reinterpret_cast<const unsigned char *>(bytes.constData());
     const qsizetype size = bytes.size();
     QString text(size, Qt::Uninitialized);
     char16_t *out = reinterpret_cast<char16_t *>(text.data());
-    unsigned char high = 0;
-    for (qsizetype i = 0; i < size; ++i) {
-        out[i] = in[i];
-        high |= in[i];
-    }
-    if (high & 0x80) {
-        for (qsizetype i = 0; i < size; ++i) {
-            if (in[i] < 0x80)
-                continue;
+    bool unmapped = false;
+    const auto lookUp = [&](qsizetype from, qsizetype to) {
+        for (qsizetype i = from; i < to; ++i) {
             out[i] = table[in[i]];
-            if (out[i] == kUnmapped)
-                return std::nullopt;
+            unmapped |= out[i] == kUnmapped;
+        }
+    };
+    qsizetype i = 0;
+    for (; i + kBlock <= size; i += kBlock) {
+        quint64 first, second;
+        std::memcpy(&first, in + i, sizeof first);
+        std::memcpy(&second, in + i + sizeof first, sizeof second);
+        if (((first | second) & kHighBits) == 0) {
+            for (qsizetype k = 0; k < kBlock; ++k)
+                out[i + k] = in[i + k];
+        } else {
+            lookUp(i, i + kBlock);
         }
     }
+    lookUp(i, size);
+    if (unmapped)
+        return std::nullopt;
     return text;
 }
 
