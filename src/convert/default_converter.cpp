@@ -1,0 +1,213 @@
+#include "convert/default_converter.h"
+
+#include "convert/contents_block.h"
+#include "convert/convert_keys.h"
+#include "convert/discount.h"
+#include "convert/match_edits.h"
+#include "foundation/compare.h"
+#include "foundation/regex.h"
+#include "platform/file_ops.h"
+#include "platform/folders.h"
+#include "platform/settings.h"
+#include "store/item_path.h"
+#include "store/log.h"
+#include "store/text_encoding.h"
+
+#include <QFile>
+#include <QUuid>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace tl::convert {
+
+namespace {
+
+bool setting(const char *key)
+{
+    return platform::settings().boolValue(QLatin1String(key));
+}
+
+discount::Flags flagsFor(const QString &markdown)
+{
+    using discount::Flag;
+    static const Regex formula(QStringLiteral(R"(\s\$[^\$]+?\$\s)"));
+    discount::Flags flags{Flag::TOC,        Flag::ExtraFootnote, Flag::FencedCode,   Flag::Latex,
+                          Flag::GithubTags, Flag::Autolink,      Flag::ExplicitList, Flag::DLExtra,
+                          Flag::DLDiscount, Flag::IdAnchor,      Flag::NoStyle};
+    if (!setting(keys::UseSmartyPants))
+        flags.set(Flag::NoPants);
+    if (formula.isMatch(markdown)) {
+        // "a^b" would break the formulas MathJax typesets.
+        flags.set(Flag::NoSuperscript);
+        logLine(QStringLiteral("contains MATHJAX > disable superscript"));
+    }
+    return flags;
+}
+
+// The stock library marks task items with its own class and a box glyph;
+// the style sheets and later steps know them by these two classes.
+QString withCheckboxClasses(QString html)
+{
+    html.replace(QStringLiteral("<li class=\"github_checkbox\">&#x2610;"),
+                 QStringLiteral("<li class=\"tl_checkbox\">"));
+    html.replace(QStringLiteral("<li class=\"github_checkbox\">&#x2611;"),
+                 QStringLiteral("<li class=\"tl_checkbox_done\">"));
+    return html;
+}
+
+// "Title [x]" shows as "Title " where the bracket made the id x.
+QString withAnchorBracketsRemoved(const QString &html, const Regex &regex)
+{
+    return regex.replaceMatches(
+        html, [](const RegexMatch &m, QStringView text) -> std::optional<QString> {
+            if (localizedCompare(m.captured(text, 1), m.captured(text, 4)) != 0)
+                return std::nullopt;
+            return withGroupsReplaced(m, text, {{2, m.capturedString(text, 3)}});
+        });
+}
+
+QString withoutCheckboxParagraphs(const QString &html)
+{
+    static const Regex paragraph(
+        QStringLiteral(R"re(<li class="(tl_checkbox.*?)"><p>(.*?)</p></li>)re"),
+        RegexOption::DotMatchesNewline);
+    static const Regex blank(QStringLiteral(R"re((<li class="tl_checkbox.*?>) )re"));
+    return blank.replaceAll(paragraph.replaceAll(html, QStringLiteral(R"(<li class="$1">$2</li>)")),
+                            QStringLiteral("$1"));
+}
+
+// The two work files of one run, removed when the run ends.
+struct WorkFiles
+{
+    QString markdown;
+    QString html;
+    ~WorkFiles()
+    {
+        QFile::remove(markdown);
+        QFile::remove(html);
+    }
+};
+
+struct FileCloser
+{
+    void operator()(FILE *file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<FILE, FileCloser>;
+
+File openFile(const QString &path, const char *mode)
+{
+    return File(std::fopen(QFile::encodeName(path).constData(), mode));
+}
+
+void write(FILE *file, const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), file);
+}
+
+QString titleBlock(const discount::Document &document)
+{
+    QString block =
+        QStringLiteral("<div id=\"header\"><h1 class=\"title\">%1</h1>").arg(document.title());
+    if (!document.author().isEmpty())
+        block += QStringLiteral("\n<h2 class=\"author\">%1</h2>").arg(document.author());
+    if (!document.date().isEmpty())
+        block += QStringLiteral("\n<h3 class=\"date\">%1</h3>").arg(document.date());
+    return block + QStringLiteral("</div>\n<hr class=\"invisible-pagebreak\">\n");
+}
+
+} // namespace
+
+QString contentsListWithAnchorBracketsRemoved(const QString &list)
+{
+    static const Regex entry(QStringLiteral(R"re(href="#(.+?)">((.+?)\[(.+?)\])</a>)re"),
+                             RegexOption::AnchorsMatchLines);
+    return withAnchorBracketsRemoved(list, entry);
+}
+
+QString withHeadingAnchorBracketsRemoved(const QString &html)
+{
+    static const Regex heading(
+        QStringLiteral(R"re(^<h[1-6] id="(.+?)">((.+?)\[(.+?)\])</h[1-6]>$)re"),
+        RegexOption::AnchorsMatchLines);
+    return withAnchorBracketsRemoved(html, heading);
+}
+
+QString multiMarkdownCompatibleAnchor(const QString &heading)
+{
+    static const Regex bracket(QStringLiteral(R"(\[(.+?)\])"), RegexOption::AnchorsMatchLines);
+    static const Regex foreign(QStringLiteral(R"([^a-zA-Z0-9\.:\-_])"));
+    static const Regex dashes(QStringLiteral(R"(\-+)"));
+    if (heading.endsWith(u']')) {
+        const QList<RegexMatch> matches = bracket.allMatches(heading);
+        if (!matches.isEmpty())
+            return store::percentEncodedForPath(matches.last().capturedString(heading, 1));
+    }
+    return dashes.replaceAll(foreign.replaceAll(heading, QString()), QStringLiteral("-")).toLower();
+}
+
+QString tl_markdownWithPandoc(const QString &markdown, bool withTitleBlock, bool withContents)
+{
+    const QString folder = platform::temporaryFolder();
+    platform::makeFolder(folder);
+    const QString unique = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    WorkFiles files{folder + QStringLiteral("/mdtoconvert-%1.md").arg(unique),
+                    folder + QStringLiteral("/convertedmd-%1.html").arg(unique)};
+
+    if (!platform::writeFileInPlace(files.markdown, markdown.toUtf8())) {
+        logLine(
+            QStringLiteral("Error on Markdown Conversion: cannot write text: %1 ").arg(markdown));
+        logLine(QStringLiteral("to file: %1").arg(files.markdown));
+        logLine(QStringLiteral("Error %1").arg(QString::fromLocal8Bit(std::strerror(errno))));
+        return QString();
+    }
+    const discount::Flags flags = flagsFor(markdown);
+    std::unique_ptr<discount::Document> document;
+    {
+        File input = openFile(files.markdown, "r");
+        if (!input) {
+            logLine(QStringLiteral("Error on Markdown Conversion: cannot open file: %1")
+                        .arg(files.markdown));
+            return QString();
+        }
+        document = discount::Document::read(input.get(), flags);
+    }
+    if (!document)
+        return markdown;
+
+    const bool mmdAnchors = setting(keys::UseMMDCompatibleAnchors);
+    {
+        File output = openFile(files.html, "w");
+        if (!output)
+            return QString();
+        if (mmdAnchors) {
+            document->setAnchorMaker([](QByteArrayView heading) {
+                return multiMarkdownCompatibleAnchor(QString::fromUtf8(heading)).toUtf8();
+            });
+        }
+        document->compile();
+        if (withTitleBlock && !document->title().isEmpty())
+            write(output.get(), titleBlock(*document));
+        QString list = QString::fromUtf8(document->contents());
+        if (mmdAnchors)
+            list = contentsListWithAnchorBracketsRemoved(list);
+        if (withContents && !list.isEmpty() && !markdown.contains(QStringLiteral("<TOC>")) &&
+            !markdown.contains(QStringLiteral("{{TOC")))
+            write(output.get(), contentsBlock(list));
+        document->writeHTML(output.get());
+        document.reset();
+        output.reset();
+
+        const std::optional<QByteArray> bytes = platform::readFile(files.html);
+        if (!bytes)
+            return QString();
+        const auto decoded = store::decodedTextOfUnknownEncoding(*bytes);
+        QString html = withCheckboxClasses(decoded ? decoded->text : QString());
+        html = withContentsAtMarkers(html, list);
+        html = withoutCheckboxParagraphs(html);
+        return mmdAnchors ? withHeadingAnchorBracketsRemoved(html) : html;
+    }
+}
+
+} // namespace tl::convert

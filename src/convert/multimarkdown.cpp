@@ -1,0 +1,111 @@
+#include "convert/multimarkdown.h"
+
+#include "convert/code_ranges.h"
+#include "convert/contents_block.h"
+#include "convert/convert_keys.h"
+#include "convert/default_converter.h"
+#include "convert/discount.h"
+#include "convert/inline_notes.h"
+#include "convert/match_edits.h"
+#include "foundation/path_string.h"
+#include "foundation/regex.h"
+#include "platform/settings.h"
+
+namespace tl::convert {
+
+namespace {
+
+// The layer's own Discount run: MultiMarkdown's ids, its quotation and
+// task-item shapes, no title block.
+discount::Flags multiMarkdownFlags()
+{
+    using discount::Flag;
+    discount::Flags flags{Flag::TOC,      Flag::ExtraFootnote, Flag::FencedCode, Flag::Latex,
+                          Flag::Autolink, Flag::DLExtra,       Flag::IdAnchor,   Flag::GithubTags,
+                          Flag::NoStyle,  Flag::NoDivQuote};
+    if (!platform::settings().boolValue(QLatin1String(keys::UseSmartyPants)))
+        flags.set(Flag::NoPants);
+    return flags;
+}
+
+// Writes the body in the shapes MultiMarkdown gives it: task items keep
+// their "[ ]" text, a quotation's paragraph stands on its own lines.
+QString inMultiMarkdownShapes(QString html)
+{
+    html.replace(QStringLiteral("<li class=\"github_checkbox\">&#x2610;"),
+                 QStringLiteral("<li>[ ]"));
+    html.replace(QStringLiteral("<li class=\"github_checkbox\">&#x2611;"),
+                 QStringLiteral("<li>[x]"));
+    html.replace(QStringLiteral("<blockquote><p>"), QStringLiteral("<blockquote>\n<p>"));
+    html.replace(QStringLiteral("</p></blockquote>"), QStringLiteral("</p>\n</blockquote>"));
+    return html;
+}
+
+QString htmlOfSource(const QString &source)
+{
+    // Inline notes become numbered notes at the end, as in the default
+    // converter.
+    LazyCodeRanges code;
+    const QString withNotes = notesMovedToDefinitions(source, code);
+    std::unique_ptr<discount::Document> document =
+        discount::Document::parse(withNotes.toUtf8(), multiMarkdownFlags());
+    if (!document)
+        return QString();
+    document->setAnchorMaker([](QByteArrayView heading) {
+        return multiMarkdownCompatibleAnchor(QString::fromUtf8(heading)).toUtf8();
+    });
+    document->compile();
+    const QString list =
+        contentsListWithAnchorBracketsRemoved(QString::fromUtf8(document->contents()));
+    QString html = inMultiMarkdownShapes(QString::fromUtf8(document->html()));
+    html = withHeadingAnchorBracketsRemoved(html);
+    return withContentsAtMarkers(html, list);
+}
+
+// Task items and class quotations as the default converter writes them.
+QString withFixUps(const QString &html)
+{
+    static const Regex open(QStringLiteral(R"((<li>\[ \]\s?))"), RegexOption::DotMatchesNewline);
+    static const Regex done(QStringLiteral(R"((<li>\[[x|X]\]\s?))"),
+                            RegexOption::DotMatchesNewline);
+    static const Regex classQuotation(
+        QStringLiteral(R"(<blockquote>\n<p>%(.+?)%\n?(.*?)</p>\n</blockquote>)"),
+        RegexOption::DotMatchesNewline);
+    auto replacedBy = [](const QString &replacement) {
+        return [replacement](const RegexMatch &m, QStringView) -> std::optional<QString> {
+            if (m.length() == 0)
+                return std::nullopt;
+            return replacement;
+        };
+    };
+    QString result =
+        open.replaceMatches(html, replacedBy(QStringLiteral("<li class=\"tl_checkbox\">")));
+    result =
+        done.replaceMatches(result, replacedBy(QStringLiteral("<li class=\"tl_checkbox_done\">")));
+    return classQuotation.replaceMatches(
+        result, [](const RegexMatch &m, QStringView text) -> std::optional<QString> {
+            QString div = QStringLiteral("<div class=\"%1\"><p>%2</p></div>")
+                              .arg(m.captured(text, 1), m.captured(text, 2));
+            div.remove(QStringLiteral("<p></p>"));
+            return div;
+        });
+}
+
+} // namespace
+
+QString tl_multiMarkdownWithPath(const QString &markdown, const QString &path)
+{
+    const QString folder = path.isEmpty() ? QString() : path::deletingLastComponent(path);
+    QString source = mmd_prepend_mmd_header(markdown, folder);
+    source = mmd_append_mmd_header(source, folder);
+    source = mmd_transclude_source(source, folder, path, MultiMarkdownFormat::HTML);
+    if (platform::settings().integer(QLatin1String(keys::ShowCriticMarkup)) == 0)
+        source = mmd_critic_markup_accept(source);
+    else
+        source = criticMarkupAsHTML(source);
+    // The metadata block is no part of an HTML body.
+    source = source.mid(multiMarkdownMetadata(source).bodyStart);
+    return withFixUps(htmlOfSource(source));
+}
+
+} // namespace tl::convert
