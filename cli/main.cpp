@@ -19,8 +19,8 @@ const QString kNoLibrary =
 std::vector<const Command *> allCommands()
 {
     std::vector<const Command *> all;
-    for (const auto *group :
-         {&libraryCommands(), &settingsCommands(), &pathCommands(), &itemCommands()})
+    for (const auto *group : {&libraryCommands(), &settingsCommands(), &pathCommands(),
+                              &itemCommands(), &convertCommands()})
         for (const Command &c : *group)
             all.push_back(&c);
     return all;

@@ -98,7 +98,8 @@ QString converted(const QString &text, int converter, const QString &path, bool 
 
 } // namespace
 
-QString markdownToHTMLForDocument(const QString &input, const QString &path)
+QString markdownToHTMLForDocument(const QString &input, const QString &path,
+                                  std::optional<int> chosenConverter)
 {
     const bool isFile = !path.isEmpty() && QFileInfo(path).isFile();
     int converter =
@@ -109,6 +110,7 @@ QString markdownToHTMLForDocument(const QString &input, const QString &path)
             store::tl_propertyForKey(path, QLatin1String(tl::keys::property::TOC)));
         converter = tl_markdownConverterAtPath(path);
     }
+    converter = chosenConverter.value_or(converter);
     QString text = input;
     if (text.startsWith(QStringLiteral("<!-- Plain Text Representation:\n")))
         text = tl_plainTextRepresentation(text);

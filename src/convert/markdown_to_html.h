@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <optional>
 
 namespace tl::convert {
 
@@ -11,7 +12,9 @@ namespace tl::convert {
 QString tl_markdownToHTML(const QString &receiver);
 
 // The same for a text of the document at path (read already, or changed
-// in an editor); path may be empty for a text that belongs to no file.
-QString markdownToHTMLForDocument(const QString &text, const QString &path);
+// in an editor); path may be empty for a text that belongs to no file. A
+// given converter number takes the place of the document's own.
+QString markdownToHTMLForDocument(const QString &text, const QString &path,
+                                  std::optional<int> converter = std::nullopt);
 
 } // namespace tl::convert
