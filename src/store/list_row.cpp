@@ -1,5 +1,6 @@
 #include "store/list_row.h"
 
+#include "foundation/clock.h"
 #include "foundation/compare.h"
 #include "foundation/dates.h"
 #include "foundation/path_string.h"
@@ -8,6 +9,7 @@
 #include "store/extensions.h"
 #include "store/keys.h"
 #include "store/plist_file.h"
+#include "store/task_records.h"
 
 #include <QFileInfo>
 #include <algorithm>
@@ -64,6 +66,51 @@ Attributes attributesOf(const QString &path)
     return a;
 }
 
+// Sort dates of finished and undated tasks, in seconds since 2001.
+constexpr double kOpenWithoutDate = 30785400000.0;
+constexpr double kDoneBase = 36910080000.0;
+constexpr double kCanceledBase = 43061760000.0;
+
+struct TaskPart
+{
+    QDateTime sortDate;
+    QString icon;
+    QString isRepeating;
+};
+
+TaskPart taskPartOf(const QString &itemPath, const std::optional<QVariantMap> &details)
+{
+    const QVariantMap record = details ? *details : taskRecordForItem(itemPath);
+    TaskPart part;
+    part.sortDate = distantFuture();
+    const QVariant dueDate = record.value(QStringLiteral("DueDate"));
+    const QString state = record.value(QStringLiteral("State")).toString();
+    if (dueDate.typeId() == QMetaType::QDateTime)
+        part.sortDate = dueDate.toDateTime();
+    else if (state == u"no_task")
+        part.sortDate = distantPast();
+    part.icon = tl_taskIconForStateIsDue(state.isEmpty() ? QStringLiteral("open") : state,
+                                         part.sortDate <= clock().now());
+    part.isRepeating =
+        record.contains(QStringLiteral("RepeatType")) ? QStringLiteral("1") : QString();
+
+    const bool done = part.icon.contains(u"done");
+    const bool canceled = part.icon.contains(u"canceled");
+    if (!done && !canceled) {
+        if (part.sortDate == distantFuture())
+            part.sortDate = dateFromSecondsSinceReferenceDate(kOpenWithoutDate);
+        return part;
+    }
+    // Without a record the completion date is unknown: the distant future.
+    const QDateTime completed =
+        record.value(QStringLiteral("Changed"), distantFuture()).toDateTime();
+    double seconds = done ? kDoneBase : kCanceledBase;
+    if (completed != distantFuture())
+        seconds -= secondsSinceReferenceDate(completed);
+    part.sortDate = dateFromSecondsSinceReferenceDate(seconds);
+    return part;
+}
+
 template <typename Less> void stableSort(QList<ListRow> &rows, Less less)
 {
     std::stable_sort(rows.begin(), rows.end(), less);
@@ -86,6 +133,8 @@ QVariantMap ListRow::toDictionary() const
                   {QLatin1String(P::FavoriteTag), favorite}};
     if (cellColor)
         d.insert(P::CellColor, *cellColor);
+    if (smartType != 0)
+        d.insert(QStringLiteral("smartType"), smartType);
     return d;
 }
 
@@ -103,11 +152,24 @@ BookOrder BookOrder::ofBook(const QString &bookPath)
 
 ListRow tl_rowForItem(const QString &itemPath, const std::optional<BookOrder> &parentOrder)
 {
+    return tl_dictionaryForItemAsTask(itemPath, false, std::nullopt, parentOrder);
+}
+
+ListRow tl_dictionaryForItemAsTask(const QString &itemPath, bool asTask,
+                                   const std::optional<QVariantMap> &details,
+                                   const std::optional<BookOrder> &parentOrder)
+{
     ListRow row;
     row.title = path::lastComponent(itemPath);
     row.path = itemPath;
     row.parent = path::deletingLastComponent(itemPath);
     row.dueDate = distantFuture();
+    if (asTask) {
+        const TaskPart task = taskPartOf(itemPath, details);
+        row.dueDate = task.sortDate;
+        row.taskIcon = task.icon;
+        row.taskIsRepeating = task.isRepeating;
+    }
 
     const Attributes attributes = attributesOf(itemPath);
     row.modDate = attributes.modified;

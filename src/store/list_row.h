@@ -24,6 +24,8 @@ struct ListRow
     qint64 pinnedSequence = 0;
     QString favorite;
     std::optional<QString> cellColor;
+    // A smart book's type on a smart book row, else 0.
+    int smartType = 0;
 
     // The row as the dictionary the views and the command print.
     QVariantMap toDictionary() const;
@@ -39,8 +41,15 @@ struct BookOrder
     static BookOrder fromProperties(const QVariantMap &bookProperties);
 };
 
-// The row of an item not shown as a task. The parent's order lists are
-// handed in when known, else read from the parent's BookProperties.plist.
+// The row of an item. Shown as a task, its record (handed in, else looked up
+// in the parent's TLTasklistDetails.plist) gives the icon and a DueDate that
+// orders tasks: dated open ones, then undated open ones, then done ones and
+// last cancelled ones, each finished group newest first. The parent's order
+// lists are handed in when known, else read from its BookProperties.plist.
+ListRow tl_dictionaryForItemAsTask(const QString &path, bool asTask,
+                                   const std::optional<QVariantMap> &details = {},
+                                   const std::optional<BookOrder> &parentOrder = {});
+// The row of an item not shown as a task.
 ListRow tl_rowForItem(const QString &path, const std::optional<BookOrder> &parentOrder = {});
 
 // Chained stable sorts, the later deciding: base order by name (or by
