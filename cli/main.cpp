@@ -71,6 +71,7 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(QStringLiteral("tavelle"));
     QCoreApplication::setApplicationVersion(QString::fromLatin1(tl::shell::kShortVersion));
     tl::setUpDiagnostics();
+    tl::setStandardErrorRedirectAllowed(false);
 
     QStringList args = QCoreApplication::arguments().mid(1);
     bool json = false;

@@ -6,12 +6,13 @@
 
 #include <QDir>
 #include <QFile>
+#include <atomic>
 #include <cstdio>
-#include <iostream>
 #include <mutex>
-#include <spdlog/sinks/ostream_sink.h>
+#include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/spdlog.h>
+#include <sys/stat.h>
 
 namespace tl {
 
@@ -22,18 +23,47 @@ QString libraryLogPath()
     return root.isEmpty() ? QString() : root + u'/' + QLatin1String(names::MacLog);
 }
 
-spdlog::logger &plainLogger()
+std::atomic<bool> &standardErrorRedirectAllowed()
 {
-    // Plain lines carry a timestamp only; they go to standard error, which
-    // start-up points at the library's log file.
-    static std::shared_ptr<spdlog::logger> logger = [] {
-        auto sink = std::make_shared<spdlog::sinks::ostream_sink_mt>(std::cerr, true);
-        auto l = std::make_shared<spdlog::logger>("plain", sink);
-        l->set_pattern("%Y-%m-%d %H:%M:%S.%e %v");
-        return l;
-    }();
-    return *logger;
+    static std::atomic<bool> allowed{true};
+    return allowed;
 }
+
+// The plain lines go straight into the library's log file, opened anew when
+// the file is replaced, so the user can switch logging on and off at will.
+class PlainLog
+{
+public:
+    void write(const QString &path, const QString &line)
+    {
+        std::lock_guard lock(m_mutex);
+        struct stat st
+        {
+        };
+        if (::stat(QFile::encodeName(path).constData(), &st) != 0)
+            return;
+        if (!m_logger || path != m_path || st.st_ino != m_inode) {
+            try {
+                auto sink = std::make_shared<spdlog::sinks::basic_file_sink_mt>(path.toStdString());
+                m_logger = std::make_shared<spdlog::logger>("plain", sink);
+                m_logger->set_pattern("%Y-%m-%d %H:%M:%S.%e %v");
+                m_logger->flush_on(spdlog::level::info);
+            } catch (const spdlog::spdlog_ex &) {
+                m_logger.reset();
+                return;
+            }
+            m_path = path;
+            m_inode = st.st_ino;
+        }
+        m_logger->info(line.toStdString());
+    }
+
+private:
+    std::mutex m_mutex;
+    std::shared_ptr<spdlog::logger> m_logger;
+    QString m_path;
+    ino_t m_inode = 0;
+};
 } // namespace
 
 bool plainLogEnabled()
@@ -44,14 +74,21 @@ bool plainLogEnabled()
 
 void logLine(const QString &line)
 {
-    if (plainLogEnabled())
-        plainLogger().info(line.toStdString());
+    static PlainLog plain;
+    const QString path = libraryLogPath();
+    if (!path.isEmpty())
+        plain.write(path, line);
     spdlog::debug(line.toStdString());
+}
+
+void setStandardErrorRedirectAllowed(bool allowed)
+{
+    standardErrorRedirectAllowed() = allowed;
 }
 
 bool redirectStandardErrorToLibraryLog()
 {
-    if (!plainLogEnabled())
+    if (!standardErrorRedirectAllowed() || !plainLogEnabled())
         return false;
     std::fflush(stderr);
     return std::freopen(QFile::encodeName(libraryLogPath()).constData(), "a", stderr) != nullptr;

@@ -10,9 +10,11 @@ namespace tl {
 bool plainLogEnabled();
 void logLine(const QString &line);
 
-// Sends standard error into root/TLMacLog.txt (append) when it exists.
-// Answers whether it did.
+// Sends standard error into root/TLMacLog.txt (append) when it exists and
+// the process allows it. Answers whether it did.
 bool redirectStandardErrorToLibraryLog();
+// The command keeps standard error for its own one-line errors.
+void setStandardErrorRedirectAllowed(bool allowed);
 
 // Leveled diagnostics with file rotation, in the caches folder.
 void setUpDiagnostics();
