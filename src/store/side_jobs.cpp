@@ -2,34 +2,48 @@
 
 namespace tl::store {
 
-void tl_changePathInTagDBToPath(const QString &, const QString &)
+namespace {
+void run(const PathJob &job, const QString &source, const QString &target)
 {
-    // The contexts subsystem fills this in.
+    if (job)
+        job(source, target);
+}
+} // namespace
+
+SideJobs &sideJobs()
+{
+    static SideJobs jobs;
+    return jobs;
 }
 
-void tl_moveTaskToPath(const QString &, const QString &)
+void tl_changePathInTagDBToPath(const QString &source, const QString &target)
 {
-    // The tasks subsystem fills this in.
+    run(sideJobs().changePathInTagDB, source, target);
 }
 
-void tl_copyTaskDetailsToPath(const QString &, const QString &)
+void tl_moveTaskToPath(const QString &source, const QString &target)
 {
-    // The tasks subsystem fills this in.
+    run(sideJobs().moveTask, source, target);
 }
 
-void tl_copyEmbeddedPhotosToPath(const QString &, const QString &)
+void tl_copyTaskDetailsToPath(const QString &source, const QString &target)
 {
-    // The attachments of the links subsystem fill this in.
+    run(sideJobs().copyTaskDetails, source, target);
 }
 
-void tl_renameAllLinksFrom(const QString &, const QString &)
+void tl_copyEmbeddedPhotosToPath(const QString &source, const QString &target)
 {
-    // The links subsystem fills this in.
+    run(sideJobs().copyEmbeddedPhotos, source, target);
 }
 
-void tl_adjustLinksAndBacklinksAfterRenameFrom(const QString &, const QString &)
+void tl_renameAllLinksFrom(const QString &source, const QString &target)
 {
-    // The links subsystem fills this in.
+    run(sideJobs().renameAllLinks, source, target);
+}
+
+void tl_adjustLinksAndBacklinksAfterRenameFrom(const QString &source, const QString &target)
+{
+    run(sideJobs().adjustLinksAndBacklinksAfterRename, source, target);
 }
 
 } // namespace tl::store

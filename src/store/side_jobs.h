@@ -1,11 +1,28 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 
 // The jobs that keep tasks, contexts, attachments and links in step when an
-// item moves or is copied. Each stays empty until its subsystem lands; the
+// item moves or is copied. Those subsystems sit above the store, so each
+// registers its job here at start; a job nobody registered does nothing. The
 // item operations call them in their fixed order.
 namespace tl::store {
+
+using PathJob = std::function<void(const QString &source, const QString &target)>;
+
+struct SideJobs
+{
+    PathJob changePathInTagDB;
+    PathJob moveTask;
+    PathJob copyTaskDetails;
+    PathJob copyEmbeddedPhotos;
+    PathJob renameAllLinks;
+    PathJob adjustLinksAndBacklinksAfterRename;
+};
+
+// The process's registered jobs.
+SideJobs &sideJobs();
 
 // The tag database's records follow the item.
 void tl_changePathInTagDBToPath(const QString &source, const QString &target);
