@@ -168,6 +168,20 @@ TEST_F(ConnectionTest, NonceOverItsLifetimeGets401WithANewNonce)
     EXPECT_FALSE(HTTPConnection::hasRecentNonce(QString::fromLatin1(client.nonce)));
 }
 
+TEST_F(ConnectionTest, NonceAgeIsCheckedWhateverTheOrderOfMaking)
+{
+    // A nonce made later by the clock than one made after it must not shield
+    // the younger one from expiring.
+    now = 5000;
+    HTTPConnection::generateNonce();
+    now = 1000;
+    const QString nonce = HTTPConnection::generateNonce();
+    now = 1000 + HTTPConnection::kNonceLifetime - 1;
+    EXPECT_TRUE(HTTPConnection::hasRecentNonce(nonce));
+    now = 1000 + HTTPConnection::kNonceLifetime;
+    EXPECT_FALSE(HTTPConnection::hasRecentNonce(nonce));
+}
+
 TEST_F(ConnectionTest, UnknownNonceFails)
 {
     Harness h(root);

@@ -346,8 +346,9 @@ TEST_F(ServerTest, LoopbackNameListensOnBothFamilies)
     const auto v4 = curl(digest() + QStringList{url("/Book/small.txt")});
     EXPECT_TRUE(v4.out == small);
     const auto v6 = curl(digest() + QStringList{"--globoff", QStringLiteral("http://[::1]:%1/Book/small.txt").arg(server->listeningPort())});
-    if (v6.exitCode == 0)
+    if (v6.exitCode == 0) {
         EXPECT_TRUE(v6.out == small);
+    }
 }
 
 TEST_F(ServerTest, StopEndsTheConnectionsUnlessKept)

@@ -50,14 +50,20 @@ public:
     bool contains(const QString &nonce)
     {
         std::lock_guard lock(m_mutex);
-        prune(secondsNow());
-        return m_made.count(nonce) > 0;
+        const double now = secondsNow();
+        prune(now);
+        // The age is checked here too: pruning stops at the first young
+        // nonce, and a clock set by a test need not run forward.
+        const auto found = m_made.find(nonce);
+        return found != m_made.end() && isYoung(found->second, now);
     }
 
 private:
+    static bool isYoung(double made, double now) { return now - made < HTTPConnection::kNonceLifetime; }
+
     void prune(double now)
     {
-        while (!m_order.empty() && now - m_order.front().second >= HTTPConnection::kNonceLifetime) {
+        while (!m_order.empty() && !isYoung(m_order.front().second, now)) {
             m_made.erase(m_order.front().first);
             m_order.pop_front();
         }
@@ -182,12 +188,10 @@ std::shared_ptr<HTTPResponse> HTTPConnection::httpResponseForMethod(const QStrin
     const QString filePath = filePathForURI(path, false);
     if (filePath.isNull())
         return nullptr;
-    struct stat info;
-    if (::stat(encodedPath(filePath).constData(), &info) != 0 || !S_ISREG(info.st_mode))
-        return nullptr;
-    if (uint64_t(info.st_size) > kAsyncFileThreshold)
-        return HTTPAsyncFileResponse::create(filePath, this);
-    return HTTPFileResponse::create(filePath, this);
+    auto response = HTTPFileResponse::create(filePath, this);
+    if (response && response->contentLength() > kAsyncFileThreshold)
+        return HTTPAsyncFileResponse::create(response->filePath(), this);
+    return response;
 }
 
 void HTTPConnection::prepareForBodyWithSize(uint64_t) {}

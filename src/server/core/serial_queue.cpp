@@ -5,7 +5,8 @@
 
 #include <pthread.h>
 
-#include <future>
+#include <condition_variable>
+#include <mutex>
 #include <optional>
 #include <thread>
 
@@ -65,13 +66,23 @@ void SerialQueue::sync(const std::function<void()> &task)
         task();
         return;
     }
-    std::promise<void> done;
-    auto finished = done.get_future();
-    post([&] {
+    // The state outlives both sides: the waiter may return before the queue's
+    // thread has left the task.
+    struct Done
+    {
+        std::mutex mutex;
+        std::condition_variable signal;
+        bool finished = false;
+    };
+    auto done = std::make_shared<Done>();
+    post([&task, done] {
         task();
-        done.set_value();
+        std::lock_guard lock(done->mutex);
+        done->finished = true;
+        done->signal.notify_all();
     });
-    finished.wait();
+    std::unique_lock lock(done->mutex);
+    done->signal.wait(lock, [&] { return done->finished; });
 }
 
 bool SerialQueue::isCurrent() const { return m_impl->context.get_executor().running_in_this_thread(); }

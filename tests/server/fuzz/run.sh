@@ -1,0 +1,74 @@
+#!/usr/bin/env bash
+# Builds the server's fuzz targets with clang and libFuzzer and runs each one
+# for a bounded time.
+#
+#   tests/server/fuzz/run.sh [SECONDS]      (default 60 per target)
+#
+# Environment: FUZZ_BUILD_DIR (default: a folder below ${TMPDIR:-/tmp}),
+# FUZZ_TARGETS (default: all), CXX (default: clang++-14).
+# New corpus entries stay in the build folder; the seeds here are read only.
+# A crash stops with the failing input's path; turn it into a regression test
+# in the gtest suite (tests/server/fuzz_regression_test.cpp).
+set -euo pipefail
+
+seconds=${1:-60}
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+top=$(cd "$here/../../.." && pwd)
+build=${FUZZ_BUILD_DIR:-${TMPDIR:-/tmp}/tavelle-server-fuzz}
+cxx=${CXX:-clang++-14}
+targets=${FUZZ_TARGETS:-"request_parser range authorization connection"}
+jobs=$(nproc 2>/dev/null || echo 2)
+
+command -v "$cxx" >/dev/null || { echo "fuzz: $cxx not found (Debian: clang-14 libclang-rt-14-dev)" >&2; exit 2; }
+mkdir -p "$build/obj" "$build/artifacts"
+
+sanitize=(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+cxxflags=(-std=c++20 -O1 -g -fPIC "${sanitize[@]}" -I"$top/src" -DASIO_STANDALONE -DQT_NO_KEYWORDS
+          $(pkg-config --cflags Qt6Core spdlog))
+libs=($(pkg-config --libs Qt6Core spdlog fmt) -pthread)
+
+# The engine's sources, once, with coverage for libFuzzer.
+sources=$(find "$top/src/server/core" -name '*.cpp' | sort)
+compile() {
+  local src=$1 obj=$2
+  if [ ! -f "$obj" ] || [ "$src" -nt "$obj" ] || [ -n "$(find "$top/src/server/core" -name '*.h' -newer "$obj" -print -quit)" ]; then
+    "$cxx" "${cxxflags[@]}" -fsanitize=fuzzer-no-link -c "$src" -o "$obj"
+  fi
+}
+objects=()
+pids=()
+for src in $sources; do
+  obj="$build/obj/$(basename "${src%.cpp}").o"
+  objects+=("$obj")
+  compile "$src" "$obj" &
+  pids+=($!)
+  if [ ${#pids[@]} -ge "$jobs" ]; then wait "${pids[0]}"; pids=("${pids[@]:1}"); fi
+done
+for pid in "${pids[@]}"; do wait "$pid"; done
+
+failed=()
+for target in $targets; do
+  binary="$build/fuzz_$target"
+  "$cxx" "${cxxflags[@]}" -fsanitize=fuzzer "$here/fuzz_$target.cc" "${objects[@]}" "${libs[@]}" -o "$binary"
+  corpus="$build/corpus/$target"
+  mkdir -p "$corpus"
+  echo "fuzz: $target for ${seconds}s"
+  # Recent nonces outlive an input on purpose, which makes libFuzzer check every
+  # connection input for leaks; check those at exit only.
+  leaks_per_input=1
+  [ "$target" = connection ] && leaks_per_input=0
+  if ! ASAN_OPTIONS=detect_leaks=1:allocator_may_return_null=1 UBSAN_OPTIONS=print_stacktrace=1 \
+       "$binary" "$corpus" "$here/corpus/$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+       -max_len=65536 -detect_leaks="$leaks_per_input" -print_final_stats=1 -artifact_prefix="$build/artifacts/$target-" \
+       > "$build/$target.log" 2>&1; then
+    failed+=("$target")
+    grep -E "ERROR|runtime error|Test unit written" "$build/$target.log" | head -5 >&2 || true
+  fi
+  grep -E "stat::number_of_executed_units|cov: " "$build/$target.log" | tail -2 || true
+done
+
+if [ ${#failed[@]} -gt 0 ]; then
+  echo "fuzz: failures in ${failed[*]}; inputs in $build/artifacts, logs in $build" >&2
+  exit 1
+fi
+echo "fuzz: all targets ran ${seconds}s without a failure"
