@@ -31,4 +31,28 @@ void requestPlaceholderDownload(const QString &)
 {
 }
 
+void updateListOfTasklists()
+{
+}
+
+void updateListOfTasklistsQuick()
+{
+}
+
+void updateListOfTasklistRemovingAdding(const QString &, const QString &)
+{
+}
+
+void tl_taskPlistChangedAtPath(const QString &)
+{
+}
+
+void tl_collectTagsInPlist(const QString &)
+{
+}
+
+void tl_repairBrokenBacklink(const QString &)
+{
+}
+
 } // namespace tl::browser

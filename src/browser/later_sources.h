@@ -21,6 +21,16 @@ QStringList tl_listOfAllItemsForTag(const QString &tag);
 QStringList tl_verifiedTagList(const QString &path);
 // The last search's result paths.
 QStringList lastSearchResults();
+// Task-list bookkeeping: the list of all task lists and the clean-up of a
+// book's records after its documents went away.
+void updateListOfTasklists();
+void updateListOfTasklistsQuick();
+void updateListOfTasklistRemovingAdding(const QString &removal, const QString &addition);
+void tl_taskPlistChangedAtPath(const QString &book);
+// The tags written into a properties file join the tag database.
+void tl_collectTagsInPlist(const QString &plistPath);
+// A properties file copied from elsewhere gets its backlinks set right.
+void tl_repairBrokenBacklink(const QString &itemPath);
 // Asks the cloud service for the real file behind a placeholder.
 void requestPlaceholderDownload(const QString &path);
 

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "browser/outline_model.h"
+
+#include <QSet>
+#include <QString>
+#include <QStringList>
+#include <memory>
+
+namespace tl::platform {
+class FileWatcher;
+struct FileWatchReport;
+} // namespace tl::platform
+
+// The outline's controller without its view: the tree's model, the switch
+// to a new library, the expansion state and the reactions to changes that
+// other programs make below the library root.
+namespace tl::browser {
+
+class TLKSOutlineViewController
+{
+public:
+    TLKSOutlineViewController();
+    ~TLKSOutlineViewController();
+    TLKSOutlineViewController(const TLKSOutlineViewController &) = delete;
+    TLKSOutlineViewController &operator=(const TLKSOutlineViewController &) = delete;
+
+    OutlineModel &model() { return m_model; }
+
+    // The book selected in the outline; moves of it or its parents follow.
+    QString selectedBookPath;
+
+    void newRootSelected();
+    // Follows changes below the root through the file watcher; false when
+    // the platform can't watch.
+    bool initFileCoordinationAndTaskLists();
+
+    // Expansion as the view reports it; each change is saved at once.
+    void setExpanded(TLKSOutlineItem *item, bool expanded);
+    bool isExpanded(TLKSOutlineItem *item) const;
+    void tl_saveExpandedPaths();
+    // Opens the saved paths and their parents; answers the paths opened.
+    QStringList tl_expandSavedPaths();
+
+    // The file presenter's callbacks.
+    void presentedSubitemDidChangeAtURL(const QString &path);
+    void presentedSubitemAtURLDidMoveToURL(const QString &source, const QString &target);
+    void handleWatchReport(const platform::FileWatchReport &report);
+
+    void updateSmartBookOfType(int type);
+
+    // The smart-book and reference follow-up of a changed path waits this
+    // long, so a burst ends in one run.
+    static constexpr double kFollowUpDelay = 0.3;
+    static constexpr double kPropertiesFollowDelay = 0.5;
+
+private:
+    void removeFolderWithPath(const QString &path);
+    void followInbox(const QString &source, const QString &target);
+    void moveInTree(const QString &source, const QString &target);
+    void scheduleSmartBookUpdate(const QString &path);
+
+    OutlineModel m_model;
+    QSet<QString> m_expanded;
+    bool m_smartBooksCollapsed = false;
+    std::unique_ptr<platform::FileWatcher> m_watcher;
+};
+
+// The message listing the settings that differ after a switch of library.
+inline constexpr char kChangedSettingsAlert[] = "Changed Settings";
+
+} // namespace tl::browser

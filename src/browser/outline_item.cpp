@@ -1,0 +1,421 @@
+#include "browser/outline_item.h"
+
+#include "browser/browser_keys.h"
+#include "browser/later_sources.h"
+#include "browser/smart_books.h"
+#include "foundation/compare.h"
+#include "foundation/path_string.h"
+#include "platform/file_ops.h"
+#include "platform/settings.h"
+#include "store/extensions.h"
+#include "store/item_path.h"
+#include "store/keys.h"
+#include "store/library_root.h"
+#include "store/plist_file.h"
+#include "store/properties.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <algorithm>
+
+namespace tl::browser {
+
+namespace S = keys::setting;
+namespace P = keys::property;
+
+namespace {
+
+QStringList stringsOf(const QVariant &value)
+{
+    QStringList result;
+    for (const QVariant &v : value.toList())
+        result << v.toString();
+    return result;
+}
+
+QString availableTagsFile()
+{
+    return path::appendingComponent(store::libraryRoot(),
+                                    QStringLiteral("TLResources/Misc/AvailableTags.txt"));
+}
+
+struct SortKey
+{
+    QString key;
+    bool descending = false;
+};
+
+QDateTime dateOfChild(const TLKSOutlineItem &child, const QString &key)
+{
+    const QString p = child.fullPath();
+    if (key == u"modDate")
+        return platform::modificationDate(p).value_or(QDateTime());
+    return store::tl_creationDate(p);
+}
+
+} // namespace
+
+TLKSOutlineItem::TLKSOutlineItem(const QString &path, TLKSOutlineItem *parentItem, bool isBook)
+    : isDocument(!isBook), parent(parentItem)
+{
+    relativePath = keepsWholePath() ? path : path::lastComponent(path);
+}
+
+TLKSOutlineItem::TLKSOutlineItem(const QString &path, TLKSOutlineItem *parentItem, int smartType)
+    : parent(parentItem), smartBookType(smartType)
+{
+    relativePath = smartType == Context || keepsWholePath() ? path : path::lastComponent(path);
+}
+
+// Top items and the children of smart books (but the inbox, whose children
+// are its folders) hold whole strings.
+bool TLKSOutlineItem::keepsWholePath() const
+{
+    return !parent || !parent->parent || parent->groupItemType == SmartBooksGroup ||
+           (parent->smartBookType != 0 && parent->smartBookType != Inbox);
+}
+
+TLKSOutlineItem &TLKSOutlineItem::rootItem()
+{
+    static TLKSOutlineItem root(QStringLiteral("/"), nullptr, true);
+    return root;
+}
+
+TLKSOutlineItem *TLKSOutlineItem::booksItem()
+{
+    for (const auto &child : rootItem().children())
+        if (child->groupItemType == BooksGroup)
+            return child.get();
+    return nullptr;
+}
+
+TLKSOutlineItem *TLKSOutlineItem::smartBooksItem()
+{
+    for (const auto &child : rootItem().children())
+        if (child->groupItemType == SmartBooksGroup)
+            return child.get();
+    return nullptr;
+}
+
+QString TLKSOutlineItem::title() const
+{
+    if (groupItemType == SmartBooksGroup)
+        return QStringLiteral("Smart Books");
+    if (groupItemType == BooksGroup)
+        return QStringLiteral("Books");
+    if (smartBookType == Context)
+        return relativePath;
+    if (smartBookType != 0)
+        return titleForSmartBookOfType(smartBookType);
+    const QString name = path::lastComponent(relativePath);
+    if (isDocument && !platform::settings().boolValue(QLatin1String(S::ShowFileExtensions)))
+        return path::deletingExtension(name);
+    return name;
+}
+
+QString TLKSOutlineItem::fullPath() const
+{
+    if (smartBookType == Inbox)
+        return defaultInboxPath();
+    if (parent && parent->smartBookType == Inbox)
+        return path::appendingComponent(defaultInboxPath(), relativePath);
+    if (parent && parent->parent && parent->smartBookType == 0 &&
+        parent->groupItemType != SmartBooksGroup)
+        return path::appendingComponent(parent->fullPath(), relativePath);
+    return relativePath;
+}
+
+const std::vector<std::unique_ptr<TLKSOutlineItem>> &TLKSOutlineItem::children()
+{
+    if (!m_built) {
+        m_built = true;
+        buildChildren();
+    }
+    return m_children;
+}
+
+void TLKSOutlineItem::buildChildren()
+{
+    if (!parent) {
+        auto smart = std::make_unique<TLKSOutlineItem>(QStringLiteral("Smart Books"), this, 0);
+        smart->groupItemType = SmartBooksGroup;
+        auto books = std::make_unique<TLKSOutlineItem>(store::libraryRoot(), this, true);
+        books->groupItemType = BooksGroup;
+        m_children.push_back(std::move(smart));
+        m_children.push_back(std::move(books));
+        return;
+    }
+    if (groupItemType == SmartBooksGroup) {
+        // In type order, unsorted.
+        for (int type = kFirstListedSmartType; type <= kLastListedSmartType; ++type)
+            if (smartBookShouldExist(type))
+                m_children.push_back(
+                    std::make_unique<TLKSOutlineItem>(titleForSmartBookOfType(type), this, type));
+        return;
+    }
+    switch (smartBookType) {
+    case Contexts:
+        for (const QString &tag : tl_listOfAllAvailableTags())
+            if (tag != QLatin1String(P::FavoriteTag))
+                m_children.push_back(std::make_unique<TLKSOutlineItem>(tag, this, int(Context)));
+        sortChildren();
+        return;
+    case Favorites:
+        for (const QString &item : tl_listOfAllItemsForTag(QLatin1String(P::FavoriteTag)))
+            if (QFileInfo(item).isDir() &&
+                !store::packageExtensions().contains(store::lowerCasedExtension(item)))
+                m_children.push_back(std::make_unique<TLKSOutlineItem>(item, this, true));
+        sortChildren();
+        return;
+    case AllTaskLists: {
+        const QString root = store::libraryRoot();
+        for (const QVariant &entry : platform::settings().array(QLatin1String(S::AllTaskLists))) {
+            const QString book =
+                entry.toString() == u"/" ? root : path::appendingComponent(root, entry.toString());
+            if (store::tl_bookIsTasklist(book))
+                m_children.push_back(std::make_unique<TLKSOutlineItem>(book, this, true));
+        }
+        return;
+    }
+    case OrdinaryBook:
+    case Inbox:
+        if (!isDocument)
+            addBooksOfFolder(fullPath());
+        return;
+    default:
+        return;
+    }
+}
+
+void TLKSOutlineItem::addBooksOfFolder(const QString &folder)
+{
+    const QStringList names =
+        QDir(folder).entryList(QDir::Dirs | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    for (const QString &name : names) {
+        if (name == QLatin1String(names::TLImages) || name == QLatin1String(names::TLResources) ||
+            path::extension(name).toLower() == u"plist" ||
+            store::packageExtensions().contains(store::lowerCasedExtension(name)) ||
+            store::tl_pathIsDotFile(name))
+            continue;
+        m_children.push_back(
+            std::make_unique<TLKSOutlineItem>(path::appendingComponent(folder, name), this, true));
+    }
+    sortChildren();
+}
+
+void TLKSOutlineItem::sortChildren()
+{
+    if (groupItemType == SmartBooksGroup) {
+        std::stable_sort(m_children.begin(), m_children.end(), [](const auto &a, const auto &b) {
+            return a->smartBookType < b->smartBookType;
+        });
+        return;
+    }
+    SortKey sort;
+    platform::Settings &settings = platform::settings();
+    if (smartBookType == Contexts || smartBookType == Favorites) {
+        const bool contexts = smartBookType == Contexts;
+        sort.key =
+            settings.string(QLatin1String(contexts ? S::ContextsSortOrder : S::FavoritesSortOrder));
+        sort.descending = settings.boolValue(
+            QLatin1String(contexts ? S::ContextsSortDescending : S::FavoritesSortDescending));
+    } else {
+        const QVariantMap properties = store::readPlistDictionary(
+            path::appendingComponent(fullPath(), QLatin1String(names::BookProperties)));
+        sort.key = properties.value(P::SortOrderForNotes).toString();
+        sort.descending = properties.value(P::SortNotesDescending).toString() == u"YES";
+    }
+
+    customSortSelected = sort.key == u"custom";
+    if (customSortSelected) {
+        reassignCustomSortOrder();
+        std::stable_sort(m_children.begin(), m_children.end(), [](const auto &a, const auto &b) {
+            return a->sequenceNumber < b->sequenceNumber;
+        });
+        return;
+    }
+    const bool byDate = sort.key == u"modDate" || sort.key == u"creationDate";
+    // Dates and titles are read once per child, not once per comparison.
+    struct Keyed
+    {
+        QDateTime date;
+        QString title;
+        std::unique_ptr<TLKSOutlineItem> item;
+    };
+    std::vector<Keyed> entries;
+    for (auto &child : m_children) {
+        QDateTime date = byDate ? dateOfChild(*child, sort.key) : QDateTime();
+        QString title = child->title();
+        entries.push_back({std::move(date), std::move(title), std::move(child)});
+    }
+    std::stable_sort(entries.begin(), entries.end(), [&](const Keyed &a, const Keyed &b) {
+        const int c = byDate ? (a.date < b.date   ? -1
+                                : b.date < a.date ? 1
+                                                  : 0)
+                             : localizedStandardCompare(a.title, b.title);
+        return sort.descending ? c > 0 : c < 0;
+    });
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        m_children[i] = std::move(entries[i].item);
+}
+
+void TLKSOutlineItem::reassignCustomSortOrder()
+{
+    const QStringList order =
+        smartBookType == Contexts
+            ? stringsOf(store::readPlistArray(availableTagsFile()))
+            : stringsOf(
+                  store::readPlistDictionary(
+                      path::appendingComponent(fullPath(), QLatin1String(names::BookProperties)))
+                      .value(P::Books));
+    for (auto &child : m_children) {
+        const qsizetype index = order.indexOf(child->relativePath);
+        child->sequenceNumber = index < 0 ? 0 : index;
+    }
+}
+
+TLKSOutlineItem *TLKSOutlineItem::childWithTitle(const QString &title)
+{
+    for (const auto &child : children())
+        if (localizedCompare(child->relativePath, title) == 0)
+            return child.get();
+    return nullptr;
+}
+
+std::optional<qsizetype> TLKSOutlineItem::indexOfChildWithTitle(const QString &title)
+{
+    const TLKSOutlineItem *child = childWithTitle(title);
+    return child ? indexOfChild(child) : std::nullopt;
+}
+
+std::optional<qsizetype> TLKSOutlineItem::indexOfChild(const TLKSOutlineItem *child)
+{
+    for (std::size_t i = 0; i < children().size(); ++i)
+        if (m_children[i].get() == child)
+            return qsizetype(i);
+    return std::nullopt;
+}
+
+TLKSOutlineItem *TLKSOutlineItem::childAtPath(const QString &path)
+{
+    TLKSOutlineItem *item = booksItem();
+    const QString relative = store::tl_normalizedPath(path);
+    for (const QString &component : relative.split(u'/', Qt::SkipEmptyParts)) {
+        if (!item)
+            return nullptr;
+        item = item->childWithTitle(component);
+    }
+    return item && localizedCompare(item->fullPath(), path) == 0 ? item : nullptr;
+}
+
+TLKSOutlineItem *TLKSOutlineItem::insertChildAtPath(const QString &path)
+{
+    if (TLKSOutlineItem *existing = childAtPath(path))
+        return existing;
+    const QString parentPath = path::deletingLastComponent(path);
+    TLKSOutlineItem *parentItem = childAtPath(parentPath);
+    if (!parentItem && parentPath.size() > store::libraryRoot().size())
+        parentItem = insertChildAtPath(parentPath);
+    if (!parentItem)
+        return nullptr;
+    // A parent not yet built finds the folder on disk when it is opened.
+    if (!parentItem->childrenAreBuilt())
+        return parentItem->childWithTitle(path::lastComponent(path));
+    TLKSOutlineItem *added = parentItem->addChildWithTitle(path::lastComponent(path));
+    parentItem->sortChildren();
+    return added;
+}
+
+TLKSOutlineItem *TLKSOutlineItem::smartBookOfType(int type)
+{
+    TLKSOutlineItem *group = smartBooksItem();
+    if (!group)
+        return nullptr;
+    for (const auto &child : group->children())
+        if (child->smartBookType == type)
+            return child.get();
+    return nullptr;
+}
+
+TLKSOutlineItem *TLKSOutlineItem::insertSmartChildOfType(int type)
+{
+    if (TLKSOutlineItem *existing = smartBookOfType(type))
+        return existing;
+    TLKSOutlineItem *group = smartBooksItem();
+    TLKSOutlineItem *added = group->addChild(
+        std::make_unique<TLKSOutlineItem>(titleForSmartBookOfType(type), group, type));
+    group->sortChildren();
+    return added;
+}
+
+TLKSOutlineItem *TLKSOutlineItem::addChild(std::unique_ptr<TLKSOutlineItem> child)
+{
+    children();
+    child->parent = this;
+    m_children.push_back(std::move(child));
+    return m_children.back().get();
+}
+
+TLKSOutlineItem *TLKSOutlineItem::addChildWithTitle(const QString &title)
+{
+    return addChild(std::make_unique<TLKSOutlineItem>(title, this, true));
+}
+
+std::unique_ptr<TLKSOutlineItem> TLKSOutlineItem::removeChild(TLKSOutlineItem *child)
+{
+    const auto index = indexOfChild(child);
+    if (!index)
+        return nullptr;
+    std::unique_ptr<TLKSOutlineItem> removed = std::move(m_children[std::size_t(*index)]);
+    m_children.erase(m_children.begin() + *index);
+    return removed;
+}
+
+void TLKSOutlineItem::removeChildWithTitle(const QString &title)
+{
+    if (TLKSOutlineItem *child = childWithTitle(title))
+        removeChild(child);
+}
+
+TLKSOutlineItem *TLKSOutlineItem::childAtIndex(qsizetype index)
+{
+    const auto &list = children();
+    return index >= 0 && std::size_t(index) < list.size() ? list[std::size_t(index)].get()
+                                                          : nullptr;
+}
+
+qsizetype TLKSOutlineItem::numberOfChildren()
+{
+    return qsizetype(children().size());
+}
+
+QStringList TLKSOutlineItem::titlesOfChildren()
+{
+    QStringList titles;
+    for (const auto &child : children())
+        titles << child->title();
+    return titles;
+}
+
+void TLKSOutlineItem::resetAllChildren()
+{
+    m_children.clear();
+    m_built = false;
+}
+
+void TLKSOutlineItem::moveToParent(TLKSOutlineItem *newParent)
+{
+    if (!parent || !newParent)
+        return;
+    if (std::unique_ptr<TLKSOutlineItem> self = parent->removeChild(this))
+        newParent->addChild(std::move(self));
+}
+
+void TLKSOutlineItem::changeRelativePath(const QString &path)
+{
+    relativePath = keepsWholePath() ? path : path::lastComponent(path);
+    if (parent)
+        parent->sortChildren();
+}
+
+} // namespace tl::browser

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <QHash>
+#include <QObject>
+#include <QString>
+#include <QVariantMap>
+#include <functional>
+#include <memory>
+#include <vector>
+
+class QSocketNotifier;
+
+// Change reports for everything below a folder, through inotify: the folder
+// and every folder that appears below it later are watched. A rename inside
+// the tree arrives as one move; an item moved out counts as deleted, one
+// moved in as created. Reports are delivered on the thread that owns the
+// watcher (the main thread), from its event loop.
+namespace tl::platform {
+
+struct FileWatchReport
+{
+    enum class Kind { Created, Modified, Deleted, Moved, Rescanned, WatchLimitReached };
+    Kind kind = Kind::Modified;
+    QString path;
+    // The target of a move.
+    QString newPath;
+    bool isDirectory = false;
+    // What the user should be told (the watch limit).
+    QString message;
+
+    QString kindName() const;
+    QVariantMap toDictionary() const;
+};
+
+class FileWatcher : public QObject
+{
+public:
+    // How long a moved-from event waits for its moved-to before it counts as
+    // a deletion, in seconds of the process clock.
+    static constexpr double kMoveGraceSeconds = 0.05;
+
+    explicit FileWatcher(QObject *parent = nullptr);
+    ~FileWatcher() override;
+
+    // Starts watching the tree below root; false (and logged) when inotify
+    // is not available. Reaching the watch limit still answers true: the
+    // folders watched so far keep reporting.
+    bool watch(const QString &root);
+    void stop();
+    QString root() const { return m_root; }
+    qsizetype numberOfWatchedFolders() const { return m_pathOfWatch.size(); }
+
+    std::function<void(const FileWatchReport &)> onReport = [](const FileWatchReport &) {};
+
+    // Reads and reports what the kernel has queued (the socket notifier
+    // does this on its own; tests may call it to drain the queue at once).
+    void readEvents();
+
+private:
+    struct PendingMove
+    {
+        quint32 cookie;
+        QString path;
+        bool isDirectory;
+        double due;
+    };
+
+    void watchTree(const QString &folder, bool reportContents);
+    void addWatch(const QString &folder);
+    void forgetWatchesBelow(const QString &folder);
+    void renameWatchesBelow(const QString &from, const QString &to);
+    void handleEvent(int wd, quint32 mask, quint32 cookie, const QString &name);
+    void flushPendingMoves(bool all);
+    void schedulePendingFlush();
+    void rescan();
+    void report(FileWatchReport::Kind kind, const QString &path, bool isDirectory,
+                const QString &newPath = {});
+
+    QString m_root;
+    int m_fd = -1;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+    QHash<int, QString> m_pathOfWatch;
+    QHash<QString, int> m_watchOfPath;
+    std::vector<PendingMove> m_pendingMoves;
+    bool m_limitReported = false;
+};
+
+} // namespace tl::platform
