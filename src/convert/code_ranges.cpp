@@ -29,13 +29,43 @@ bool tl_textCheckingResultsIntersectResult(const QList<RegexMatch> &ranges,
     return false;
 }
 
+RangeIndex::RangeIndex(const QList<RegexMatch> &ranges)
+{
+    for (const RegexMatch &range : ranges)
+        ranges_.push_back({range.start(), range.end()});
+    std::sort(ranges_.begin(), ranges_.end(),
+              [](const Range &a, const Range &b) { return a.start < b.start; });
+    for (size_t i = 1; i < ranges_.size(); ++i)
+        ranges_[i].furthestEnd = std::max(ranges_[i].furthestEnd, ranges_[i - 1].furthestEnd);
+}
+
+std::vector<RangeIndex::Range>::const_iterator RangeIndex::startingUpTo(qsizetype position) const
+{
+    return std::upper_bound(ranges_.begin(), ranges_.end(), position,
+                            [](qsizetype p, const Range &range) { return p < range.start; });
+}
+
+bool RangeIndex::encloses(qsizetype start, qsizetype end) const
+{
+    if (start == end)
+        return !ranges_.empty();
+    const auto after = startingUpTo(start);
+    return after != ranges_.begin() && std::prev(after)->furthestEnd >= end;
+}
+
+bool RangeIndex::overlaps(qsizetype start, qsizetype end) const
+{
+    const auto after = startingUpTo(end - 1);
+    return after != ranges_.begin() && std::prev(after)->furthestEnd > start;
+}
+
 bool LazyCodeRanges::contains(const QString &textNow, const RegexMatch &result)
 {
     if (!computed_) {
-        ranges_ = tl_rangesOfFencedCodeBlocks(textNow);
+        ranges_ = RangeIndex(tl_rangesOfFencedCodeBlocks(textNow));
         computed_ = true;
     }
-    return tl_textCheckingResultsIntersectResult(ranges_, result);
+    return ranges_.encloses(result.start(), result.end());
 }
 
 } // namespace tl::convert

@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QString>
+#include <vector>
 
 // Where code stands in a Markdown text, so that the extensions leave it alone.
 namespace tl::convert {
@@ -17,6 +18,29 @@ QList<RegexMatch> tl_rangesOfFencedCodeBlocks(const QString &text);
 bool tl_textCheckingResultsIntersectResult(const QList<RegexMatch> &ranges,
                                            const RegexMatch &result);
 
+// Ranges by start, with the furthest end reached so far, for questions
+// about many results against many ranges in logarithmic time each.
+class RangeIndex
+{
+public:
+    explicit RangeIndex(const QList<RegexMatch> &ranges = {});
+    // Whether the range [start, end) lies wholly inside one range; an empty
+    // one meets any range in an empty intersection, which counts.
+    bool encloses(qsizetype start, qsizetype end) const;
+    // Whether [start, end) shares at least one position with a range.
+    bool overlaps(qsizetype start, qsizetype end) const;
+
+private:
+    struct Range
+    {
+        qsizetype start;
+        qsizetype furthestEnd;
+    };
+    // The ranges that start at or before `position`, as an end iterator.
+    std::vector<Range>::const_iterator startingUpTo(qsizetype position) const;
+    std::vector<Range> ranges_;
+};
+
 // The code ranges of a text, computed at the first question and then kept
 // as they are, even when the text has changed since: later questions are
 // answered against those stale positions on purpose.
@@ -27,7 +51,7 @@ public:
 
 private:
     bool computed_ = false;
-    QList<RegexMatch> ranges_;
+    RangeIndex ranges_;
 };
 
 } // namespace tl::convert

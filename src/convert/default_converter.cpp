@@ -67,14 +67,48 @@ QString withAnchorBracketsRemoved(const QString &html, const Regex &regex)
         });
 }
 
+// A task item loses its paragraph and the blank behind its tag.
 QString withoutCheckboxParagraphs(const QString &html)
 {
     static const Regex paragraph(
         QStringLiteral(R"re(<li class="(tl_checkbox.*?)"><p>(.*?)</p></li>)re"),
         RegexOption::DotMatchesNewline);
     static const Regex blank(QStringLiteral(R"re((<li class="tl_checkbox.*?>) )re"));
-    return blank.replaceAll(paragraph.replaceAll(html, QStringLiteral(R"(<li class="$1">$2</li>)")),
-                            QStringLiteral("$1"));
+    static const QString start = QStringLiteral("<li class=\"tl_checkbox");
+    static const QString opening = QStringLiteral("\"><p>");
+    static const QString closing = QStringLiteral("</p></li>");
+    // The expression's lazy runs cross elements, so an attempt that fails
+    // would read on to the end of the page, for every task item. A match
+    // that starts at an item ends at the first closing behind the first
+    // opening behind the item: each attempt gets just that stretch, and the
+    // two positions only move forward.
+    QString result;
+    qsizetype copied = 0;
+    qsizetype open = -1;
+    qsizetype close = -1;
+    for (qsizetype at = html.indexOf(start); at >= 0; at = html.indexOf(start, at + 1)) {
+        if (at < copied)
+            continue;
+        if (open < at + start.size())
+            open = html.indexOf(opening, at + start.size());
+        if (open >= 0 && close < open + opening.size())
+            close = html.indexOf(closing, open + opening.size());
+        if (open < 0 || close < 0)
+            break;
+        const QStringView stretch = QStringView(html).sliced(at, close + closing.size() - at);
+        const std::optional<RegexMatch> match = paragraph.match(stretch);
+        if (!match || match->start() != 0)
+            continue;
+        result += QStringView(html).sliced(copied, at - copied);
+        result +=
+            paragraph.expandTemplate(*match, stretch, QStringLiteral(R"(<li class="$1">$2</li>)"));
+        copied = at + match->length();
+    }
+    if (copied == 0)
+        result = html;
+    else
+        result += QStringView(html).sliced(copied);
+    return blank.replaceAll(result, QStringLiteral("$1"));
 }
 
 // The two work files of one run, removed when the run ends.

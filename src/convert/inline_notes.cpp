@@ -1,5 +1,7 @@
 #include "convert/inline_notes.h"
 
+#include <QMultiHash>
+#include <algorithm>
 #include <vector>
 
 namespace tl::convert {
@@ -28,8 +30,9 @@ qsizetype noteEnd(const QString &text, const RegexMatch &match)
 
 // Whether `needle` followed by ":" occurs anywhere in the text. A needle
 // ends in "]", so only the places where "]:" stands need a look; they are
-// collected once, and the text only grows by appended definitions whose own
-// "]:" are added as they come.
+// found once and filed by the characters in front of them. The text only
+// changes by appended definitions (their places are added) and by labels
+// written over notes (places just behind a label are filed again).
 class DefinitionIndex
 {
 public:
@@ -38,16 +41,26 @@ public:
     void addFrom(const QString &text, qsizetype from)
     {
         for (qsizetype at = text.indexOf(QStringLiteral("]:"), from); at >= 0;
-             at = text.indexOf(QStringLiteral("]:"), at + 1))
+             at = text.indexOf(QStringLiteral("]:"), at + 1)) {
             places_.push_back(at);
+            file(text, at);
+        }
+    }
+
+    void refile(const QString &text, qsizetype start, qsizetype end)
+    {
+        auto it = std::lower_bound(places_.begin(), places_.end(), start);
+        for (; it != places_.end() && *it < end + kKey; ++it)
+            file(text, *it);
     }
 
     bool contains(const QString &text, const QString &needle) const
     {
-        const qsizetype length = needle.size() + 1;
-        for (qsizetype bracket : places_) {
-            const qsizetype start = bracket + 2 - length;
-            // A label edit may have changed the text at an old place.
+        const QString key = needle.right(kKey);
+        for (auto it = byKey_.constFind(key); it != byKey_.cend() && it.key() == key; ++it) {
+            const qsizetype bracket = it.value();
+            const qsizetype start = bracket + 1 - needle.size();
+            // A label may have been written over an old place since.
             if (start >= 0 && text.at(bracket) == u']' && text.at(bracket + 1) == u':' &&
                 QStringView(text).sliced(start, needle.size()) == needle)
                 return true;
@@ -56,7 +69,15 @@ public:
     }
 
 private:
+    // The shortest note, "[^x]", has four characters.
+    static constexpr qsizetype kKey = 4;
+    void file(const QString &text, qsizetype bracket)
+    {
+        const qsizetype start = std::max<qsizetype>(0, bracket + 1 - kKey);
+        byKey_.insert(text.mid(start, bracket + 1 - start), bracket);
+    }
     std::vector<qsizetype> places_;
+    QMultiHash<QString, qsizetype> byKey_;
 };
 
 QString labelOfNote(QStringView note)
@@ -94,15 +115,6 @@ QList<RegexMatch> codeOfNotes(const QString &text)
     return ranges;
 }
 
-bool overlapsAny(const QList<RegexMatch> &ranges, qsizetype start, qsizetype end)
-{
-    for (const RegexMatch &range : ranges) {
-        if (std::min(range.end(), end) > std::max(range.start(), start))
-            return true;
-    }
-    return false;
-}
-
 } // namespace
 
 QString notesMovedToDefinitions(const QString &text, LazyCodeRanges &code)
@@ -118,7 +130,7 @@ QString notesMovedToDefinitions(const QString &text, LazyCodeRanges &code)
     // places of the notes still to come stay true.
     QString result = text;
     std::optional<DefinitionIndex> definitions;
-    std::optional<QList<RegexMatch>> noteCode;
+    std::optional<RangeIndex> noteCode;
     for (qsizetype i = notes.size() - 1; i >= 0; --i) {
         const RegexMatch &match = notes[i];
         if (code.contains(result, match))
@@ -130,13 +142,14 @@ QString notesMovedToDefinitions(const QString &text, LazyCodeRanges &code)
         if (definitions->contains(result, noteText))
             continue;
         if (!noteCode)
-            noteCode = codeOfNotes(result);
-        if (overlapsAny(*noteCode, match.start(), end))
+            noteCode.emplace(codeOfNotes(result));
+        if (noteCode->overlaps(match.start(), end))
             continue;
         const QString label = labelOfNote(noteText);
         const qsizetype appendedAt = result.size();
         result.append(QStringLiteral("\n%1: %2").arg(label, bodyOfNote(noteText)));
         result.replace(match.start(), label.size(), label);
+        definitions->refile(result, match.start(), end);
         definitions->addFrom(result, std::max<qsizetype>(0, appendedAt - 1));
     }
     return result;
