@@ -1,7 +1,36 @@
 #!/usr/bin/env bash
 # Installs every Debian package Tavelle needs to build, test and run.
 # Idempotent: packages already present are left alone. Works as root or via sudo.
+# Then fetches the web scripts the rendered pages load (diagrams, formulas)
+# from the npm registry into third_party/web, which the build copies among
+# the program's resources; nothing is fetched when the program runs.
 set -euo pipefail
+
+# Pinned versions of the page scripts.
+web_packages=(mermaid@10.9.6 mathjax@3.2.2)
+web_dir="$(cd "$(dirname "$0")/.." && pwd)/third_party/web"
+
+install_web_scripts() {
+  command -v npm >/dev/null || { echo "setup: npm not found; pages will render without diagrams and formulas" >&2; return 0; }
+  mkdir -p "$web_dir"
+  local work
+  work="$(mktemp -d)"
+  for spec in "${web_packages[@]}"; do
+    local name="${spec%@*}"
+    if [ -f "$web_dir/$name/.version" ] && [ "$(cat "$web_dir/$name/.version")" = "$spec" ]; then
+      continue
+    fi
+    echo "setup: fetching $spec"
+    # The package's own tarball only: the pages need its prebuilt bundle,
+    # not its dependency tree.
+    (cd "$work" && npm pack --silent "$spec" >/dev/null)
+    rm -rf "${web_dir:?}/$name"
+    mkdir -p "$web_dir/$name"
+    tar -xzf "$work"/"$name"-*.tgz -C "$web_dir/$name" --strip-components=1
+    echo "$spec" > "$web_dir/$name/.version"
+  done
+  rm -rf "$work"
+}
 
 packages=(
   # toolchain
@@ -24,6 +53,7 @@ done
 
 if [ ${#missing[@]} -eq 0 ]; then
   echo "setup: all ${#packages[@]} packages present"
+  install_web_scripts
   exit 0
 fi
 
@@ -37,3 +67,4 @@ echo "setup: installing ${missing[*]}"
 export DEBIAN_FRONTEND=noninteractive
 "${as_root[@]}" apt-get update -qq
 "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"
+install_web_scripts
