@@ -3,6 +3,7 @@
 // Helpers shared by the platform tests: fresh folders in the sandbox, probes
 // for what the machine allows, and guards that restore process state.
 
+#include "support/other_device_folder.h"
 #include "support/test_environment.h"
 
 #include <QByteArray>
@@ -52,32 +53,6 @@ inline bool sandboxTakesUserAttributes()
     }();
     return supported;
 }
-
-// A folder on another device than the sandbox (/dev/shm), removed afterwards;
-// empty when there is none.
-class OtherDeviceFolder
-{
-public:
-    OtherDeviceFolder()
-    {
-        struct stat sandbox, shm;
-        if (::stat(QFile::encodeName(sandboxRoot()).constData(), &sandbox) != 0 ||
-            ::stat("/dev/shm", &shm) != 0 || sandbox.st_dev == shm.st_dev)
-            return;
-        char templ[] = "/dev/shm/tavelle-test-XXXXXX";
-        if (::mkdtemp(templ))
-            path_ = QString::fromLocal8Bit(templ);
-    }
-    ~OtherDeviceFolder()
-    {
-        if (!path_.isEmpty())
-            QDir(path_).removeRecursively();
-    }
-    const QString &path() const { return path_; }
-
-private:
-    QString path_;
-};
 
 // Caps the size of any file this process writes, so that writes fail part
 // way even for root; SIGXFSZ is ignored so the write answers EFBIG instead.

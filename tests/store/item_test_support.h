@@ -4,6 +4,7 @@
 // folder on another device than the sandbox.
 
 #include "foundation/notification_center.h"
+#include "support/other_device_folder.h"
 #include "support/test_environment.h"
 
 #include <QDir>
@@ -53,34 +54,6 @@ public:
 private:
     QList<PostedEvent> events_;
     tl::ScopedObserver observer_;
-};
-
-// A folder below /dev/shm when that is another device than the sandbox,
-// removed afterwards; empty when there is none.
-class OtherDeviceFolder
-{
-public:
-    OtherDeviceFolder()
-    {
-        struct stat sandbox, shm;
-        if (::stat(QFile::encodeName(sandboxRoot()).constData(), &sandbox) != 0 ||
-            ::stat("/dev/shm", &shm) != 0 || sandbox.st_dev == shm.st_dev)
-            return;
-        char templ[] = "/dev/shm/tavelle-items-XXXXXX";
-        if (::mkdtemp(templ))
-            path_ = QString::fromLocal8Bit(templ);
-    }
-    ~OtherDeviceFolder()
-    {
-        if (!path_.isEmpty())
-            QDir(path_).removeRecursively();
-    }
-    OtherDeviceFolder(const OtherDeviceFolder &) = delete;
-    OtherDeviceFolder &operator=(const OtherDeviceFolder &) = delete;
-    const QString &path() const { return path_; }
-
-private:
-    QString path_;
 };
 
 } // namespace tltest
