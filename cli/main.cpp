@@ -20,7 +20,7 @@ std::vector<const Command *> allCommands()
 {
     std::vector<const Command *> all;
     for (const auto *group : {&libraryCommands(), &settingsCommands(), &pathCommands(),
-                              &itemCommands(), &convertCommands()})
+                              &itemCommands(), &convertCommands(), &browserCommands()})
         for (const Command &c : *group)
             all.push_back(&c);
     return all;
