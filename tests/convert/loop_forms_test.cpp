@@ -1,0 +1,94 @@
+// The edits that the spec-like loops make "from the last match to the
+// first, in place" are made in one linear pass; these tests run the literal
+// loops on generated input and compare.
+#include "convert/html_postprocessing.h"
+#include "convert/markdown_preparation.h"
+#include "convert_test_support.h"
+#include "foundation/regex.h"
+
+#include <QRandomGenerator>
+#include <QSet>
+
+namespace {
+
+using tl::Regex;
+using tl::RegexMatch;
+using tl::RegexOption;
+
+// Edits `text` in place, match by match, from the last to the first.
+QString literalLoop(QString text, const Regex &regex,
+                    const std::function<void(QString &, const RegexMatch &)> &edit)
+{
+    const QList<RegexMatch> matches = regex.allMatches(text);
+    for (qsizetype i = matches.size() - 1; i >= 0; --i)
+        edit(text, matches[i]);
+    return text;
+}
+
+QString randomPiece(QRandomGenerator &random, const QStringList &pieces, int count)
+{
+    QString text;
+    for (int i = 0; i < count; ++i)
+        text += pieces.at(int(random.bounded(pieces.size())));
+    return text;
+}
+
+TEST(LoopForms, UniqueIdsAsTheLiteralLoopNumbersThem)
+{
+    const Regex id(QStringLiteral(R"re(<[^>]*? id="(.*?)")re"), RegexOption::DotMatchesNewline);
+    const QStringList pieces = {
+        "<h1 id=\"a\">A</h1>\n", "<h2 id=\"a-1\">B</h2>\n", "<p>x</p>\n",
+        "<li id=\"b\">c</li>\n", "<div id=\"\">e</div>\n",  "<h3 id=\"a\">\nA</h3>\n"};
+    QRandomGenerator random(7);
+    for (int round = 0; round < 200; ++round) {
+        const QString html = randomPiece(random, pieces, int(random.bounded(1, 30)));
+        QSet<QString> seen;
+        const QString expected = literalLoop(html, id, [&](QString &text, const RegexMatch &m) {
+            QString value = m.capturedString(text, 1);
+            if (!value.isEmpty() && seen.contains(value)) {
+                QString candidate;
+                for (int n = 1;; ++n) {
+                    candidate = value + QStringLiteral("-%1").arg(n);
+                    if (!seen.contains(candidate))
+                        break;
+                }
+                text.replace(m.groupStart(1), m.groupLength(1), candidate);
+                value = candidate;
+            }
+            seen.insert(value);
+        });
+        ASSERT_EQ(tl::convert::withUniqueIds(html), expected) << html;
+    }
+}
+
+TEST(LoopForms, PreparationStepsAsTheLiteralLoopsMakeThem)
+{
+    tl::platform::settings().set("useMarkdownStrictly", true);
+    const Regex anchor(QStringLiteral(R"(^#+ ?(.+?)(\[).+?(\])([\s#]*)$)"),
+                       RegexOption::AnchorsMatchLines);
+    const Regex highlight(QStringLiteral(R"((?<![\w{])(==([^\n]+?)==)\W)"),
+                          RegexOption::DotMatchesNewline);
+    const QStringList pieces = {"## T [a]\n", "# U [b] ##\n", "text ==hi== ", "a==x== ",
+                                "{==c==} ",   "\n",           "plain\n",      "==x==\n"};
+    QRandomGenerator random(11);
+    for (int round = 0; round < 200; ++round) {
+        const QString markdown = randomPiece(random, pieces, int(random.bounded(1, 20)));
+        QString expected = literalLoop(markdown, highlight, [](QString &text, const RegexMatch &m) {
+            text.replace(m.groupStart(1), m.groupLength(1),
+                         "<mark>" + m.capturedString(text, 2) + "</mark>");
+        });
+        expected = literalLoop(expected, anchor, [](QString &text, const RegexMatch &m) {
+            // Backwards through the captures, so earlier ones stay valid.
+            text.remove(m.groupStart(4), m.groupLength(4));
+            text.replace(m.groupStart(3), 1, ")");
+            text.replace(m.groupStart(2), 1, "(id:");
+            text.insert(m.groupEnd(1), u']');
+            text.insert(m.groupStart(1), u'[');
+        });
+        ASSERT_EQ(tl::convert::tl_stringPreparedForConversionWith(markdown, 0), expected)
+            << markdown;
+    }
+    tl::platform::settings().remove("useMarkdownStrictly");
+}
+
+} // namespace
