@@ -24,6 +24,14 @@ namespace S = keys::setting;
 
 namespace {
 
+QHash<QString, qsizetype> indexByComposedName(const QStringList &list)
+{
+    QHash<QString, qsizetype> index;
+    for (qsizetype i = list.size() - 1; i >= 0; --i)
+        index.insert(precomposed(list[i]), i);
+    return index;
+}
+
 int localizedIndex(const QStringList &list, const QString &name)
 {
     for (qsizetype i = 0; i < list.size(); ++i)
@@ -140,8 +148,16 @@ QVariantMap ListRow::toDictionary() const
 
 BookOrder BookOrder::fromProperties(const QVariantMap &properties)
 {
-    return {stringList(properties.value(P::Books)), stringList(properties.value(P::Notes)),
-            stringList(properties.value(P::Pinned))};
+    BookOrder order{stringList(properties.value(P::Books)),
+                    stringList(properties.value(P::Notes)),
+                    stringList(properties.value(P::Pinned)),
+                    {},
+                    {},
+                    {}};
+    order.bookIndex = indexByComposedName(order.books);
+    order.noteIndex = indexByComposedName(order.notes);
+    order.pinIndex = indexByComposedName(order.pinned);
+    return order;
 }
 
 BookOrder BookOrder::ofBook(const QString &bookPath)
@@ -195,16 +211,24 @@ ListRow tl_dictionaryForItemAsTask(const QString &itemPath, bool asTask,
 
     const BookOrder order = parentOrder ? *parentOrder : BookOrder::ofBook(row.parent);
     const bool isPackage = isFolder && packageExtensions().contains(lowerCasedExtension(itemPath));
-    const QStringList &sequence = isFolder && !isPackage ? order.books : order.notes;
+    const bool asBook = isFolder && !isPackage;
+    const QStringList &sequence = asBook ? order.books : order.notes;
+    const QString composedTitle = precomposed(row.title);
+    // Lists handed in without their index are searched by the collator.
+    const auto indexIn = [&](const QStringList &list, const QHash<QString, qsizetype> &byName) {
+        if (byName.isEmpty() && !list.isEmpty())
+            return localizedIndex(list, row.title);
+        return int(byName.value(composedTitle, -1));
+    };
     long index = -1;
     if (!sequence.isEmpty()) {
-        index = localizedIndex(sequence, row.title);
+        index = indexIn(sequence, asBook ? order.bookIndex : order.noteIndex);
         if (index < 0)
             index = platform::settings().boolValue(S::ManualSortNewAtTop) ? -1 : 9000;
     }
     row.custom = QString::asprintf("%.4ld", index);
 
-    const int pinIndex = localizedIndex(order.pinned, row.title);
+    const int pinIndex = indexIn(order.pinned, order.pinIndex);
     row.pinnedSequence = pinIndex < 0 ? std::numeric_limits<qint64>::max() : pinIndex;
     row.favorite = stringList(properties.value(P::Tags)).contains(QLatin1String(P::FavoriteTag))
                        ? QStringLiteral("1")

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QHash>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -37,6 +38,11 @@ struct BookOrder
     QStringList books;
     QStringList notes;
     QStringList pinned;
+    // Positions by canonically composed name, so each row finds its place
+    // without a collator pass over the whole list.
+    QHash<QString, qsizetype> bookIndex;
+    QHash<QString, qsizetype> noteIndex;
+    QHash<QString, qsizetype> pinIndex;
     static BookOrder ofBook(const QString &bookPath);
     static BookOrder fromProperties(const QVariantMap &bookProperties);
 };

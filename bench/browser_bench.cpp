@@ -1,0 +1,176 @@
+// The document list and the outline against their floor: a plain walk of
+// the same folders that stats every entry and reads each properties file
+// once. Reported as ratios.
+#include "browser/document_list.h"
+#include "browser/outline_item.h"
+#include "foundation/plist.h"
+#include "store/library_root.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QTemporaryDir>
+#include <benchmark/benchmark.h>
+#include <cstdio>
+#include <map>
+#include <sys/stat.h>
+
+namespace {
+
+constexpr int kDocuments = 10000;
+constexpr int kTopBooks = 50;
+constexpr int kSubBooks = 100;
+
+void writeBytes(const QString &path, const QByteArray &bytes)
+{
+    QFile f(path);
+    if (f.open(QIODevice::WriteOnly))
+        f.write(bytes);
+}
+
+QString scratch()
+{
+    static QTemporaryDir dir;
+    return dir.path();
+}
+
+// One book of 10,000 documents, each with a properties file, and an order list.
+QString bigBook()
+{
+    static const QString book = [] {
+        const QString path = scratch() + "/List/Big Book";
+        QDir().mkpath(path);
+        QVariantList notes;
+        for (int d = 0; d < kDocuments; ++d) {
+            const QString name = QStringLiteral("Document %1.md").arg(d);
+            notes.prepend(name);
+            writeBytes(path + u'/' + name, "# A document\n");
+            writeBytes(
+                path + u'/' + name + ".plist",
+                tl::plist::toXml(QVariantMap{{"CreationDate", QDateTime::currentDateTimeUtc()},
+                                             {"Tags", QVariantList{"work"}}}));
+        }
+        writeBytes(
+            path + "/BookProperties.plist",
+            tl::plist::toXml(QVariantMap{{"Notes", notes}, {"sortOrderForNotes", "custom"}}));
+        return path;
+    }();
+    return book;
+}
+
+// A library of 5,000 books in two levels, each with its properties file.
+QString manyBooks()
+{
+    static const QString root = [] {
+        const QString path = scratch() + "/Outline";
+        for (int t = 0; t < kTopBooks; ++t)
+            for (int s = 0; s < kSubBooks; ++s) {
+                const QString book = path + QStringLiteral("/Top %1/Book %2").arg(t).arg(s);
+                QDir().mkpath(book);
+                writeBytes(book + "/BookProperties.plist",
+                           tl::plist::toXml(QVariantMap{{"sortOrderForNotes", "title"}}));
+            }
+        return path;
+    }();
+    return root;
+}
+
+void plainWalk(benchmark::State &state, const QString &root)
+{
+    for (auto _ : state) {
+        qint64 parsed = 0;
+        QDirIterator it(root, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QString path = it.next();
+            struct stat st
+            {
+            };
+            ::stat(QFile::encodeName(path).constData(), &st);
+            if (path.endsWith(u".plist")) {
+                QFile f(path);
+                if (f.open(QIODevice::ReadOnly))
+                    parsed += tl::plist::parse(f.readAll()) ? 1 : 0;
+            }
+        }
+        benchmark::DoNotOptimize(parsed);
+    }
+}
+
+void BM_ListFloor(benchmark::State &state)
+{
+    plainWalk(state, bigBook());
+}
+
+void BM_DocumentList(benchmark::State &state)
+{
+    tl::store::setLibraryRootOverride(scratch() + "/List");
+    tl::browser::TLKSDocumentListViewController list;
+    list.path = bigBook();
+    for (auto _ : state) {
+        list.loadDisplayParameters();
+        list.getDocumentsInFolder();
+        if (list.documentsList.size() != kDocuments)
+            state.SkipWithError("list lost documents");
+    }
+}
+
+void BM_OutlineFloor(benchmark::State &state)
+{
+    plainWalk(state, manyBooks());
+}
+
+int countTree(tl::browser::TLKSOutlineItem *item)
+{
+    int n = 1;
+    for (const auto &child : item->children())
+        n += countTree(child.get());
+    return n;
+}
+
+void BM_Outline(benchmark::State &state)
+{
+    tl::store::setLibraryRootOverride(manyBooks());
+    for (auto _ : state) {
+        tl::browser::TLKSOutlineItem::rootItem().resetAllChildren();
+        const int books = countTree(tl::browser::TLKSOutlineItem::booksItem()) - 1;
+        if (books != kTopBooks * kSubBooks + kTopBooks)
+            state.SkipWithError("outline lost books");
+    }
+}
+
+BENCHMARK(BM_ListFloor)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DocumentList)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_OutlineFloor)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Outline)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+class RatioReporter : public benchmark::ConsoleReporter
+{
+public:
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run &run : runs)
+            times[run.benchmark_name()] = run.GetAdjustedRealTime();
+    }
+    std::map<std::string, double> times;
+};
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+    const auto ratio = [&](const char *name, const char *floor, const char *label) {
+        const double f = reporter.times[floor], t = reporter.times[name];
+        if (f > 0 && t > 0)
+            std::printf("%s / plain walk: %.2fx (target: at most 1.5x)\n", label, t / f);
+    };
+    ratio("BM_DocumentList", "BM_ListFloor", "document list of 10,000 documents");
+    ratio("BM_Outline", "BM_OutlineFloor", "outline of 5,000 books");
+}
