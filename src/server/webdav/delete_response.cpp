@@ -1,0 +1,20 @@
+#include "server/webdav/delete_response.h"
+
+#include "platform/file_ops.h"
+#include "server/core/server_log.h"
+#include "server/webdav/dav_files.h"
+
+namespace server {
+
+DELETEResponse::DELETEResponse(const QString &filePath)
+{
+    const bool existed = itemExistsAtPath(filePath);
+    if (!tl::platform::removeItem(filePath)) {
+        logLine(QStringLiteral("Failed deleting \"%1\"").arg(filePath));
+        m_status = 404;
+        return;
+    }
+    m_status = existed ? 200 : 204;
+}
+
+} // namespace server
