@@ -1,7 +1,6 @@
 // render, md prepare, css: the conversion of Markdown documents, for
 // scripts, exports and debugging a document.
 #include "cli.h"
-#include "convert/document_style.h"
 #include "convert/envelope.h"
 #include "convert/markdown_preparation.h"
 #include "convert/markdown_to_html.h"
@@ -9,6 +8,7 @@
 #include "platform/settings.h"
 #include "store/document_file.h"
 #include "store/keys.h"
+#include "store/style_values.h"
 #include "store/text_encoding.h"
 
 #include <QFile>
@@ -97,7 +97,7 @@ int markdown(const QCommandLineParser &parser, const Invocation &in)
     const int documentConverter =
         source->path.isEmpty()
             ? int(platform::settings().integer(QLatin1String(tl::keys::setting::MarkdownConverter)))
-            : convert::tl_markdownConverterAtPath(source->path);
+            : store::tl_markdownConverterAtPath(source->path);
     printLine(convert::tl_stringPreparedForConversionWith(
         source->text, chosenConverter(parser).value_or(documentConverter)));
     return Success;

@@ -2,7 +2,6 @@
 
 #include "convert/convert_keys.h"
 #include "convert/default_converter.h"
-#include "convert/document_style.h"
 #include "convert/envelope.h"
 #include "convert/html_postprocessing.h"
 #include "convert/markdown_preparation.h"
@@ -16,6 +15,7 @@
 #include "store/first_line.h"
 #include "store/keys.h"
 #include "store/properties.h"
+#include "store/style_values.h"
 
 #include <QFileInfo>
 
@@ -108,7 +108,7 @@ QString markdownToHTMLForDocument(const QString &input, const QString &path,
     if (isFile) {
         contents = !store::propertyValueIsEmpty(
             store::tl_propertyForKey(path, QLatin1String(tl::keys::property::TOC)));
-        converter = tl_markdownConverterAtPath(path);
+        converter = store::tl_markdownConverterAtPath(path);
     }
     converter = chosenConverter.value_or(converter);
     QString text = input;

@@ -1,7 +1,6 @@
 #include "convert/style_sheet.h"
 
 #include "convert/convert_keys.h"
-#include "convert/document_style.h"
 #include "convert/resources.h"
 #include "foundation/compare.h"
 #include "foundation/path_string.h"
@@ -14,6 +13,7 @@
 #include "store/keys.h"
 #include "store/library_root.h"
 #include "store/properties.h"
+#include "store/style_values.h"
 
 #include <QCoreApplication>
 #include <QDirIterator>
@@ -191,8 +191,8 @@ QString tl_inheritedStyleSheet(const QString &path)
                                     RegexOption::DotMatchesNewline);
     static const Regex authorsComment(QStringLiteral(R"((?s:/\*--.*?\*/\n?))"));
 
-    const QString face = cssFace(documentFontFace(path));
-    int size = documentFontSize(path);
+    const QString face = cssFace(store::tl_fontFaceAtPath(path));
+    int size = store::tl_fontSizeAtPath(path);
     if (size == 0)
         size = 14;
     const int printSetting = int(platform::settings().integer(QLatin1String(keys::PrintFontSize)));
@@ -213,7 +213,7 @@ QString tl_inheritedStyleSheet(const QString &path)
         {"**TavelleListIndentVarPrintFont**", listIndent(printSize)},
         {"**TavelleBGColor**", u'#' + hexColor(colors.plainBackground)},
         {"**TavelleFontSize**", QStringLiteral("%1px").arg(size)},
-        {"**TavelleLinespacing**", lineHeight(documentLineSpacing(path))},
+        {"**TavelleLinespacing**", lineHeight(store::tl_linespacingAtPath(path))},
         {"**TavelleTextAlign**", textAlignment(path)},
         {"**TavelleHyphens**", hyphens(path)},
         {"**TavellePrintFontSize**", QStringLiteral("%1px").arg(printSize)},
