@@ -1,5 +1,6 @@
 // tavelle: the library's operations from the command line, headless.
 #include "cli.h"
+#include "convert/store_registration.h"
 #include "platform/settings.h"
 #include "shell/version.h"
 #include "store/keys.h"
@@ -72,6 +73,7 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationVersion(QString::fromLatin1(tl::shell::kShortVersion));
     tl::setUpDiagnostics();
     tl::setStandardErrorRedirectAllowed(false);
+    tl::convert::registerConversionsWithStore();
 
     QStringList args = QCoreApplication::arguments().mid(1);
     bool json = false;

@@ -2,34 +2,43 @@
 
 namespace tl::store {
 
-QString tl_markdownToHTML(const QString &, const QString &)
+namespace {
+template <typename Function, typename... Args>
+QString runConversion(const Function &conversion, const Args &...args)
 {
-    // The text conversion subsystem fills this in.
-    return {};
+    return conversion ? conversion(args...) : QString();
+}
+} // namespace
+
+TextConversions &textConversions()
+{
+    static TextConversions conversions;
+    return conversions;
 }
 
-QString tl_markdownToLatex(const QString &, const QString &)
+QString tl_markdownToHTML(const QString &markdown, const QString &path)
 {
-    // The text conversion subsystem fills this in.
-    return {};
+    return runConversion(textConversions().markdownToHTML, markdown, path);
 }
 
-QString tl_markdownifyHTML(const QString &)
+QString tl_markdownToLatex(const QString &markdown, const QString &path)
 {
-    // The text conversion subsystem fills this in.
-    return {};
+    return runConversion(textConversions().markdownToLatex, markdown, path);
 }
 
-QString tl_OPMLToHTML(const QString &)
+QString tl_markdownifyHTML(const QString &html)
 {
-    // The OPML importer fills this in.
-    return {};
+    return runConversion(textConversions().markdownifyHTML, html);
 }
 
-QString tl_duplicateWebArchiveAsFormattedDocument(const QString &)
+QString tl_OPMLToHTML(const QString &opml)
 {
-    // The web archive importer fills this in.
-    return {};
+    return runConversion(textConversions().OPMLToHTML, opml);
+}
+
+QString tl_duplicateWebArchiveAsFormattedDocument(const QString &path)
+{
+    return runConversion(textConversions().duplicateWebArchiveAsFormattedDocument, path);
 }
 
 } // namespace tl::store

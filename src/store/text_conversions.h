@@ -1,21 +1,33 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 
-// The conversions the duplicates in another kind are made with. Each
-// answers an empty text until its subsystem lands, and an empty result
-// writes nothing.
+// The conversions the duplicates in another kind are made with. The
+// subsystems that own them sit above the store and register them at start;
+// an unregistered one answers an empty text, and an empty result writes
+// nothing.
 namespace tl::store {
 
-// Markdown text of the document at path to a formatted HTML document.
+struct TextConversions
+{
+    // Markdown text of the document at a path to a formatted HTML document.
+    std::function<QString(const QString &markdown, const QString &path)> markdownToHTML;
+    // Markdown text of the document at a path to LaTeX.
+    std::function<QString(const QString &markdown, const QString &path)> markdownToLatex;
+    std::function<QString(const QString &html)> markdownifyHTML;
+    std::function<QString(const QString &opml)> OPMLToHTML;
+    // A web archive beside itself as a formatted document; the new path.
+    std::function<QString(const QString &path)> duplicateWebArchiveAsFormattedDocument;
+};
+
+// The process's registered conversions.
+TextConversions &textConversions();
+
 QString tl_markdownToHTML(const QString &markdown, const QString &path);
-// Markdown text of the document at path to LaTeX.
 QString tl_markdownToLatex(const QString &markdown, const QString &path);
-// HTML to Markdown text.
 QString tl_markdownifyHTML(const QString &html);
-// An OPML outline to HTML.
 QString tl_OPMLToHTML(const QString &opml);
-// A web archive beside itself as a formatted document; the new path.
 QString tl_duplicateWebArchiveAsFormattedDocument(const QString &path);
 
 } // namespace tl::store
