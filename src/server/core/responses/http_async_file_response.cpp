@@ -16,16 +16,15 @@ namespace server {
 std::shared_ptr<HTTPAsyncFileResponse> HTTPAsyncFileResponse::create(const QString &filePath,
                                                                      HTTPConnection *connection)
 {
-    QString resolved;
     uint64_t length = 0;
-    if (!examineRegularFile(filePath, resolved, length))
+    if (!examineRegularFile(filePath, length))
         return nullptr;
-    return std::shared_ptr<HTTPAsyncFileResponse>(new HTTPAsyncFileResponse(resolved, length, connection));
+    return std::shared_ptr<HTTPAsyncFileResponse>(new HTTPAsyncFileResponse(filePath, length, connection));
 }
 
-HTTPAsyncFileResponse::HTTPAsyncFileResponse(const QString &resolvedPath, uint64_t length,
+HTTPAsyncFileResponse::HTTPAsyncFileResponse(const QString &filePath, uint64_t length,
                                              HTTPConnection *connection)
-    : m_filePath(resolvedPath), m_fileLength(length), m_connection(connection)
+    : m_filePath(filePath), m_fileLength(length), m_connection(connection)
 {
 }
 

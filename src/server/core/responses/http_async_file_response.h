@@ -38,7 +38,7 @@ public:
     const QString &filePath() const { return m_filePath; }
 
 private:
-    HTTPAsyncFileResponse(const QString &resolvedPath, uint64_t length, HTTPConnection *connection);
+    HTTPAsyncFileResponse(const QString &filePath, uint64_t length, HTTPConnection *connection);
     bool openFileIfNeeded();
     void abort();
     void requestLocked(uint64_t offset, size_t length);

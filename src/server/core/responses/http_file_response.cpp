@@ -9,38 +9,33 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <climits>
-#include <cstdlib>
 
 namespace server {
 
-bool examineRegularFile(const QString &filePath, QString &resolvedPath, uint64_t &length)
+bool examineRegularFile(const QString &filePath, uint64_t &length)
 {
     const QByteArray encoded = QFile::encodeName(filePath);
     if (encoded.isEmpty() || encoded.contains('\0'))
         return false;
-    char resolved[PATH_MAX];
-    if (!::realpath(encoded.constData(), resolved))
-        return false;
+    // stat() and open() both follow symbolic links through the whole path, so
+    // the file examined and the file read are the link's target.
     struct stat info;
-    if (::stat(resolved, &info) != 0 || !S_ISREG(info.st_mode))
+    if (::stat(encoded.constData(), &info) != 0 || !S_ISREG(info.st_mode))
         return false;
-    resolvedPath = QFile::decodeName(resolved);
     length = uint64_t(info.st_size);
     return true;
 }
 
 std::shared_ptr<HTTPFileResponse> HTTPFileResponse::create(const QString &filePath, HTTPConnection *connection)
 {
-    QString resolved;
     uint64_t length = 0;
-    if (!examineRegularFile(filePath, resolved, length))
+    if (!examineRegularFile(filePath, length))
         return nullptr;
-    return std::shared_ptr<HTTPFileResponse>(new HTTPFileResponse(resolved, length, connection));
+    return std::shared_ptr<HTTPFileResponse>(new HTTPFileResponse(filePath, length, connection));
 }
 
-HTTPFileResponse::HTTPFileResponse(const QString &resolvedPath, uint64_t length, HTTPConnection *connection)
-    : m_connection(connection), m_filePath(resolvedPath), m_fileLength(length)
+HTTPFileResponse::HTTPFileResponse(const QString &filePath, uint64_t length, HTTPConnection *connection)
+    : m_connection(connection), m_filePath(filePath), m_fileLength(length)
 {
 }
 

@@ -10,10 +10,10 @@ namespace server {
 
 class HTTPConnection;
 
-// A file's bytes, read on the connection's queue. The path's symbolic links
-// are resolved and the size is taken once, at creation. The file opens on
-// first use; a read error or an early end aborts the response, and the
-// connection closes once its queued writes are out.
+// A file's bytes, read on the connection's queue. The size is taken once, at
+// creation, through the path's symbolic links. The file opens on first use;
+// a read error or an early end aborts the response, and the connection
+// closes once its queued writes are out.
 class HTTPFileResponse : public HTTPResponse
 {
 public:
@@ -30,7 +30,7 @@ public:
     const QString &filePath() const { return m_filePath; }
 
 protected:
-    HTTPFileResponse(const QString &resolvedPath, uint64_t length, HTTPConnection *connection);
+    HTTPFileResponse(const QString &filePath, uint64_t length, HTTPConnection *connection);
     void abort();
     bool openFileIfNeeded();
 
@@ -43,8 +43,8 @@ protected:
     QByteArray m_buffer;
 };
 
-// Resolves symbolic links and examines the file; false when it cannot, or
-// when it is no regular file.
-bool examineRegularFile(const QString &filePath, QString &resolvedPath, uint64_t &length);
+// The size of the file the path leads to, through symbolic links; false when
+// it cannot be examined or is no regular file.
+bool examineRegularFile(const QString &filePath, uint64_t &length);
 
 } // namespace server
