@@ -174,7 +174,38 @@ icu::UnicodeString searchForm(QStringView s)
     return out;
 }
 
+QByteArray sortKey(Kind kind, QStringView s)
+{
+    icu::Collator *c = collator(kind);
+    if (!c)
+        return QByteArray(reinterpret_cast<const char *>(s.utf16()), s.size() * 2);
+    const int32_t length = int32_t(std::min<qsizetype>(s.size(), INT32_MAX));
+    QByteArray key(64, Qt::Uninitialized);
+    int32_t needed = c->getSortKey(uchars(s), length, reinterpret_cast<uint8_t *>(key.data()),
+                                   int32_t(key.size()));
+    if (needed > key.size()) {
+        key.resize(needed);
+        needed = c->getSortKey(uchars(s), length, reinterpret_cast<uint8_t *>(key.data()),
+                               int32_t(key.size()));
+    }
+    key.resize(needed);
+    return key;
+}
+
 } // namespace
+
+QByteArray localizedSortKey(QStringView s)
+{
+    return sortKey(Kind::Exact, s);
+}
+QByteArray localizedCaseInsensitiveSortKey(QStringView s)
+{
+    return sortKey(Kind::CaseInsensitive, s);
+}
+QByteArray localizedStandardSortKey(QStringView s)
+{
+    return sortKey(Kind::Standard, s);
+}
 
 QString collationLocaleName()
 {

@@ -6,6 +6,7 @@
 // twin. Every comparison answers -1, 0 or 1. All functions may be called from
 // any thread: each thread keeps its own collators.
 
+#include <QByteArray>
 #include <QString>
 #include <QStringView>
 
@@ -23,6 +24,12 @@ int localizedCaseInsensitiveCompare(QStringView a, QStringView b);
 // of digits compared by numeric value ("Book 2" before "Book 10"; "007" and
 // "7" are equal).
 int localizedStandardCompare(QStringView a, QStringView b);
+
+// Sort keys of the comparisons above: comparing two keys byte by byte
+// orders as the comparison does, so a long sort collates each name once.
+QByteArray localizedSortKey(QStringView s);
+QByteArray localizedCaseInsensitiveSortKey(QStringView s);
+QByteArray localizedStandardSortKey(QStringView s);
 // Locale order ignoring case and diacritics ("cafe" equals "Café").
 int caseAndDiacriticInsensitiveCompare(QStringView a, QStringView b);
 

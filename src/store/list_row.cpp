@@ -240,15 +240,40 @@ ListRow tl_dictionaryForItemAsTask(const QString &itemPath, bool asTask,
     return row;
 }
 
-int compareRowNames(const QString &a, const QString &b, bool numeric)
+QByteArray rowNameSortKey(const QString &title, bool numeric)
 {
-    const int folded =
-        numeric ? localizedStandardCompare(a, b) : localizedCaseInsensitiveCompare(a, b);
-    if (folded != 0)
-        return folded;
-    const int exact = localizedCompare(a, b);
-    return exact != 0 ? exact : QString::compare(a, b);
+    // Each collation key ends in a zero byte and holds none inside, so the
+    // joined keys order as the folded comparison, then the exact one, then
+    // the code units (big-endian, so bytes order as units do).
+    QByteArray key =
+        numeric ? localizedStandardSortKey(title) : localizedCaseInsensitiveSortKey(title);
+    key += localizedSortKey(title);
+    key.reserve(key.size() + title.size() * 2);
+    for (const QChar c : title) {
+        key += char(c.unicode() >> 8);
+        key += char(c.unicode() & 0xff);
+    }
+    return key;
 }
+
+namespace {
+// Stable sort by name, collating each title once.
+void sortByName(QList<ListRow> &rows, bool numeric, bool descending)
+{
+    std::vector<std::pair<QByteArray, qsizetype>> keyed;
+    keyed.reserve(size_t(rows.size()));
+    for (qsizetype i = 0; i < rows.size(); ++i)
+        keyed.emplace_back(rowNameSortKey(rows[i].title, numeric), i);
+    std::stable_sort(keyed.begin(), keyed.end(), [descending](const auto &a, const auto &b) {
+        return descending ? b.first < a.first : a.first < b.first;
+    });
+    QList<ListRow> sorted;
+    sorted.reserve(rows.size());
+    for (const auto &[key, index] : keyed)
+        sorted.append(std::move(rows[index]));
+    rows = std::move(sorted);
+}
+} // namespace
 
 void tl_sortByParameter(QList<ListRow> &rows, const QString &requestedKey, bool descending)
 {
@@ -256,19 +281,15 @@ void tl_sortByParameter(QList<ListRow> &rows, const QString &requestedKey, bool 
         return;
     const QString key = requestedKey.isEmpty() ? QStringLiteral("title") : requestedKey;
     const bool numeric = platform::settings().boolValue(S::UseNumericOrder);
-    const auto byName = [numeric](const ListRow &a, const ListRow &b) {
-        return compareRowNames(a.title, b.title, numeric) < 0;
-    };
-
     if (key == u"title" && descending) {
-        stableSort(rows, [&](const ListRow &a, const ListRow &b) { return byName(b, a); });
+        sortByName(rows, numeric, true);
     } else if (key == u"custom") {
         const bool newAtTop = platform::settings().boolValue(S::ManualSortNewAtTop);
         stableSort(rows, [newAtTop](const ListRow &a, const ListRow &b) {
             return newAtTop ? b.creationDate < a.creationDate : a.creationDate < b.creationDate;
         });
     } else {
-        stableSort(rows, byName);
+        sortByName(rows, numeric, false);
     }
 
     if (key != u"title") {

@@ -64,6 +64,7 @@ void tl_sortByParameter(QList<ListRow> &rows, const QString &key, bool descendin
 
 // Name order of list rows: case- and width-insensitive, forced to a total
 // order, numbers by value when useNumericOrder is on.
-int compareRowNames(const QString &a, const QString &b, bool numeric);
+// Comparing two keys byte by byte gives that order.
+QByteArray rowNameSortKey(const QString &title, bool numeric);
 
 } // namespace tl::store
