@@ -37,6 +37,7 @@ const std::vector<Command> &settingsCommands();
 const std::vector<Command> &pathCommands();
 const std::vector<Command> &itemCommands();
 const std::vector<Command> &convertCommands();
+const std::vector<Command> &serveCommands();
 const std::vector<Command> &browserCommands();
 
 // Prints one line to standard error and answers the status.

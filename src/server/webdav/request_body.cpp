@@ -38,7 +38,7 @@ void RequestBody::prepare(std::optional<uint64_t> size)
     const QString path = uploadFolder() + QLatin1Char('/') +
                          QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
     m_fd =
-        ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (m_fd < 0) {
         logLine(QStringLiteral("Failed creating upload file \"%1\"").arg(path));
         return;

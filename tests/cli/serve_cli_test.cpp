@@ -1,0 +1,147 @@
+// tavelle serve: serves until SIGTERM and stops cleanly; a start failure
+// prints the alert and exits 1.
+#include "cli_support.h"
+#include "support/test_environment.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QRegularExpression>
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+class ServeCommand : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!tltest::tavelleAvailable())
+            GTEST_SKIP() << "TAVELLE_CLI is not set";
+        home = tltest::makeTemporaryFolder("serve-home");
+        library = home + "/Library";
+        QDir().mkpath(library + "/Book");
+        QDir().mkpath(home + "/tmp");
+    }
+    void TearDown() override
+    {
+        if (server.state() != QProcess::NotRunning) {
+            server.kill();
+            server.waitForFinished(10000);
+        }
+    }
+
+    // Starts the command and waits, at most 30 seconds, for the password line.
+    bool startServing(const QStringList &options)
+    {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert("HOME", home);
+        env.insert("XDG_CONFIG_HOME", home + "/.config");
+        env.insert("XDG_DATA_HOME", home + "/.local/share");
+        env.insert("XDG_CACHE_HOME", home + "/.cache");
+        env.insert("TMPDIR", home + "/tmp");
+        server.setProcessEnvironment(env);
+        server.start(qEnvironmentVariable("TAVELLE_CLI"),
+                     QStringList{"--library", library, "serve", "--interface", "127.0.0.1"} +
+                         options);
+        for (int i = 0; i < 300 && !output.contains("Password: "); ++i) {
+            if (!server.waitForReadyRead(100) && server.state() == QProcess::NotRunning)
+                return false;
+            output += server.readAllStandardOutput();
+        }
+        while (!output.endsWith('\n') && server.waitForReadyRead(1000))
+            output += server.readAllStandardOutput();
+        return output.contains("Password: ");
+    }
+    int port() const
+    {
+        static const QRegularExpression re(QStringLiteral("\n\nhttp://[^:\n]+:(\\d+)"));
+        return re.match(QString::fromUtf8(output)).captured(1).toInt();
+    }
+    static QByteArray curl(const QStringList &arguments)
+    {
+        QProcess process;
+        process.start("curl", QStringList{"--silent", "--max-time", "20"} + arguments);
+        process.waitForFinished(30000);
+        return process.readAllStandardOutput();
+    }
+
+    QString home;
+    QString library;
+    QProcess server;
+    QByteArray output;
+};
+
+} // namespace
+
+TEST_F(ServeCommand, ServesWithTheGivenCredentialsUntilTerminated)
+{
+    ASSERT_TRUE(startServing({"--port", "8655", "--password", "open-sesame"}))
+        << output.toStdString();
+    EXPECT_TRUE(output.startsWith(
+        "Use the credentials above to connect to one of the given server addresses.\n\nhttp://"));
+    EXPECT_TRUE(output.contains("\nUser: Tavelle\nPassword: open-sesame\n"))
+        << output.toStdString();
+    ASSERT_GE(port(), 8655);
+    const QString url = QStringLiteral("http://127.0.0.1:%1/Book/new.txt").arg(port());
+    QFile upload(home + "/upload.txt");
+    ASSERT_TRUE(upload.open(QIODevice::WriteOnly));
+    upload.write("uploaded");
+    upload.close();
+    EXPECT_EQ(curl({"--digest", "--user", "Tavelle:open-sesame", "--upload-file", upload.fileName(),
+                    "--output", "/dev/null", "--write-out", "%{http_code}", url}),
+              "201");
+    EXPECT_EQ(curl({"--digest", "--user", "Tavelle:open-sesame", url}), "uploaded");
+    EXPECT_EQ(curl({"--digest", "--user", "Tavelle:wrong", "--output", "/dev/null", "--write-out",
+                    "%{http_code}", url}),
+              "401");
+
+    server.terminate();
+    ASSERT_TRUE(server.waitForFinished(30000));
+    EXPECT_EQ(server.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(server.exitCode(), 0) << server.readAllStandardError().toStdString();
+}
+
+TEST_F(ServeCommand, MakesAPasswordOnceAndKeepsIt)
+{
+    ASSERT_TRUE(startServing({"--port", "8665"}));
+    const QRegularExpression passwordLine(QStringLiteral("Password: ([0-9a-f-]{9})\n"));
+    const QString first = passwordLine.match(QString::fromUtf8(output)).captured(1);
+    EXPECT_FALSE(first.isEmpty()) << output.toStdString();
+    server.terminate();
+    ASSERT_TRUE(server.waitForFinished(30000));
+    output.clear();
+    ASSERT_TRUE(startServing({}));
+    EXPECT_EQ(passwordLine.match(QString::fromUtf8(output)).captured(1), first);
+}
+
+TEST_F(ServeCommand, ABusyPortFrom9000OnGivesTheAlertAndExitsOne)
+{
+    const int holder = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    ASSERT_EQ(::bind(holder, reinterpret_cast<sockaddr *>(&address), length), 0);
+    ASSERT_EQ(::listen(holder, 1), 0);
+    ASSERT_EQ(::getsockname(holder, reinterpret_cast<sockaddr *>(&address), &length), 0);
+    const int busy = ntohs(address.sin_port);
+    ASSERT_GE(busy, 9000);
+    const auto r = tltest::runTavelle(home, {"--library", library, "serve", "--interface",
+                                             "127.0.0.1", "--port", QString::number(busy)});
+    ::close(holder);
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_TRUE(r.err.startsWith("Could not Start Tavelle Server: ")) << r.err.toStdString();
+    EXPECT_TRUE(r.out.isEmpty());
+}
+
+TEST_F(ServeCommand, RefusesABadPort)
+{
+    const auto r = tltest::runTavelle(home, {"--library", library, "serve", "--port", "70000"});
+    EXPECT_EQ(r.exitCode, 2);
+    EXPECT_EQ(r.err, "--port needs a number from 0 to 65535\n");
+}
