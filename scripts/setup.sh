@@ -42,7 +42,7 @@ packages=(
   libavahi-client-dev
   # tests, fuzzing and benchmarks: real HTTP clients and a peer server to compare with
   libgtest-dev libgmock-dev libbenchmark-dev clang-14 libclang-rt-14-dev curl nginx-light wrk
-  litmus cadaver discount
+  litmus cadaver discount libnginx-mod-http-dav-ext
 )
 
 missing=()

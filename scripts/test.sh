@@ -13,6 +13,10 @@ export LSAN_OPTIONS="suppressions=$PWD/tests/lsan.supp:print_suppressions=0"
 export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
 ctest --test-dir build-test --output-on-failure --timeout 300 -j2
 
+# The litmus WebDAV suite against `tavelle serve`; every result must match
+# tests/server/litmus/expected.txt.
+bash tests/server/litmus/run.sh build-test/bin/tavelle
+
 # The request parser, ranges, authorization and a whole connection under
 # libFuzzer, for a bounded time; crashes found become regression tests.
 bash tests/server/fuzz/run.sh "${TAVELLE_FUZZ_SECONDS:-20}"
