@@ -12,6 +12,9 @@ namespace server {
 
 namespace {
 
+// Room for a few hundred entries before the listing has to grow.
+constexpr qsizetype kInitialReserve = 128 * 1024;
+
 enum Property : unsigned {
     ResourceType = 1,
     CreationDate = 2,
@@ -55,26 +58,32 @@ unsigned requestedProperties(const QByteArray &body)
     return mask ? mask : AllProperties;
 }
 
-// Percent-escapes a UTF-8 path for an href: everything but the unreserved
-// characters and the path's own delimiters, with "&" and "+" escaped too.
-QByteArray escapedHref(const QByteArray &path)
+bool keptInHref(unsigned char byte)
+{
+    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
+           (byte >= '0' && byte <= '9') || (byte && std::strchr("-._~!$'()*,/:;=@", byte));
+}
+
+// Appends a UTF-8 path percent-escaped for an href: everything but the
+// unreserved characters and the path's own delimiters, with "&" and "+"
+// escaped too.
+void appendEscapedHref(QByteArray &out, const QByteArray &path)
 {
     static const char hex[] = "0123456789ABCDEF";
-    QByteArray out;
-    out.reserve(path.size() + path.size() / 2);
+    const qsizetype oldSize = out.size();
+    out.resize(oldSize + path.size() * 3);
+    char *to = out.data() + oldSize;
     for (const char c : path) {
         const auto byte = static_cast<unsigned char>(c);
-        const bool kept = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
-                          (byte >= '0' && byte <= '9') || std::strchr("-._~!$'()*,/:;=@", c);
-        if (kept && byte) {
-            out += c;
+        if (keptInHref(byte)) {
+            *to++ = c;
         } else {
-            out += '%';
-            out += hex[byte >> 4];
-            out += hex[byte & 15];
+            *to++ = '%';
+            *to++ = hex[byte >> 4];
+            *to++ = hex[byte & 15];
         }
     }
-    return out;
+    out.truncate(to - out.constData());
 }
 
 const char *const kWeekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
@@ -82,25 +91,29 @@ const char *const kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
 // "yyyy-MM-dd'T'HH:mm:ss'+00:00'" in GMT.
-QByteArray creationDateText(time_t date)
+void appendCreationDate(QByteArray &out, time_t date)
 {
     struct tm t;
     gmtime_r(&date, &t);
-    char text[64];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d+00:00", t.tm_year + 1900,
-                  t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec);
-    return text;
+    char text[96];
+    const int length = std::snprintf(
+        text, sizeof text, "<D:creationdate>%04d-%02d-%02dT%02d:%02d:%02d+00:00</D:creationdate>",
+        t.tm_year + 1900, t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec);
+    out.append(text, qsizetype(length));
 }
 
 // "EEE', 'd' 'MMM' 'yyyy' 'HH:mm:ss' GMT'" in en_US and GMT.
-QByteArray lastModifiedText(time_t date)
+void appendLastModified(QByteArray &out, time_t date)
 {
     struct tm t;
     gmtime_r(&date, &t);
-    char text[64];
-    std::snprintf(text, sizeof text, "%s, %d %s %04d %02d:%02d:%02d GMT", kWeekdays[t.tm_wday],
-                  t.tm_mday, kMonths[t.tm_mon], t.tm_year + 1900, t.tm_hour, t.tm_min, t.tm_sec);
-    return text;
+    char text[96];
+    const int length =
+        std::snprintf(text, sizeof text,
+                      "<D:getlastmodified>%s, %d %s %04d %02d:%02d:%02d GMT</D:getlastmodified>",
+                      kWeekdays[t.tm_wday], t.tm_mday, kMonths[t.tm_mon], t.tm_year + 1900,
+                      t.tm_hour, t.tm_min, t.tm_sec);
+    out.append(text, qsizetype(length));
 }
 
 void appendResponse(QByteArray &out, const QByteArray &hrefPath, const DAVItemInfo &item,
@@ -110,19 +123,20 @@ void appendResponse(QByteArray &out, const QByteArray &hrefPath, const DAVItemIn
     if (!hrefPath.isValidUtf8())
         return;
     out += "<D:response><D:href>";
-    out += escapedHref(hrefPath);
+    appendEscapedHref(out, hrefPath);
     out += "</D:href><D:propstat><D:prop>";
     if (properties & ResourceType)
         out += item.isDirectory ? "<D:resourcetype><D:collection/></D:resourcetype>"
                                 : "<D:resourcetype/>";
     if ((properties & CreationDate) && item.creationDate)
-        out += "<D:creationdate>" + creationDateText(*item.creationDate) + "</D:creationdate>";
+        appendCreationDate(out, *item.creationDate);
     if (properties & LastModified)
-        out += "<D:getlastmodified>" + lastModifiedText(item.modificationDate) +
-               "</D:getlastmodified>";
-    if ((properties & ContentLength) && !item.isDirectory)
-        out += "<D:getcontentlength>" + QByteArray::number(quint64(item.size)) +
-               "</D:getcontentlength>";
+        appendLastModified(out, item.modificationDate);
+    if ((properties & ContentLength) && !item.isDirectory) {
+        out += "<D:getcontentlength>";
+        out += QByteArray::number(quint64(item.size));
+        out += "</D:getcontentlength>";
+    }
     out += "</D:prop><D:status>HTTP/1.1 200 OK</D:status></D:propstat></D:response>\n";
 }
 
@@ -135,11 +149,16 @@ void appendEntries(QByteArray &out, const QString &path, QByteArray hrefPath, un
     if (!hrefPath.endsWith('/'))
         hrefPath += '/';
     const int fd = ::dirfd(directory);
+    const qsizetype prefix = hrefPath.size();
     while (const dirent *entry = ::readdir(directory)) {
         if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0)
             continue;
-        if (const auto item = davItemInfoAt(fd, entry->d_name))
-            appendResponse(out, hrefPath + entry->d_name, *item, properties);
+        const auto item = davItemInfoAt(fd, entry->d_name);
+        if (!item)
+            continue;
+        hrefPath.truncate(prefix);
+        hrefPath += entry->d_name;
+        appendResponse(out, hrefPath, *item, properties);
     }
     ::closedir(directory);
 }
