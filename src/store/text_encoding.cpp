@@ -3,8 +3,9 @@
 #include "platform/file_ops.h"
 #include "store/log.h"
 
-#include <QStringDecoder>
+#include <QtEndian>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <memory>
 #include <string_view>
@@ -100,28 +101,105 @@ std::optional<QString> decodedByConverter(const QByteArray &bytes, TextEncoding 
     return text;
 }
 
-// Qt's UTF-8 decoder is strict (it flags malformed, overlong and surrogate
-// sequences) and widens ASCII runs with vector instructions: two to three
-// times faster than ICU's transforms on ordinary prose. It drops a leading
-// byte-order mark.
-std::optional<QString> decodedUtf8(const QByteArray &bytes)
+// Every encoding read here has ASCII as its first half, and most text is
+// ASCII: blocks of bytes are widened whole, a loop the compiler turns into
+// vector code, and only their other bytes are then decoded one by one. No
+// encoding here makes more UTF-16 units than it has bytes, so the text is
+// made once at the bytes' size and decoded into in place.
+constexpr qsizetype kBlock = 16;
+
+void widenBlock(const uchar *in, char16_t *out)
 {
-    // Files in the older encodings fail within their first characters: a
-    // look at the head spares them a pass over the whole file.
-    constexpr qsizetype kHead = 64 * 1024;
-    if (bytes.size() > kHead) {
-        qsizetype end = kHead;
-        while (end > kHead - 4 && (static_cast<unsigned char>(bytes[end]) & 0xC0) == 0x80)
-            --end;
-        QStringDecoder head(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-        const QString decodedHead = head.decode(QByteArrayView(bytes).first(end));
-        if (head.hasError())
+    // Loaded first so that the compiler sees the stores cannot change it.
+    std::array<uchar, kBlock> block;
+    std::memcpy(block.data(), in, kBlock);
+    for (qsizetype k = 0; k < kBlock; ++k)
+        out[k] = block[k];
+}
+
+// The top bits of the eight bytes at `in`, byte k's at bit 8k + 7.
+quint64 highBitsOf(const uchar *in)
+{
+    return qFromLittleEndian<quint64>(in) & 0x8080808080808080ull;
+}
+
+// The number of ASCII bytes the block at `in` starts with, up to kBlock.
+qsizetype leadingAscii(const uchar *in)
+{
+    for (qsizetype half = 0; half < kBlock; half += 8)
+        if (const quint64 high = highBitsOf(in + half))
+            return half + std::countr_zero(high) / 8;
+    return kBlock;
+}
+
+// Strict UTF-8 as Unicode defines it well formed: no overlong forms, no
+// surrogates, nothing past U+10FFFF, no sequence cut short. The lead byte
+// fixes how many bytes follow and the range of the first of them.
+bool decodeUtf8Character(const uchar *&in, const uchar *end, char16_t *&out)
+{
+    const uchar lead = *in;
+    qsizetype following;
+    uchar low = 0x80;
+    uchar high = 0xBF;
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        following = 1;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+        following = 2;
+        low = lead == 0xE0 ? 0xA0 : low;
+        high = lead == 0xED ? 0x9F : high;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+        following = 3;
+        low = lead == 0xF0 ? 0x90 : low;
+        high = lead == 0xF4 ? 0x8F : high;
+    } else {
+        return false;
+    }
+    if (end - in <= following || in[1] < low || in[1] > high)
+        return false;
+    char32_t c = lead & (0x3F >> following);
+    for (qsizetype k = 1; k <= following; ++k) {
+        if ((in[k] & 0xC0) != 0x80)
+            return false;
+        c = c << 6 | (in[k] & 0x3F);
+    }
+    in += following + 1;
+    if (QChar::requiresSurrogates(c)) {
+        *out++ = QChar::highSurrogate(c);
+        *out++ = QChar::lowSurrogate(c);
+    } else {
+        *out++ = char16_t(c);
+    }
+    return true;
+}
+
+// One pass that stops at the first malformed sequence. A character's bytes
+// vary in number, so after one that is not ASCII the next block starts
+// right behind it. A leading byte-order mark is dropped.
+std::optional<QString> decodedUtf8(QByteArrayView bytes)
+{
+    if (bytes.startsWith("\xEF\xBB\xBF"))
+        bytes = bytes.sliced(3);
+    QString text(bytes.size(), Qt::Uninitialized);
+    char16_t *const start = reinterpret_cast<char16_t *>(text.data());
+    char16_t *out = start;
+    const auto *in = reinterpret_cast<const uchar *>(bytes.data());
+    const uchar *const end = in + bytes.size();
+    while (in < end) {
+        if (end - in >= kBlock) {
+            widenBlock(in, out);
+            const qsizetype ascii = leadingAscii(in);
+            in += ascii;
+            out += ascii;
+            if (ascii == kBlock)
+                continue;
+        } else if (*in < 0x80) {
+            *out++ = *in++;
+            continue;
+        }
+        if (!decodeUtf8Character(in, end, out))
             return std::nullopt;
     }
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    QString text = decoder.decode(bytes);
-    if (decoder.hasError())
-        return std::nullopt;
+    text.truncate(out - start);
     return text;
 }
 
@@ -158,40 +236,31 @@ const std::array<char16_t, 256> &tableOf(TextEncoding encoding)
     }
 }
 
-// Bytes below 0x80 are ASCII in every table: blocks of 16 such bytes are
-// widened as they are, which the compiler vectorises; only blocks holding
-// another byte are looked up.
-std::optional<QString> decodedByTable(const QByteArray &bytes, TextEncoding encoding)
+// Each byte stays where it is, so a block is widened whole and then only
+// its bytes of 0x80 or above are looked up.
+std::optional<QString> decodedByTable(QByteArrayView bytes, TextEncoding encoding)
 {
-    constexpr qsizetype kBlock = 16;
-    constexpr quint64 kHighBits = 0x8080808080808080ull;
     const std::array<char16_t, 256> &table = tableOf(encoding);
-    const auto *in = reinterpret_cast<const unsigned char *>(bytes.constData());
-    const qsizetype size = bytes.size();
-    QString text(size, Qt::Uninitialized);
-    char16_t *out = reinterpret_cast<char16_t *>(text.data());
-    bool unmapped = false;
-    const auto lookUp = [&](qsizetype from, qsizetype to) {
-        for (qsizetype i = from; i < to; ++i) {
-            out[i] = table[in[i]];
-            unmapped |= out[i] == kUnmapped;
-        }
+    QString text(bytes.size(), Qt::Uninitialized);
+    char16_t *const out = reinterpret_cast<char16_t *>(text.data());
+    const auto *in = reinterpret_cast<const uchar *>(bytes.data());
+    const auto lookUp = [&](qsizetype i) {
+        out[i] = table[in[i]];
+        return out[i] != kUnmapped;
     };
     qsizetype i = 0;
-    for (; i + kBlock <= size; i += kBlock) {
-        quint64 first, second;
-        std::memcpy(&first, in + i, sizeof first);
-        std::memcpy(&second, in + i + sizeof first, sizeof second);
-        if (((first | second) & kHighBits) == 0) {
-            for (qsizetype k = 0; k < kBlock; ++k)
-                out[i + k] = in[i + k];
-        } else {
-            lookUp(i, i + kBlock);
-        }
+    for (; bytes.size() - i >= kBlock; i += kBlock) {
+        widenBlock(in + i, out + i);
+        bool mapped = true;
+        for (qsizetype half = i; half < i + kBlock; half += 8)
+            for (quint64 high = highBitsOf(in + half); high; high &= high - 1)
+                mapped &= lookUp(half + std::countr_zero(high) / 8);
+        if (!mapped)
+            return std::nullopt;
     }
-    lookUp(i, size);
-    if (unmapped)
-        return std::nullopt;
+    for (; i < bytes.size(); ++i)
+        if (!lookUp(i))
+            return std::nullopt;
     return text;
 }
 
