@@ -11,8 +11,8 @@
 #include "shell/shell_hooks.h"
 #include "shell/shell_keys.h"
 #include "store/keys.h"
-#include "store/library_root.h"
 #include "store/library_fixture.h"
+#include "store/library_root.h"
 #include "support/test_environment.h"
 
 #include <QDir>
