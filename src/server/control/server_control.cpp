@@ -1,13 +1,16 @@
 #include "server/control/server_control.h"
 
+#include "foundation/clock.h"
 #include "platform/alerts.h"
 #include "platform/settings.h"
 #include "server/control/server_settings.h"
+#include "server/core/server_clock.h"
 #include "server/core/server_log.h"
 #include "server/webdav/dav_connection.h"
 #include "server/webdav/request_body.h"
 #include "shell/shell_hooks.h"
 #include "store/library_root.h"
+#include "store/log.h"
 
 #include <memory>
 
@@ -115,6 +118,9 @@ void installServerControl()
     hooks.launchServer = [] { launchTavelleServer(); };
     hooks.terminateServer = [] { terminateTavelleServer(); };
     hooks.serverIsRunning = [] { return tavelleServerIsRunning(); };
+    // The engine's lines and nonce ages follow the program's own log and clock.
+    setLogHandler([](const QString &line) { tl::logLine(line); });
+    setClock([] { return tl::clock().monotonicSeconds(); });
 }
 
 void setServerControlOptions(ServerControlOptions options)
