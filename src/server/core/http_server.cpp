@@ -4,16 +4,14 @@
 #include "server/core/serial_queue.h"
 #include "server/core/server_log.h"
 
+#include <algorithm>
 #include <asio/error.hpp>
 #include <asio/ip/tcp.hpp>
 #include <asio/ip/v6_only.hpp>
 #include <asio/steady_timer.hpp>
-
 #include <ifaddrs.h>
 #include <net/if.h>
 #include <netinet/in.h>
-
-#include <algorithm>
 
 namespace server {
 
@@ -78,7 +76,8 @@ std::vector<asio::ip::address> addressesOfInterface(const QString &interface, bo
         } else if (entry->ifa_addr->sa_family == AF_INET6) {
             const auto *in6 = reinterpret_cast<const sockaddr_in6 *>(entry->ifa_addr);
             asio::ip::address_v6::bytes_type bytes;
-            std::copy(std::begin(in6->sin6_addr.s6_addr), std::end(in6->sin6_addr.s6_addr), bytes.begin());
+            std::copy(std::begin(in6->sin6_addr.s6_addr), std::end(in6->sin6_addr.s6_addr),
+                      bytes.begin());
             addresses.push_back(asio::ip::address_v6(bytes, in6->sin6_scope_id));
         }
     }
@@ -89,7 +88,8 @@ std::vector<asio::ip::address> addressesOfInterface(const QString &interface, bo
 } // namespace
 
 HTTPServer::HTTPServer()
-    : m_serverQueue(SerialQueue::create("HTTPServer")), m_connectionQueue(SerialQueue::create("HTTPConnection")),
+    : m_serverQueue(SerialQueue::create("HTTPServer")),
+      m_connectionQueue(SerialQueue::create("HTTPConnection")),
       m_registry(std::make_shared<Registry>())
 {
     setConnectionClass<HTTPConnection>();
@@ -102,6 +102,9 @@ HTTPServer::~HTTPServer()
     m_connectionQueue->sync([] {});
     m_connectionQueue->sync([] {});
     m_serverQueue->sync([this] { m_listeners.clear(); });
+    // A cancelled accept still holds a socket of the connection queue: the
+    // server queue must go first, while the connection queue stands.
+    m_serverQueue.reset();
 }
 
 bool HTTPServer::isAddressInUse(const std::error_code &error)
@@ -169,7 +172,8 @@ bool HTTPServer::start(std::error_code *errorOut)
         }
         if (!listen(error)) {
             m_listeners.clear();
-            logLine(QStringLiteral("HTTPServer: Failed to start HTTP Server: %1").arg(QString::fromStdString(error.message())));
+            logLine(QStringLiteral("HTTPServer: Failed to start HTTP Server: %1")
+                        .arg(QString::fromStdString(error.message())));
             return;
         }
         logLine(QStringLiteral("HTTPServer: Started HTTP server on port %1").arg(listeningPort()));
@@ -190,7 +194,8 @@ bool HTTPServer::start(std::error_code *errorOut)
 void HTTPServer::acceptNext(const std::shared_ptr<Listener> &listener)
 {
     listener->acceptor.async_accept(
-        m_connectionQueue->context(), [this, listener](const std::error_code &error, asio::ip::tcp::socket socket) {
+        m_connectionQueue->context(),
+        [this, listener](const std::error_code &error, asio::ip::tcp::socket socket) {
             if (error == asio::error::operation_aborted || !listener->acceptor.is_open())
                 return;
             if (error) {
@@ -281,16 +286,16 @@ size_t HTTPServer::numberOfHTTPConnections() const
     return m_registry->connections.size();
 }
 
-#define TL_SERVER_PROPERTY(Type, getter, setter, member)                                                             \
-    Type HTTPServer::getter() const                                                                                 \
-    {                                                                                                               \
-        std::lock_guard lock(m_mutex);                                                                              \
-        return member;                                                                                              \
-    }                                                                                                               \
-    void HTTPServer::setter(const Type &value)                                                                      \
-    {                                                                                                               \
-        std::lock_guard lock(m_mutex);                                                                              \
-        member = value;                                                                                             \
+#define TL_SERVER_PROPERTY(Type, getter, setter, member)                                           \
+    Type HTTPServer::getter() const                                                                \
+    {                                                                                              \
+        std::lock_guard lock(m_mutex);                                                             \
+        return member;                                                                             \
+    }                                                                                              \
+    void HTTPServer::setter(const Type &value)                                                     \
+    {                                                                                              \
+        std::lock_guard lock(m_mutex);                                                             \
+        member = value;                                                                            \
     }
 
 TL_SERVER_PROPERTY(QString, interface, setInterface, m_interface)
