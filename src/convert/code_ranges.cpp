@@ -4,13 +4,50 @@
 
 namespace tl::convert {
 
+namespace {
+
+bool isFenceCharacter(QChar c)
+{
+    return c == u'~' || c == u'|' || c == u'`';
+}
+
+// The matches of the block expression, as its search walks them. A match
+// begins one to four characters before a run of three fence characters
+// ("[\A\n]" and at most three blanks), so only those places are tried:
+// ICU's own search would try every line start and every "A".
+QList<RegexMatch> fencedBlocks(const QString &text, const Regex &blocks)
+{
+    QList<RegexMatch> matches;
+    qsizetype tried = 0; // places before this have been tried or skipped
+    for (qsizetype run = 1; run + 2 < text.size(); ++run) {
+        // No run starts here, nor at the next two places, without the third.
+        if (!isFenceCharacter(text[run + 2])) {
+            run += 2;
+            continue;
+        }
+        if (!isFenceCharacter(text[run]) || !isFenceCharacter(text[run + 1]))
+            continue;
+        for (qsizetype at = std::max(tried, run - 4); at < run; ++at) {
+            if (const std::optional<RegexMatch> match = blocks.matchAt(text, at)) {
+                matches.append(*match);
+                run = match->end();
+                break;
+            }
+        }
+        tried = std::max(tried, run);
+    }
+    return matches;
+}
+
+} // namespace
+
 QList<RegexMatch> tl_rangesOfFencedCodeBlocks(const QString &text)
 {
     // "[\A\n]" is kept as ICU reads it.
     static const Regex blocks(QStringLiteral(R"([\A\n]\s{0,3}([~|`]{3,})[^~`].*?\n\s{0,3}\1)"),
                               RegexOption::DotMatchesNewline);
     static const Regex spans(QStringLiteral("`.+?`"), RegexOption::AnchorsMatchLines);
-    QList<RegexMatch> ranges = blocks.allMatches(text);
+    QList<RegexMatch> ranges = fencedBlocks(text, blocks);
     ranges.append(spans.allMatches(text));
     return ranges;
 }

@@ -3,6 +3,7 @@
 #include "foundation/regex.h"
 
 #include <QStringList>
+#include <QStringMatcher>
 
 namespace tl::convert {
 
@@ -58,17 +59,23 @@ QString withContentsAtMarkers(const QString &html, const QString &list)
     static const Regex contentsMarker(QStringLiteral(R"(<p>\s*\{\{TOC\}\})"));
     static const Regex contentsParagraph(QStringLiteral(R"(<p>\s*\{\{TOC\}\}.*?</p>)"));
     static const Regex levelsParagraph(QStringLiteral(R"(<p>\s*\{\{TOC:(.{1,3})\}\}.*?</p>)"));
+    // Both markers are written with braces; a page without them is spared
+    // the expressions.
+    static const QStringMatcher braces(u"{{TOC");
     if (list.isEmpty())
         return html;
 
     QString result = html;
     const QString block = contentsBlock(list);
-    if (result.contains(QStringLiteral("<p><TOC><")) || contentsMarker.isMatch(result)) {
+    if (result.contains(QStringLiteral("<p><TOC><")) ||
+        (braces.indexIn(result) >= 0 && contentsMarker.isMatch(result))) {
         result.replace(QStringLiteral("<p><TOC></p>"), block);
         result.replace(QStringLiteral("<p><TOC>"), block);
         result = contentsParagraph.replaceMatches(
             result, [&](const RegexMatch &, QStringView) { return std::optional(block); });
     }
+    if (braces.indexIn(result) < 0)
+        return result;
     return levelsParagraph.replaceMatches(
         result, [&](const RegexMatch &match, QStringView text) -> std::optional<QString> {
             const std::optional<LevelRange> levels = levelRange(match.captured(text, 1));

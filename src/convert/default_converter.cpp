@@ -14,6 +14,7 @@
 #include "store/text_encoding.h"
 
 #include <QFile>
+#include <QStringMatcher>
 #include <QUuid>
 #include <cerrno>
 #include <cstdio>
@@ -37,7 +38,7 @@ discount::Flags flagsFor(const QString &markdown)
                           Flag::DLDiscount, Flag::IdAnchor,      Flag::NoStyle};
     if (!setting(keys::UseSmartyPants))
         flags.set(Flag::NoPants);
-    if (formula.isMatch(markdown)) {
+    if (markdown.contains(u'$') && formula.isMatch(markdown)) {
         // "a^b" would break the formulas MathJax typesets.
         flags.set(Flag::NoSuperscript);
         logLine(QStringLiteral("contains MATHJAX > disable superscript"));
@@ -74,9 +75,9 @@ QString withoutCheckboxParagraphs(const QString &html)
         QStringLiteral(R"re(<li class="(tl_checkbox.*?)"><p>(.*?)</p></li>)re"),
         RegexOption::DotMatchesNewline);
     static const Regex blank(QStringLiteral(R"re((<li class="tl_checkbox.*?>) )re"));
-    static const QString start = QStringLiteral("<li class=\"tl_checkbox");
-    static const QString opening = QStringLiteral("\"><p>");
-    static const QString closing = QStringLiteral("</p></li>");
+    static const QStringMatcher start(u"<li class=\"tl_checkbox");
+    static const QStringMatcher opening(u"\"><p>");
+    static const QStringMatcher closing(u"</p></li>");
     // The expression's lazy runs cross elements, so an attempt that fails
     // would read on to the end of the page, for every task item. A match
     // that starts at an item ends at the first closing behind the first
@@ -86,16 +87,19 @@ QString withoutCheckboxParagraphs(const QString &html)
     qsizetype copied = 0;
     qsizetype open = -1;
     qsizetype close = -1;
-    for (qsizetype at = html.indexOf(start); at >= 0; at = html.indexOf(start, at + 1)) {
+    const qsizetype startLength = start.pattern().size();
+    const qsizetype openingLength = opening.pattern().size();
+    for (qsizetype at = start.indexIn(html); at >= 0; at = start.indexIn(html, at + 1)) {
         if (at < copied)
             continue;
-        if (open < at + start.size())
-            open = html.indexOf(opening, at + start.size());
-        if (open >= 0 && close < open + opening.size())
-            close = html.indexOf(closing, open + opening.size());
+        if (open < at + startLength)
+            open = opening.indexIn(html, at + startLength);
+        if (open >= 0 && close < open + openingLength)
+            close = closing.indexIn(html, open + openingLength);
         if (open < 0 || close < 0)
             break;
-        const QStringView stretch = QStringView(html).sliced(at, close + closing.size() - at);
+        const QStringView stretch =
+            QStringView(html).sliced(at, close + closing.pattern().size() - at);
         const std::optional<RegexMatch> match = paragraph.match(stretch);
         if (!match || match->start() != 0)
             continue;

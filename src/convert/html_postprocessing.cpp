@@ -10,8 +10,75 @@
 
 #include <QFileInfo>
 #include <QSet>
+#include <QStringMatcher>
 
 namespace tl::convert {
+
+namespace {
+
+// The matches of `<li>((?!<\/li>).)*?(<ol>)`. One starts at an item whose
+// first "<ol>" comes before its first "</li>"; only there is ICU asked, since
+// a failing attempt reads the whole item a character at a time.
+QList<RegexMatch> itemsHoldingLists(const QString &html, const Regex &regex)
+{
+    static const QStringMatcher item(u"<li>");
+    static const QStringMatcher list(u"<ol>");
+    static const QStringMatcher itemEnd(u"</li>");
+    QList<RegexMatch> matches;
+    // The first "<ol>" and "</li>" at or after the item's content, found
+    // again only once passed; -1 when there is none further on.
+    qsizetype open = 0;
+    qsizetype close = 0;
+    for (qsizetype at = item.indexIn(html); at >= 0; at = item.indexIn(html, at + 1)) {
+        const qsizetype content = at + item.pattern().size();
+        if (open < content)
+            open = list.indexIn(html, content);
+        if (open < 0)
+            break;
+        if (close >= 0 && close < content)
+            close = itemEnd.indexIn(html, content);
+        if (close >= 0 && close < open)
+            continue;
+        if (const std::optional<RegexMatch> match = regex.matchAt(html, at)) {
+            matches.append(*match);
+            at = match->end() - 1;
+        }
+    }
+    return matches;
+}
+
+// The matches of `<[^>]*? id="(.*?)"`. The attribute of a match is the first
+// ` id="` behind its "<" with no ">" between, so a match starts at the first
+// "<" behind the last ">" in front of an attribute; only there is ICU asked,
+// since it would otherwise read every tag of the page.
+QList<RegexMatch> elementsWithIds(const QString &html, const Regex &regex)
+{
+    static const QStringMatcher attribute(u" id=\"");
+    QList<RegexMatch> matches;
+    qsizetype searched = 0; // where the next match may start
+    qsizetype scanned = 0;  // where the look for "<" and ">" goes on
+    qsizetype tag = -1;     // the first "<" since the last ">", from `searched` on
+    for (qsizetype at = attribute.indexIn(html, 1); at >= 0; at = attribute.indexIn(html, at + 1)) {
+        for (; scanned < at; ++scanned) {
+            if (html[scanned] == u'>')
+                tag = -1;
+            else if (html[scanned] == u'<' && tag < 0)
+                tag = scanned;
+        }
+        if (tag < 0)
+            continue;
+        if (const std::optional<RegexMatch> match = regex.matchAt(html, tag)) {
+            matches.append(*match);
+            searched = match->end();
+            scanned = std::max(scanned, searched);
+            tag = -1;
+            at = std::max(at, searched - 1);
+        }
+    }
+    return matches;
+}
+
+} // namespace
 
 QString withOrderedSubListsClosed(const QString &html)
 {
@@ -19,8 +86,9 @@ QString withOrderedSubListsClosed(const QString &html)
                                        RegexOption::DotMatchesNewline);
     if (!html.contains(QStringLiteral("<ol>")))
         return html;
-    return itemHoldingList.replaceMatches(
-        html, [](const RegexMatch &m, QStringView text) -> std::optional<QString> {
+    return Regex::editMatches(
+        html, itemsHoldingLists(html, itemHoldingList),
+        [](const RegexMatch &m, QStringView text) -> std::optional<QString> {
             return withGroupsReplaced(m, text, {{2, QStringLiteral("</li><ol>")}});
         });
 }
@@ -32,23 +100,23 @@ QString withUniqueIds(const QString &html)
     QSet<QString> seen;
     // The editor runs from the last match to the first: the last element
     // keeps its id.
-    return id.replaceMatches(html,
-                             [&](const RegexMatch &m, QStringView text) -> std::optional<QString> {
-                                 QString value = m.capturedString(text, 1);
-                                 std::optional<QString> edited;
-                                 if (!value.isEmpty() && seen.contains(value)) {
-                                     QString candidate;
-                                     for (qulonglong n = 1;; ++n) {
-                                         candidate = value + QStringLiteral("-%1").arg(n);
-                                         if (!seen.contains(candidate))
-                                             break;
-                                     }
-                                     value = candidate;
-                                     edited = withGroupsReplaced(m, text, {{1, value}});
-                                 }
-                                 seen.insert(value);
-                                 return edited;
-                             });
+    return Regex::editMatches(html, elementsWithIds(html, id),
+                              [&](const RegexMatch &m, QStringView text) -> std::optional<QString> {
+                                  QString value = m.capturedString(text, 1);
+                                  std::optional<QString> edited;
+                                  if (!value.isEmpty() && seen.contains(value)) {
+                                      QString candidate;
+                                      for (qulonglong n = 1;; ++n) {
+                                          candidate = value + QStringLiteral("-%1").arg(n);
+                                          if (!seen.contains(candidate))
+                                              break;
+                                      }
+                                      value = candidate;
+                                      edited = withGroupsReplaced(m, text, {{1, value}});
+                                  }
+                                  seen.insert(value);
+                                  return edited;
+                              });
 }
 
 QString withLinksOnHeadings(const QString &html)

@@ -28,8 +28,10 @@ bool isHyphenRule(QStringView line)
 QString tl_makeEveryNewlineaLinebreak(const QString &text)
 {
     QString unified = text;
-    unified.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    unified.replace(u'\r', u'\n');
+    if (unified.contains(u'\r')) {
+        unified.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+        unified.replace(u'\r', u'\n');
+    }
 
     QString result;
     result.reserve(unified.size() + unified.size() / 8);

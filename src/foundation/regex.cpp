@@ -1,5 +1,6 @@
 #include "foundation/regex.h"
 
+#include <QStringMatcher>
 #include <climits>
 #include <mutex>
 #include <spdlog/spdlog.h>
@@ -20,6 +21,10 @@ struct Regex::Compiled
     // The most UTF-16 units a match attempt can read from its start, when the
     // pattern bounds it (see ReachReader); -1 when it does not.
     qsizetype reach = -1;
+    // Literal text every match begins with (see PrefixReader); empty when the
+    // pattern promises none. Searched with its skip table made once.
+    QString prefix;
+    QStringMatcher prefixMatcher;
 
     // Matchers are costly to make and not shareable between threads: each call
     // borrows an idle one or makes its own.
@@ -42,7 +47,7 @@ const icu::UnicodeString &emptyText()
 class Search
 {
 public:
-    Search(const Regex::Compiled *c, QStringView text) : c(c)
+    Search(const Regex::Compiled *c, QStringView text) : c(c), text(text)
     {
         if (!c || !c->icu)
             return;
@@ -90,8 +95,19 @@ public:
     {
         if (!m)
             return false;
+        if (!c->prefix.isEmpty())
+            return findFromPrefix(from >= 0 ? from : next);
         UErrorCode status = U_ZERO_ERROR;
         const bool found = from >= 0 ? m->find(int64_t(from), status) : m->find(status);
+        return checked(found, status);
+    }
+    // A match that begins exactly at `at`.
+    bool lookingAt(qsizetype at)
+    {
+        if (!m)
+            return false;
+        UErrorCode status = U_ZERO_ERROR;
+        const bool found = m->lookingAt(int64_t(at), status);
         return checked(found, status);
     }
     bool matchesEntirely()
@@ -119,6 +135,61 @@ public:
     }
 
 private:
+    // ICU tries a match at every position that can begin one, which for a
+    // pattern like "<li class=..." is every "<" of a page. Only where the
+    // prefix stands can a match begin, so the attempts go there alone; an
+    // attempt at one position is what find() makes at each, and the walk
+    // is left to right as find()'s, so the matches are the same. A match
+    // holds the prefix, so it is never empty and the next search starts at
+    // its end.
+    bool findFromPrefix(qsizetype from)
+    {
+        for (qsizetype at = candidate(from); at >= 0; at = candidate(at + 1)) {
+            UErrorCode status = U_ZERO_ERROR;
+            const bool found = m->lookingAt(int64_t(at), status);
+            if (U_FAILURE(status))
+                return checked(found, status);
+            if (found) {
+                next = m->end(status);
+                return true;
+            }
+        }
+        return false;
+    }
+
+    // The first position at or after `from` where the prefix may stand.
+    qsizetype candidate(qsizetype from) const
+    {
+        const QString &prefix = c->prefix;
+        if (from > text.size())
+            return -1;
+        if (!(c->options & RegexOption::CaseInsensitive)) {
+            return prefix.size() == 1 ? text.indexOf(prefix.front(), from)
+                                      : c->prefixMatcher.indexIn(text, from);
+        }
+        // The prefix begins with a character that only matches itself (see
+        // PrefixReader); the rest is compared by ASCII case. Any other
+        // character may fold into several, so it ends the comparison with a
+        // possible match.
+        for (qsizetype at = text.indexOf(prefix.front(), from); at >= 0;
+             at = text.indexOf(prefix.front(), at + 1)) {
+            bool possible = true;
+            for (qsizetype k = 1; k < prefix.size() && possible; ++k) {
+                if (at + k >= text.size()) {
+                    possible = false;
+                    break;
+                }
+                const QChar t = text[at + k];
+                if (t.unicode() > 0x7f)
+                    break;
+                possible = t.toLower() == prefix[k].toLower();
+            }
+            if (possible)
+                return at;
+        }
+        return -1;
+    }
+
     bool checked(bool found, UErrorCode status)
     {
         if (U_FAILURE(status)) {
@@ -131,6 +202,8 @@ private:
     }
 
     const Regex::Compiled *c;
+    QStringView text;
+    qsizetype next = 0; // where the search after the last match starts
     std::unique_ptr<icu::RegexMatcher> m;
     icu::UnicodeString alias;
 };
@@ -480,6 +553,200 @@ private:
     qsizetype i = 0;
 };
 
+// A conservative reading of a pattern for the literal text that every match
+// begins with. Zero-width openings ("^", lookaround) are stepped over; then
+// literal characters (plain ASCII or escaped punctuation, \n, \t) are taken,
+// through groups that occur exactly once and hold no alternation, until
+// anything else. A character repeated at least n times gives n copies and
+// ends the prefix. Alternation at the top level, \G (which depends on the
+// previous match) and \Q quoting give no prefix at all. Case-insensitive
+// patterns keep a prefix only when it starts with a character that is no
+// letter, since letters may match folded characters of other lengths.
+class PrefixReader
+{
+public:
+    PrefixReader(QStringView p, bool caseless) : p(p), caseless(caseless) {}
+
+    QString read()
+    {
+        const auto scan = scanGroup(0);
+        if (!scan || scan->alternation || scan->close != p.size())
+            return {};
+        while (i < p.size() && (p[i] == u'^' || isLookaround(i))) {
+            if (p[i] == u'^') {
+                ++i;
+                continue;
+            }
+            const auto inner = scanGroup(i + 1);
+            if (!inner || inner->close >= p.size())
+                return {};
+            i = inner->close + 1;
+            if (i < p.size() && isQuantifier(p[i]))
+                return {};
+        }
+        QString prefix;
+        while (i < p.size() && readPiece(prefix)) {
+        }
+        if (caseless && !prefix.isEmpty() && prefix.front().isLetter())
+            return {};
+        return prefix;
+    }
+
+private:
+    struct GroupScan
+    {
+        qsizetype close; // the ")" that closes the group, or the pattern's end
+        bool alternation;
+    };
+
+    static bool isQuantifier(QChar c) { return c == u'*' || c == u'+' || c == u'?' || c == u'{'; }
+
+    bool isLookaround(qsizetype at) const
+    {
+        const QStringView rest = p.sliced(at);
+        return rest.startsWith(u"(?=") || rest.startsWith(u"(?!") || rest.startsWith(u"(?<=") ||
+               rest.startsWith(u"(?<!");
+    }
+
+    // From inside a group at `at` to its closing ")": whether it holds "|"
+    // outside nested groups and sets. Nothing for a pattern this reading
+    // does not follow.
+    std::optional<GroupScan> scanGroup(qsizetype at) const
+    {
+        int depth = 0;
+        bool alternation = false;
+        for (qsizetype k = at; k < p.size(); ++k) {
+            const QChar c = p[k];
+            if (c == u'\\') {
+                if (k + 1 < p.size() && (p[k + 1] == u'G' || p[k + 1] == u'Q'))
+                    return std::nullopt;
+                ++k;
+            } else if (c == u'[') {
+                const auto end = setEnd(k);
+                if (!end)
+                    return std::nullopt;
+                k = *end;
+            } else if (c == u'(') {
+                ++depth;
+            } else if (c == u')') {
+                if (depth == 0)
+                    return GroupScan{k, alternation};
+                --depth;
+            } else if (c == u'|' && depth == 0) {
+                alternation = true;
+            }
+        }
+        return depth == 0 ? std::optional(GroupScan{p.size(), alternation}) : std::nullopt;
+    }
+
+    // The "]" that closes the set opened at `at`. A "]" first in a set is
+    // not followed: nothing.
+    std::optional<qsizetype> setEnd(qsizetype at) const
+    {
+        int depth = 0;
+        for (qsizetype k = at; k < p.size(); ++k) {
+            const QChar c = p[k];
+            if (c == u']' && (p[k - 1] == u'[' || (p[k - 1] == u'^' && p[k - 2] == u'[')))
+                return std::nullopt;
+            if (c == u'\\') {
+                if (k + 1 < p.size() && p[k + 1] == u'Q')
+                    return std::nullopt;
+                ++k;
+            } else if (c == u'[') {
+                ++depth;
+            } else if (c == u']' && --depth == 0) {
+                return k;
+            }
+        }
+        return std::nullopt;
+    }
+
+    // Adds the next piece of the prefix; false where the prefix ends.
+    bool readPiece(QString &prefix)
+    {
+        const QChar c = p[i];
+        if (c == u')') {
+            ++i; // the end of a group entered below
+            return true;
+        }
+        if (c == u'(')
+            return enterGroup();
+        const auto literal = literalAt();
+        if (!literal)
+            return false;
+        if (i >= p.size() || !isQuantifier(p[i])) {
+            prefix.append(*literal);
+            return true;
+        }
+        const auto times = leastRepetitions();
+        if (times)
+            prefix.append(QString(*times, *literal));
+        return false;
+    }
+
+    bool enterGroup()
+    {
+        const QStringView rest = p.sliced(i);
+        qsizetype body = i + 1;
+        if (rest.startsWith(u"(?:")) {
+            body = i + 3;
+        } else if (rest.startsWith(u"(?<") && rest.size() > 3 && rest[3].isLetter()) {
+            body = p.indexOf(u'>', i) + 1;
+        } else if (rest.startsWith(u"(?")) {
+            return false;
+        }
+        const auto scan = scanGroup(body);
+        if (!scan || scan->alternation || scan->close >= p.size() ||
+            (scan->close + 1 < p.size() && isQuantifier(p[scan->close + 1])))
+            return false;
+        i = body;
+        return true;
+    }
+
+    // The character that the literal at i stands for, stepping over it.
+    std::optional<QChar> literalAt()
+    {
+        const QChar c = p[i];
+        if (c == u'\\') {
+            if (i + 1 >= p.size())
+                return std::nullopt;
+            const QChar e = p[i + 1];
+            i += 2;
+            if (e == u'n')
+                return QChar(u'\n');
+            if (e == u't')
+                return QChar(u'\t');
+            if (e.unicode() > 0x20 && e.unicode() < 0x7f && !e.isLetterOrNumber())
+                return e;
+            return std::nullopt;
+        }
+        if (c.unicode() < 0x20 || c.unicode() >= 0x7f || QStringView(u"^$.|?*+()[]{}").contains(c))
+            return std::nullopt;
+        ++i;
+        return c;
+    }
+
+    // The least count of the quantifier at i: 1 for "+", n for "{n...}".
+    std::optional<qsizetype> leastRepetitions() const
+    {
+        if (p[i] == u'+')
+            return 1;
+        if (p[i] != u'{')
+            return std::nullopt;
+        qsizetype k = i + 1;
+        qsizetype n = 0;
+        while (k < p.size() && p[k] >= u'0' && p[k] <= u'9' && n < 1000)
+            n = n * 10 + (p[k++].unicode() - u'0');
+        if (k == i + 1 || k >= p.size() || (p[k] != u',' && p[k] != u'}') || n == 0)
+            return std::nullopt;
+        return n;
+    }
+
+    QStringView p;
+    bool caseless;
+    qsizetype i = 0;
+};
+
 } // namespace
 
 Regex::Regex() = default;
@@ -504,8 +771,10 @@ Regex::Regex(const QString &pattern, RegexOptions options)
         c->groupCount = U_SUCCESS(countStatus) && probe ? probe->groupCount() : 0;
         if (probe)
             c->idle.push_back(std::move(probe));
-        c->reach =
-            ReachReader(pattern, bool(options & RegexOption::CaseInsensitive)).read().value_or(-1);
+        const bool caseless = bool(options & RegexOption::CaseInsensitive);
+        c->reach = ReachReader(pattern, caseless).read().value_or(-1);
+        c->prefix = PrefixReader(pattern, caseless).read();
+        c->prefixMatcher.setPattern(c->prefix);
     }
     d = std::move(c);
 }
@@ -548,6 +817,16 @@ std::optional<RegexMatch> Regex::match(QStringView text, qsizetype from) const
         return std::nullopt;
     Search s(d.get(), text);
     if (!s.find(from))
+        return std::nullopt;
+    return s.current();
+}
+
+std::optional<RegexMatch> Regex::matchAt(QStringView text, qsizetype at) const
+{
+    if (at < 0 || at > text.size())
+        return std::nullopt;
+    Search s(d.get(), text);
+    if (!s.lookingAt(at))
         return std::nullopt;
     return s.current();
 }
@@ -638,7 +917,12 @@ QString Regex::replaceFirst(const QString &text, const QString &templ) const
 
 QString Regex::replaceMatches(const QString &text, const MatchEditor &editor) const
 {
-    const QList<RegexMatch> matches = allMatches(text);
+    return editMatches(text, allMatches(text), editor);
+}
+
+QString Regex::editMatches(const QString &text, const QList<RegexMatch> &matches,
+                           const MatchEditor &editor)
+{
     if (matches.isEmpty())
         return text;
     std::vector<std::optional<QString>> replacements(matches.size());

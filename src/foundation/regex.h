@@ -87,6 +87,8 @@ public:
     // First match at or after `from` (lookbehind and \b still see the text
     // before `from`).
     std::optional<RegexMatch> match(QStringView text, qsizetype from = 0) const;
+    // A match that begins exactly at `at`, as find() tries one there.
+    std::optional<RegexMatch> matchAt(QStringView text, qsizetype at) const;
     bool isMatch(QStringView text) const;         // a match anywhere
     bool matchesEntirely(QStringView text) const; // the whole text matches
     // All matches, first to last, as ICU's find() walks them (an empty match
@@ -109,6 +111,9 @@ public:
     // place in that order gives: earlier ranges stay valid because matches
     // never overlap. Built in one pass, linear in the size of the text.
     QString replaceMatches(const QString &text, const MatchEditor &editor) const;
+    // The same edit of matches found otherwise: in order, not overlapping.
+    static QString editMatches(const QString &text, const QList<RegexMatch> &matches,
+                               const MatchEditor &editor);
 
     // "As long as a match is found": replaces the first match, then searches
     // again from the beginning of the changed text, until nothing matches. A

@@ -1,6 +1,7 @@
 // The edits that the spec-like loops make "from the last match to the
 // first, in place" are made in one linear pass; these tests run the literal
 // loops on generated input and compare.
+#include "convert/code_ranges.h"
 #include "convert/html_postprocessing.h"
 #include "convert/markdown_preparation.h"
 #include "convert_test_support.h"
@@ -36,9 +37,12 @@ QString randomPiece(QRandomGenerator &random, const QStringList &pieces, int cou
 TEST(LoopForms, UniqueIdsAsTheLiteralLoopNumbersThem)
 {
     const Regex id(QStringLiteral(R"re(<[^>]*? id="(.*?)")re"), RegexOption::DotMatchesNewline);
-    const QStringList pieces = {
-        "<h1 id=\"a\">A</h1>\n", "<h2 id=\"a-1\">B</h2>\n", "<p>x</p>\n",
-        "<li id=\"b\">c</li>\n", "<div id=\"\">e</div>\n",  "<h3 id=\"a\">\nA</h3>\n"};
+    const QStringList pieces = {"<h1 id=\"a\">A</h1>\n", "<h2 id=\"a-1\">B</h2>\n", "<p>x</p>\n",
+                                "<li id=\"b\">c</li>\n", "<div id=\"\">e</div>\n",
+                                "<h3 id=\"a\">\nA</h3>\n",
+                                // Attributes outside tags, tags within tags, ids that run on.
+                                " id=\"c\" ", "<a <b id=\"a\">", "> id=\"a\"",
+                                "<p title=\">\" id=\"b\">", "<i id=\"x id=\"y\">", "<"};
     QRandomGenerator random(7);
     for (int round = 0; round < 200; ++round) {
         const QString html = randomPiece(random, pieces, int(random.bounded(1, 30)));
@@ -58,6 +62,43 @@ TEST(LoopForms, UniqueIdsAsTheLiteralLoopNumbersThem)
             seen.insert(value);
         });
         ASSERT_EQ(tl::convert::withUniqueIds(html), expected) << html;
+    }
+}
+
+TEST(LoopForms, OrderedSubListsCloseAsTheLiteralLoopClosesThem)
+{
+    const Regex itemHoldingList(QStringLiteral(R"(<li>((?!<\/li>).)*?(<ol>))"),
+                                RegexOption::DotMatchesNewline);
+    const QStringList pieces = {"<li>", "</li>", "<ol>", "</ol>", "x", "\n", "<li>a<ol>", "</l"};
+    QRandomGenerator random(5);
+    for (int round = 0; round < 300; ++round) {
+        const QString html = randomPiece(random, pieces, int(random.bounded(1, 25)));
+        const QString expected =
+            literalLoop(html, itemHoldingList, [](QString &text, const RegexMatch &m) {
+                text.replace(m.groupStart(2), m.groupLength(2), QStringLiteral("</li><ol>"));
+            });
+        ASSERT_EQ(tl::convert::withOrderedSubListsClosed(html), expected) << html;
+    }
+}
+
+TEST(LoopForms, CodeRangesAreTheMatchesOfBothExpressions)
+{
+    const Regex blocks(QStringLiteral(R"([\A\n]\s{0,3}([~|`]{3,})[^~`].*?\n\s{0,3}\1)"),
+                       RegexOption::DotMatchesNewline);
+    const Regex spans(QStringLiteral("`.+?`"), RegexOption::AnchorsMatchLines);
+    const QStringList pieces = {"```", "~~~", "|||", "`",   "~",   "|",    "\n", "  ",
+                                "\t",  "A",   "x",   "``~", " \n", "````", "c"};
+    QRandomGenerator random(3);
+    for (int round = 0; round < 500; ++round) {
+        const QString text = randomPiece(random, pieces, int(random.bounded(1, 40)));
+        const QList<RegexMatch> expected = blocks.allMatches(text) + spans.allMatches(text);
+        const QList<RegexMatch> ranges = tl::convert::tl_rangesOfFencedCodeBlocks(text);
+        ASSERT_EQ(ranges.size(), expected.size()) << text;
+        for (qsizetype i = 0; i < ranges.size(); ++i) {
+            ASSERT_EQ(ranges[i].start(), expected[i].start()) << text;
+            ASSERT_EQ(ranges[i].end(), expected[i].end()) << text;
+            ASSERT_EQ(ranges[i].groupStart(1), expected[i].groupStart(1)) << text;
+        }
     }
 }
 

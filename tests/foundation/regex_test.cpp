@@ -34,6 +34,41 @@ QString icuReplaceAll(const QString &pattern, const QString &text, const QString
     return QString(reinterpret_cast<const QChar *>(out.getBuffer()), out.length());
 }
 
+// ICU's own matcher over `text`, which must outlive it.
+struct IcuSearch
+{
+    IcuSearch(const QString &pattern, RegexOptions options, const QString &text)
+        : input(reinterpret_cast<const UChar *>(text.utf16()), text.size())
+    {
+        uint32_t flags = 0;
+        if (options & Dot)
+            flags |= UREGEX_DOTALL;
+        if (options & Lines)
+            flags |= UREGEX_MULTILINE;
+        if (options & Caseless)
+            flags |= UREGEX_CASE_INSENSITIVE;
+        UParseError where{};
+        compiled.reset(icu::RegexPattern::compile(
+            icu::UnicodeString(reinterpret_cast<const UChar *>(pattern.utf16()), pattern.size()),
+            flags, where, status));
+        matcher.reset(compiled->matcher(input, status));
+    }
+    // Start and end of every group of the current match.
+    std::vector<int32_t> groups()
+    {
+        std::vector<int32_t> all;
+        for (int g = 0; g <= matcher->groupCount(); ++g) {
+            all.push_back(matcher->start(g, status));
+            all.push_back(matcher->end(g, status));
+        }
+        return all;
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    icu::UnicodeString input;
+    std::unique_ptr<icu::RegexPattern> compiled;
+    std::unique_ptr<icu::RegexMatcher> matcher;
+};
+
 } // namespace
 
 struct FindCase
@@ -455,4 +490,81 @@ TEST(Regex, SharedAcrossThreads)
     for (auto &th : threads)
         th.join();
     EXPECT_EQ(failures, std::vector<int>(4, 0));
+}
+
+// Patterns that begin with literal text are searched by that text; the
+// matches must be those of ICU's find() all the same.
+TEST(Regex, PrefixSearchFindsWhatIcuFinds)
+{
+    const QString text = QString::fromUtf16(
+        u"<li>one</li><li>two<ol><li>x</li></ol></li>\n<LI class=\"tl_checkbox\"> a\n"
+        u"[[wiki]] `[[code]]` .[[dot]] [^ note] [^1]: def ==mark== {==no==} a==no==\n"
+        u"```\nfence\n```\n~~~\ntilde\n~~~\n<IMG src=\"a\"> <img  src=\"b\"> <\u0130mg src=\"c\">\n"
+        u"## Title [anchor]\n#no space\n{{PageBreak}}\n{{pagebrea\u212A}}\n<<fnote \"x\">>\n"
+        u"- [ ]\ttask\n- [x] done\n<h1 id=\"a\">T</h1> \uFB00\uFB01 ff fi FFI \U0001F600<li>");
+    struct Case
+    {
+        const char16_t *pattern;
+        RegexOptions options;
+    };
+    const Case cases[] = {
+        {u"<li>((?!<\\/li>).)*?(<ol>)", Dot},
+        {u"(<li class=\"tl_checkbox.*?>) ", None},
+        {u"<li class", Caseless},
+        {u"(?<![`.*|\\\\])(\\[\\[([^\\[\\n]+?)\\]\\])(?!.*`)", Lines},
+        {u"\\[\\^ ?[^\\]]+?\\](?!:)", Dot},
+        {u"(?<![\\w{])(==([^\\n]+?)==)\\W", Dot},
+        {u"\\n(`{3,}?)[a-zA-Z0-9]*\\s*\\n.*?\\n\\1", Dot},
+        {u"\\n(~{3,}?)\\s*\\n.*?\\n\\1", Dot},
+        {u"^#+ ?(.+?)(\\[).+?(\\])([\\s#]*)$", Lines},
+        {u"^\\{\\{pagebreak\\}\\}\\s*$", Caseless | Lines},
+        {u"\\{\\{pagebreak", Caseless},
+        {u"<img .*?src=\"(.*?)\"", Caseless},
+        {u"<<fnote \"([^\"]+?)\">>", Dot},
+        {u"(- \\[.\\])\\s+?", None},
+        {u"<h1.*?>(.+?)</h1>", Lines},
+        {u"ab|<li>", None},    // alternation: no prefix
+        {u"(?:<l|<h)i", None}, // alternation in a group
+        {u"(<li>)?x", None},   // an optional group
+        {u"<l*i", None},       // an optional character
+        {u"(?i)<LI>", None},   // inline flags
+        {u"\\u00e9|x", None},
+        {u"ff", Caseless}, // folds into one character
+        {u" ffi", Caseless},
+        {u"\\Qa|b\\E", None},
+        {u"[]a]", None},
+        {u"\\G<li>", None},
+        {u"`.+?`", Lines},
+    };
+    for (const Case &c : cases) {
+        const QString pattern = QString::fromUtf16(c.pattern);
+        SCOPED_TRACE(pattern.toStdString());
+        const Regex re(pattern, c.options);
+        IcuSearch icu(pattern, c.options, text);
+        std::vector<std::vector<int32_t>> expected;
+        while (icu.matcher->find(icu.status))
+            expected.push_back(icu.groups());
+        const QList<RegexMatch> all = re.allMatches(text);
+        ASSERT_EQ(all.size(), qsizetype(expected.size()));
+        for (qsizetype i = 0; i < all.size(); ++i) {
+            for (int g = 0; g <= all[i].groupCount(); ++g) {
+                EXPECT_EQ(all[i].groupStart(g), expected[i][2 * g]);
+                EXPECT_EQ(all[i].groupEnd(g), expected[i][2 * g + 1]);
+            }
+        }
+        // From a position, and at a position.
+        for (qsizetype from = 0; from <= text.size(); ++from) {
+            const auto m = re.match(text, from);
+            const bool found = icu.matcher->find(from, icu.status);
+            ASSERT_EQ(m.has_value(), found);
+            if (found) {
+                EXPECT_EQ(m->start(), icu.matcher->start(icu.status));
+            }
+            const auto at = re.matchAt(text, from);
+            ASSERT_EQ(at.has_value(), bool(icu.matcher->lookingAt(from, icu.status)));
+            if (at) {
+                EXPECT_EQ(at->end(), icu.matcher->end(icu.status));
+            }
+        }
+    }
 }
