@@ -39,11 +39,10 @@ std::optional<Source> readSource(const QString &argument)
     const QString path = absolutePath(argument);
     if (!QFileInfo(path).isFile())
         return std::nullopt;
-    const std::optional<QString> text =
-        store::tl_stringWithContentsOfFile(path, store::tl_textEncodingOfFile(path));
-    if (!text)
+    const std::optional<store::DecodedText> file = store::tl_stringWithContentsOfFile(path);
+    if (!file)
         return std::nullopt;
-    return Source{*text, path};
+    return Source{file->text, path};
 }
 
 void describeConverter(QCommandLineParser &parser)

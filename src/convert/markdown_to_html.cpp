@@ -139,9 +139,8 @@ QString tl_markdownToHTML(const QString &receiver)
 {
     if (!QFileInfo(receiver).isFile())
         return markdownToHTMLForDocument(receiver, QString());
-    const std::optional<QString> text =
-        store::tl_stringWithContentsOfFile(receiver, store::tl_textEncodingOfFile(receiver));
-    return markdownToHTMLForDocument(text.value_or(QString()), receiver);
+    const std::optional<store::DecodedText> file = store::tl_stringWithContentsOfFile(receiver);
+    return markdownToHTMLForDocument(file ? file->text : QString(), receiver);
 }
 
 } // namespace tl::convert
