@@ -1,4 +1,4 @@
-// The edits that the spec-like loops make "from the last match to the
+// The edits that the classic loops make "from the last match to the
 // first, in place" are made in one linear pass; these tests run the literal
 // loops on generated input and compare.
 #include "convert/code_ranges.h"
