@@ -6,7 +6,12 @@
 #include "server/webdav/dav_xml.h"
 
 #include <QFile>
+#include <array>
+#include <charconv>
+#include <cstring>
 #include <dirent.h>
+#include <string_view>
+#include <type_traits>
 
 namespace server {
 
@@ -58,107 +63,211 @@ unsigned requestedProperties(const QByteArray &body)
     return mask ? mask : AllProperties;
 }
 
-bool keptInHref(unsigned char byte)
-{
-    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
-           (byte >= '0' && byte <= '9') || (byte && std::strchr("-._~!$'()*,/:;=@", byte));
-}
+// The bytes an href keeps as they are: the unreserved characters and the
+// path's own delimiters; "&" and "+" are escaped too.
+constexpr std::array<bool, 256> kKeptInHref = [] {
+    std::array<bool, 256> kept{};
+    for (int byte = 0; byte < 256; ++byte)
+        kept[byte] = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
+                     (byte >= '0' && byte <= '9');
+    for (const char c : std::string_view("-._~!$'()*,/:;=@"))
+        kept[static_cast<unsigned char>(c)] = true;
+    return kept;
+}();
 
-// Appends a UTF-8 path percent-escaped for an href: everything but the
-// unreserved characters and the path's own delimiters, with "&" and "+"
-// escaped too.
-void appendEscapedHref(QByteArray &out, const QByteArray &path)
+// Writes into room made beforehand in the listing, so that an entry costs
+// one size check rather than one per piece.
+class Cursor
 {
-    static const char hex[] = "0123456789ABCDEF";
-    const qsizetype oldSize = out.size();
-    out.resize(oldSize + path.size() * 3);
-    char *to = out.data() + oldSize;
-    for (const char c : path) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (keptInHref(byte)) {
-            *to++ = c;
-        } else {
-            *to++ = '%';
-            *to++ = hex[byte >> 4];
-            *to++ = hex[byte & 15];
+public:
+    explicit Cursor(char *at) : m_at(at) {}
+    char *end() const { return m_at; }
+
+    Cursor &operator<<(std::string_view text)
+    {
+        std::memcpy(m_at, text.data(), text.size());
+        m_at += text.size();
+        return *this;
+    }
+    Cursor &operator<<(char c)
+    {
+        *m_at++ = c;
+        return *this;
+    }
+
+    // As printf's "%0*lld": zero-padded to width, a minus sign counted in it.
+    template <typename Integer> void number(Integer value, int width = 1)
+    {
+        char digits[24];
+        const char *const last = std::to_chars(digits, digits + sizeof digits, value).ptr;
+        const char *first = digits;
+        if constexpr (std::is_signed_v<Integer>) {
+            if (value < 0) {
+                *this << *first++;
+                --width;
+            }
+        }
+        for (auto pad = width - (last - first); pad > 0; --pad)
+            *this << '0';
+        *this << std::string_view(first, size_t(last - first));
+    }
+
+    // A UTF-8 path percent-escaped for an href; at most three bytes a byte.
+    void escapedHref(QByteArrayView path)
+    {
+        static const char hex[] = "0123456789ABCDEF";
+        for (const char c : path) {
+            const auto byte = static_cast<unsigned char>(c);
+            if (kKeptInHref[byte])
+                *this << c;
+            else
+                *this << '%' << hex[byte >> 4] << hex[byte & 15];
         }
     }
-    out.truncate(to - out.constData());
+
+private:
+    char *m_at;
+};
+
+// A date split into its GMT fields, worked out from the day count rather
+// than with gmtime, which takes a lock and is the costliest part of an entry.
+struct GMTDate
+{
+    long long year;
+    int month; // 1 to 12
+    int day;
+    int weekday; // 0 is Sunday
+    int hour;
+    int minute;
+    int second;
+};
+
+GMTDate gmtDate(time_t date)
+{
+    constexpr long long kSecondsPerDay = 86400;
+    long long days = date / kSecondsPerDay;
+    long long seconds = date % kSecondsPerDay;
+    if (seconds < 0) {
+        seconds += kSecondsPerDay;
+        --days;
+    }
+    // Civil date from a day count, with March as the first month of a
+    // 400-year era so that leap days fall at the end of the year.
+    const long long shifted = days + 719468;
+    const long long era = (shifted >= 0 ? shifted : shifted - 146096) / 146097;
+    const long long dayOfEra = shifted - era * 146097;
+    const long long yearOfEra =
+        (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+    const long long dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+    const long long monthFromMarch = (5 * dayOfYear + 2) / 153;
+    const int month = int(monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9);
+    // 1 January 1970 was a Thursday.
+    const int weekday = int(((days + 4) % 7 + 7) % 7);
+    return {yearOfEra + era * 400 + (month <= 2),
+            month,
+            int(dayOfYear - (153 * monthFromMarch + 2) / 5 + 1),
+            weekday,
+            int(seconds / 3600),
+            int(seconds / 60 % 60),
+            int(seconds % 60)};
 }
 
-const char *const kWeekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-const char *const kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                               "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+void writeTime(Cursor &out, const GMTDate &date)
+{
+    out.number(date.hour, 2);
+    out << ':';
+    out.number(date.minute, 2);
+    out << ':';
+    out.number(date.second, 2);
+}
+
+const std::string_view kWeekdays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+const std::string_view kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                    "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
 // "yyyy-MM-dd'T'HH:mm:ss'+00:00'" in GMT.
-void appendCreationDate(QByteArray &out, time_t date)
+void writeCreationDate(Cursor &out, time_t date)
 {
-    struct tm t;
-    gmtime_r(&date, &t);
-    char text[96];
-    const int length = std::snprintf(
-        text, sizeof text, "<D:creationdate>%04d-%02d-%02dT%02d:%02d:%02d+00:00</D:creationdate>",
-        t.tm_year + 1900, t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec);
-    out.append(text, qsizetype(length));
+    const GMTDate gmt = gmtDate(date);
+    out << "<D:creationdate>";
+    out.number(gmt.year, 4);
+    out << '-';
+    out.number(gmt.month, 2);
+    out << '-';
+    out.number(gmt.day, 2);
+    out << 'T';
+    writeTime(out, gmt);
+    out << "+00:00</D:creationdate>";
 }
 
 // "EEE', 'd' 'MMM' 'yyyy' 'HH:mm:ss' GMT'" in en_US and GMT.
-void appendLastModified(QByteArray &out, time_t date)
+void writeLastModified(Cursor &out, time_t date)
 {
-    struct tm t;
-    gmtime_r(&date, &t);
-    char text[96];
-    const int length =
-        std::snprintf(text, sizeof text,
-                      "<D:getlastmodified>%s, %d %s %04d %02d:%02d:%02d GMT</D:getlastmodified>",
-                      kWeekdays[t.tm_wday], t.tm_mday, kMonths[t.tm_mon], t.tm_year + 1900,
-                      t.tm_hour, t.tm_min, t.tm_sec);
-    out.append(text, qsizetype(length));
+    const GMTDate gmt = gmtDate(date);
+    out << "<D:getlastmodified>" << kWeekdays[gmt.weekday] << ", ";
+    out.number(gmt.day);
+    out << ' ' << kMonths[gmt.month - 1] << ' ';
+    out.number(gmt.year, 4);
+    out << ' ';
+    writeTime(out, gmt);
+    out << " GMT</D:getlastmodified>";
 }
 
-void appendResponse(QByteArray &out, const QByteArray &hrefPath, const DAVItemInfo &item,
-                    unsigned properties)
+// Enough for everything in a response but its href.
+constexpr qsizetype kMostResponseBytes = 512;
+
+// The href is escapedPrefix, already escaped, followed by name escaped here.
+void appendResponse(QByteArray &out, QByteArrayView escapedPrefix, QByteArrayView name,
+                    const DAVItemInfo &item, unsigned properties)
 {
     // A name that is no UTF-8 cannot be escaped as UTF-8, and is left out.
-    if (!hrefPath.isValidUtf8())
+    if (!name.isValidUtf8())
         return;
-    out += "<D:response><D:href>";
-    appendEscapedHref(out, hrefPath);
-    out += "</D:href><D:propstat><D:prop>";
+    const qsizetype oldSize = out.size();
+    out.resize(oldSize + escapedPrefix.size() + name.size() * 3 + kMostResponseBytes);
+    Cursor to(out.data() + oldSize);
+    to << "<D:response><D:href>"
+       << std::string_view(escapedPrefix.data(), size_t(escapedPrefix.size()));
+    to.escapedHref(name);
+    to << "</D:href><D:propstat><D:prop>";
     if (properties & ResourceType)
-        out += item.isDirectory ? "<D:resourcetype><D:collection/></D:resourcetype>"
-                                : "<D:resourcetype/>";
+        to << (item.isDirectory ? "<D:resourcetype><D:collection/></D:resourcetype>"
+                                : "<D:resourcetype/>");
     if ((properties & CreationDate) && item.creationDate)
-        appendCreationDate(out, *item.creationDate);
+        writeCreationDate(to, *item.creationDate);
     if (properties & LastModified)
-        appendLastModified(out, item.modificationDate);
+        writeLastModified(to, item.modificationDate);
     if ((properties & ContentLength) && !item.isDirectory) {
-        out += "<D:getcontentlength>";
-        out += QByteArray::number(quint64(item.size));
-        out += "</D:getcontentlength>";
+        to << "<D:getcontentlength>";
+        to.number(item.size);
+        to << "</D:getcontentlength>";
     }
-    out += "</D:prop><D:status>HTTP/1.1 200 OK</D:status></D:propstat></D:response>\n";
+    to << "</D:prop><D:status>HTTP/1.1 200 OK</D:status></D:propstat></D:response>\n";
+    out.truncate(to.end() - out.constData());
 }
 
 // One response per entry of the folder; a file has no entries.
-void appendEntries(QByteArray &out, const QString &path, QByteArray hrefPath, unsigned properties)
+void appendEntries(QByteArray &out, const QString &path, const QByteArray &hrefPath,
+                   unsigned properties)
 {
+    // Were the folder's own href no UTF-8, none of its entries' would be.
+    if (!hrefPath.isValidUtf8())
+        return;
     DIR *directory = ::opendir(QFile::encodeName(path).constData());
     if (!directory)
         return;
+    QByteArray prefix(hrefPath.size() * 3 + 1, Qt::Uninitialized);
+    Cursor to(prefix.data());
+    to.escapedHref(hrefPath);
     if (!hrefPath.endsWith('/'))
-        hrefPath += '/';
+        to << '/';
+    prefix.truncate(to.end() - prefix.constData());
     const int fd = ::dirfd(directory);
-    const qsizetype prefix = hrefPath.size();
     while (const dirent *entry = ::readdir(directory)) {
         if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0)
             continue;
-        const auto item = davItemInfoAt(fd, entry->d_name);
-        if (!item)
-            continue;
-        hrefPath.truncate(prefix);
-        hrefPath += entry->d_name;
-        appendResponse(out, hrefPath, *item, properties);
+        if (const auto item = davItemInfoAt(fd, entry->d_name))
+            appendResponse(out, prefix, entry->d_name, *item, properties);
     }
     ::closedir(directory);
 }
@@ -180,12 +289,13 @@ bool DAVResponse::propfind(const DAVRequest &request)
     if (!item)
         return false;
 
-    QByteArray xml =
-        "<?xml version=\"1.0\" encoding=\"utf-8\" ?><D:multistatus xmlns:D=\"DAV:\">\n";
+    QByteArray xml;
+    xml.reserve(kInitialReserve);
+    xml += "<?xml version=\"1.0\" encoding=\"utf-8\" ?><D:multistatus xmlns:D=\"DAV:\">\n";
     QByteArray hrefPath = QFile::encodeName(request.resourcePath);
     if (!hrefPath.startsWith('/'))
         hrefPath.prepend('/');
-    appendResponse(xml, hrefPath, *item, properties);
+    appendResponse(xml, {}, hrefPath, *item, properties);
     if (depth == QLatin1String("1"))
         appendEntries(xml, path, hrefPath, properties);
     xml += "</D:multistatus>";
