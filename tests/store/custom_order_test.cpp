@@ -78,14 +78,16 @@ TEST_F(CustomOrder, RenamesAndRemovals)
         SCOPED_TRACE(c.name);
         writePlist(bookProperties(), start);
         const QString &old = c.oldPath;
-        if (!c.newPath.isEmpty())
+        if (!c.newPath.isEmpty()) {
             ASSERT_TRUE(platform::moveItem(old, c.newPath));
+        }
         tl_changeSortOrderToPath(old, c.newPath);
         EXPECT_EQ(list(P::Notes), c.notes);
         EXPECT_EQ(list(P::Books), c.books);
         EXPECT_EQ(list(P::Pinned), c.pinned);
-        if (!c.newPath.isEmpty())
+        if (!c.newPath.isEmpty()) {
             ASSERT_TRUE(platform::moveItem(c.newPath, old));
+        }
     }
 }
 

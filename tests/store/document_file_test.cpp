@@ -123,8 +123,9 @@ TEST_F(DocumentWriting, AtomicWriteKeepsModeAndAttributesAndDatesNow)
     struct stat st;
     ASSERT_EQ(::stat(QFile::encodeName(file).constData(), &st), 0);
     EXPECT_EQ(st.st_mode & 07777, 0640u);
-    if (attributes)
+    if (attributes) {
         EXPECT_EQ(platform::readAttribute(file, "com.tavelle.app.test"), "kept");
+    }
     EXPECT_GT(platform::modificationDate(file), oldDate());
 }
 
@@ -134,8 +135,9 @@ TEST_F(DocumentWriting, InPlaceWriteKeepsTheFile)
     const bool attributes = platform::writeAttribute(file, "com.tavelle.app.test", "kept");
     ASSERT_TRUE(tl_writeToFile(u"new"_qs, file, false, E::UTF8));
     EXPECT_EQ(tltest::readFile(file), "new");
-    if (attributes)
+    if (attributes) {
         EXPECT_EQ(platform::readAttribute(file, "com.tavelle.app.test"), "kept");
+    }
 }
 
 TEST_F(DocumentWriting, AnUnencodableTextIsReportedAndWritesNothing)

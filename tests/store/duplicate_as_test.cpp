@@ -82,8 +82,9 @@ TEST_F(DuplicateAs, Plaintext)
         SCOPED_TRACE(c.source);
         const QString made = tl_duplicateItemAsPlaintext(doc(c.source, c.text));
         EXPECT_EQ(made, c.expected.isEmpty() ? QString() : book(c.expected));
-        if (!made.isEmpty())
+        if (!made.isEmpty()) {
             EXPECT_EQ(tltest::readFile(made), c.content);
+        }
     }
     EXPECT_EQ(readPlist(book("Note.txt.plist")).value(P::Description), "Note.md");
 }

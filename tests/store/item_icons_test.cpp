@@ -11,15 +11,17 @@
 #include <zip.h>
 
 namespace tl::store {
-namespace {
 
-namespace P = keys::property;
-using Kind = ItemIcon::Kind;
-
+// Found by the test framework next to the type, for readable failures.
 void PrintTo(const ItemIcon &icon, std::ostream *os)
 {
     *os << int(icon.kind) << ' ' << icon.value.toStdString();
 }
+
+namespace {
+
+namespace P = keys::property;
+using Kind = ItemIcon::Kind;
 
 QByteArray pngOf(const QSize &size, QColor colour)
 {
