@@ -4,6 +4,7 @@
 #include "browser/document_list.h"
 #include "browser/outline_item.h"
 #include "foundation/plist.h"
+#include "ratio_reporter.h"
 #include "store/library_root.h"
 
 #include <QCoreApplication>
@@ -147,18 +148,6 @@ BENCHMARK(BM_Outline)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
-class RatioReporter : public benchmark::ConsoleReporter
-{
-public:
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run &run : runs)
-            times[run.benchmark_name()] = run.GetAdjustedRealTime();
-    }
-    std::map<std::string, double> times;
-};
-
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
@@ -166,11 +155,8 @@ int main(int argc, char **argv)
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
-    const auto ratio = [&](const char *name, const char *floor, const char *label) {
-        const double f = reporter.times[floor], t = reporter.times[name];
-        if (f > 0 && t > 0)
-            std::printf("%s / plain walk: %.2fx (target: at most 1.5x)\n", label, t / f);
-    };
-    ratio("BM_DocumentList", "BM_ListFloor", "document list of 10,000 documents");
-    ratio("BM_Outline", "BM_OutlineFloor", "outline of 5,000 books");
+    reporter.printRatio("BM_DocumentList", "BM_ListFloor", "document list of 10,000 documents",
+                        "plain walk", 1.5);
+    reporter.printRatio("BM_Outline", "BM_OutlineFloor", "outline of 5,000 books", "plain walk",
+                        1.5);
 }

@@ -9,7 +9,6 @@
 #include "server/core/server_log.h"
 
 #include <QString>
-
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -37,7 +36,8 @@ int main(int argc, char **argv)
     sigaddset(&stopSignals, SIGTERM);
     pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr); // the server's threads inherit the mask
 
-    server::setLogHandler([](const QString &line) { std::fprintf(stderr, "%s\n", qPrintable(line)); });
+    server::setLogHandler(
+        [](const QString &line) { std::fprintf(stderr, "%s\n", qPrintable(line)); });
     server::HTTPServer httpServer;
     httpServer.setConnectionClass<OpenConnection>();
     httpServer.setInterface(QStringLiteral("127.0.0.1"));

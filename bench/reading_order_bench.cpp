@@ -2,6 +2,7 @@
 // entry and reads every properties file once. Reported as a ratio.
 #include "foundation/plist.h"
 #include "platform/settings.h"
+#include "ratio_reporter.h"
 #include "store/library_root.h"
 #include "store/reading_order.h"
 
@@ -11,8 +12,6 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
-#include <cstdio>
-#include <map>
 #include <sys/stat.h>
 
 namespace {
@@ -97,19 +96,6 @@ BENCHMARK(BM_ReadingOrderWalk)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
-// Prints the results as usual and then the walk's cost against the floor.
-class RatioReporter : public benchmark::ConsoleReporter
-{
-public:
-    void ReportRuns(const std::vector<Run> &runs) override
-    {
-        ConsoleReporter::ReportRuns(runs);
-        for (const Run &run : runs)
-            times[run.benchmark_name()] = run.GetAdjustedRealTime();
-    }
-    std::map<std::string, double> times;
-};
-
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
@@ -117,9 +103,6 @@ int main(int argc, char **argv)
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
-    const double floor = reporter.times["BM_PlainWalkFloor"];
-    const double walk = reporter.times["BM_ReadingOrderWalk"];
-    if (floor > 0 && walk > 0)
-        std::printf("reading-order walk / plain walk: %.2fx (target: at most 1.5x)\n",
-                    walk / floor);
+    reporter.printRatio("BM_ReadingOrderWalk", "BM_PlainWalkFloor", "reading-order walk",
+                        "plain walk", 1.5);
 }

@@ -1,0 +1,32 @@
+#pragma once
+
+// Prints Google Benchmark's results as usual and keeps each run's time, so a
+// benchmark can state its cost as a ratio to a floor measured in the same run.
+#include <benchmark/benchmark.h>
+#include <cstdio>
+#include <map>
+#include <string>
+
+class RatioReporter : public benchmark::ConsoleReporter
+{
+public:
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run &run : runs)
+            m_times[run.benchmark_name()] = run.GetAdjustedRealTime();
+    }
+
+    // "LABEL / FLOOR_LABEL: R x (target: at most T x)" when both ran.
+    void printRatio(const std::string &name, const std::string &floor, const char *label,
+                    const char *floorLabel, double target)
+    {
+        const double f = m_times[floor], t = m_times[name];
+        if (f > 0 && t > 0)
+            std::printf("%s / %s: %.2fx (target: at most %.1fx)\n", label, floorLabel, t / f,
+                        target);
+    }
+
+private:
+    std::map<std::string, double> m_times;
+};
