@@ -85,7 +85,9 @@ public:
 
     Cursor &operator<<(std::string_view text)
     {
-        std::memcpy(m_at, text.data(), text.size());
+        // An empty view may carry no pointer at all, which memcpy must not see.
+        if (!text.empty())
+            std::memcpy(m_at, text.data(), text.size());
         m_at += text.size();
         return *this;
     }
