@@ -426,10 +426,12 @@ TEST_F(ServerTest, PublicationWithoutDaemonLogsAndGoesOn)
 }
 
 namespace {
+// Shares its records with the test, since the server may withdraw the service
+// again when it is destroyed after the test's own frame is gone.
 struct RecordingPublisher : ServicePublisher
 {
-    std::vector<ServiceDescription> *published;
-    int *withdrawn;
+    std::shared_ptr<std::vector<ServiceDescription>> published;
+    std::shared_ptr<int> withdrawn;
     void publish(const ServiceDescription &service) override { published->push_back(service); }
     void unpublish() override { ++*withdrawn; }
     QString publishedName() const override { return published->empty() ? QString() : published->back().name; }
@@ -438,12 +440,14 @@ struct RecordingPublisher : ServicePublisher
 
 TEST_F(ServerTest, PublishesTypeNamePortAndRecord)
 {
-    std::vector<ServiceDescription> published;
-    int withdrawn = 0;
-    server->setPublisherFactory([&] {
+    const auto publishedRecords = std::make_shared<std::vector<ServiceDescription>>();
+    const auto withdrawals = std::make_shared<int>(0);
+    const std::vector<ServiceDescription> &published = *publishedRecords;
+    const int &withdrawn = *withdrawals;
+    server->setPublisherFactory([publishedRecords, withdrawals] {
         auto p = std::make_unique<RecordingPublisher>();
-        p->published = &published;
-        p->withdrawn = &withdrawn;
+        p->published = publishedRecords;
+        p->withdrawn = withdrawals;
         return p;
     });
     startServer();
