@@ -6,6 +6,7 @@
 #include "foundation/path_string.h"
 #include "platform/file_ops.h"
 #include "platform/settings.h"
+#include "store/custom_order.h"
 #include "store/extensions.h"
 #include "store/keys.h"
 #include "store/plist_file.h"
@@ -30,14 +31,6 @@ QHash<QString, qsizetype> indexByComposedName(const QStringList &list)
     for (qsizetype i = list.size() - 1; i >= 0; --i)
         index.insert(precomposed(list[i]), i);
     return index;
-}
-
-int localizedIndex(const QStringList &list, const QString &name)
-{
-    for (qsizetype i = 0; i < list.size(); ++i)
-        if (localizedCompare(list[i], name) == 0)
-            return int(i);
-    return -1;
 }
 
 QStringList stringList(const QVariant &value)
@@ -217,7 +210,7 @@ ListRow tl_dictionaryForItemAsTask(const QString &itemPath, bool asTask,
     // Lists handed in without their index are searched by the collator.
     const auto indexIn = [&](const QStringList &list, const QHash<QString, qsizetype> &byName) {
         if (byName.isEmpty() && !list.isEmpty())
-            return localizedIndex(list, row.title);
+            return int(tl_localizedIndexOfObject(list, row.title).value_or(-1));
         return int(byName.value(composedTitle, -1));
     };
     long index = -1;

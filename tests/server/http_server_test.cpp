@@ -1,24 +1,20 @@
 // The server over real loopback sockets, with curl as the client.
-#include "server_test_support.h"
-
 #include "server/core/http_server.h"
+#include "server_test_support.h"
 
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-
 #include <arpa/inet.h>
+#include <atomic>
+#include <fstream>
+#include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
-
-#include <atomic>
-#include <fstream>
-
-#include <gtest/gtest.h>
 
 using namespace server;
 using namespace servertest;
@@ -43,7 +39,8 @@ struct CurlResult
 CurlResult curl(const QStringList &arguments)
 {
     QProcess process;
-    process.start(QStringLiteral("curl"), QStringList{"--silent", "--show-error", "--max-time", "60"} + arguments);
+    process.start(QStringLiteral("curl"),
+                  QStringList{"--silent", "--show-error", "--max-time", "60"} + arguments);
     CurlResult result;
     if (!process.waitForFinished(90000)) {
         process.kill();
@@ -60,18 +57,17 @@ CurlResult curl(const QStringList &arguments)
 class RawClient
 {
 public:
-    explicit RawClient(uint16_t port)
+    explicit RawClient(uint16_t port) : m_fd(connectToLoopback(port)) {}
+    ~RawClient()
     {
-        m_fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(port);
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        m_connected = ::connect(m_fd, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0;
+        if (m_fd >= 0)
+            ::close(m_fd);
     }
-    ~RawClient() { ::close(m_fd); }
-    bool connected() const { return m_connected; }
-    void send(const QByteArray &bytes) { (void)::send(m_fd, bytes.constData(), size_t(bytes.size()), MSG_NOSIGNAL); }
+    bool connected() const { return m_fd >= 0; }
+    void send(const QByteArray &bytes)
+    {
+        (void)::send(m_fd, bytes.constData(), size_t(bytes.size()), MSG_NOSIGNAL);
+    }
 
     // The next response, or nothing when the peer closed or five seconds passed.
     std::optional<Response> receive(bool withBody = true)
@@ -111,7 +107,6 @@ private:
     }
 
     int m_fd;
-    bool m_connected = false;
     bool m_closed = false;
     QByteArray m_pending;
 };
@@ -175,7 +170,8 @@ TEST_F(ServerTest, StartsOnAFreePortAndLogs)
     LogCatcher log;
     startServer();
     EXPECT_TRUE(server->isRunning());
-    EXPECT_TRUE(log.contains(QStringLiteral("HTTPServer: Started HTTP server on port %1").arg(server->listeningPort())));
+    EXPECT_TRUE(log.contains(
+        QStringLiteral("HTTPServer: Started HTTP server on port %1").arg(server->listeningPort())));
     server->stop();
     EXPECT_FALSE(server->isRunning());
     EXPECT_EQ(server->listeningPort(), 0);
@@ -184,7 +180,8 @@ TEST_F(ServerTest, StartsOnAFreePortAndLogs)
 TEST_F(ServerTest, CurlWithDigestGetsTheFile)
 {
     startServer();
-    const auto r = curl(digest() + QStringList{"--write-out", "\n%{http_code}", url("/Book/small.txt")});
+    const auto r =
+        curl(digest() + QStringList{"--write-out", "\n%{http_code}", url("/Book/small.txt")});
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     EXPECT_TRUE(r.out == small + "\n200");
 }
@@ -192,10 +189,11 @@ TEST_F(ServerTest, CurlWithDigestGetsTheFile)
 TEST_F(ServerTest, CurlWithWrongPasswordGets401)
 {
     startServer();
-    const auto r = curl(digest("wrong") + QStringList{"--output", "/dev/null", "--write-out", "%{http_code}",
-                                                      url("/Book/small.txt")});
+    const auto r = curl(digest("wrong") + QStringList{"--output", "/dev/null", "--write-out",
+                                                      "%{http_code}", url("/Book/small.txt")});
     EXPECT_EQ(r.out, "401");
-    const auto none = curl({"--output", "/dev/null", "--write-out", "%{http_code}", url("/Book/small.txt")});
+    const auto none =
+        curl({"--output", "/dev/null", "--write-out", "%{http_code}", url("/Book/small.txt")});
     EXPECT_EQ(none.out, "401");
 }
 
@@ -205,7 +203,8 @@ TEST_F(ServerTest, CurlRangesSingleAndMultiple)
     const auto one = curl(digest() + QStringList{"--range", "100-199", url("/Book/small.txt")});
     EXPECT_TRUE(one.out == small.mid(100, 100));
 
-    const auto many = curl(digest() + QStringList{"--range", "0-4,4000-", "--include", url("/Book/small.txt")});
+    const auto many =
+        curl(digest() + QStringList{"--range", "0-4,4000-", "--include", url("/Book/small.txt")});
     QByteArray out = many.out;
     // curl shows the 401 of the challenge too; the last response is the answer.
     std::optional<Response> response;
@@ -216,7 +215,8 @@ TEST_F(ServerTest, CurlRangesSingleAndMultiple)
     EXPECT_TRUE(response->header("Content-Type").startsWith("multipart/byteranges; boundary="));
     EXPECT_EQ(response->header("Content-Length").toLongLong(), response->body.size());
     EXPECT_TRUE(response->body.contains("Content-Range: bytes 0-4/4096\r\n\r\n" + small.left(5)));
-    EXPECT_TRUE(response->body.contains("Content-Range: bytes 4000-4095/4096\r\n\r\n" + small.mid(4000)));
+    EXPECT_TRUE(
+        response->body.contains("Content-Range: bytes 4000-4095/4096\r\n\r\n" + small.mid(4000)));
 }
 
 TEST_F(ServerTest, CurlHeadGetsTheLength)
@@ -236,8 +236,9 @@ TEST_F(ServerTest, CurlHeadGetsTheLength)
 TEST_F(ServerTest, CurlReusesTheConnection)
 {
     startServer();
-    const auto r = curl(digest() + QStringList{"--verbose", "--output", "/dev/null", "--output", "/dev/null",
-                                               url("/Book/small.txt"), url("/Book/small.txt")});
+    const auto r =
+        curl(digest() + QStringList{"--verbose", "--output", "/dev/null", "--output", "/dev/null",
+                                    url("/Book/small.txt"), url("/Book/small.txt")});
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     EXPECT_TRUE(r.err.contains("Re-using existing connection")) << r.err.toStdString();
     EXPECT_EQ(r.err.count("Connected to 127.0.0.1"), 1);
@@ -254,8 +255,9 @@ TEST_F(ServerTest, CurlChunkedUploadIsDecoded)
         ASSERT_TRUE(f.open(QIODevice::WriteOnly));
         f.write(body);
     }
-    const auto r = curl(digest() + QStringList{"--header", "Transfer-Encoding: chunked", "--header", "Expect:",
-                                               "--data-binary", "@" + file, url("/echo")});
+    const auto r =
+        curl(digest() + QStringList{"--header", "Transfer-Encoding: chunked", "--header",
+                                    "Expect:", "--data-binary", "@" + file, url("/echo")});
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     EXPECT_EQ(r.out.size(), body.size());
     EXPECT_TRUE(r.out == body);
@@ -274,7 +276,8 @@ TEST_F(ServerTest, CurlGetsALargeFileThroughTheThreadedResponse)
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     EXPECT_EQ(r.out.size(), big.size());
     EXPECT_TRUE(r.out == big);
-    const auto range = curl(digest() + QStringList{"--range", "16000000-16999999", url("/Book/large.bin")});
+    const auto range =
+        curl(digest() + QStringList{"--range", "16000000-16999999", url("/Book/large.bin")});
     EXPECT_TRUE(range.out == big.mid(16000000, 1000000));
 }
 
@@ -318,7 +321,8 @@ TEST_F(ServerTest, LargeResponseKeepsMemoryBounded)
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
         }
     });
-    const auto r = curl(digest() + QStringList{"--output", "/dev/null", "--write-out", "%{size_download}", url("/Book/huge.bin")});
+    const auto r = curl(digest() + QStringList{"--output", "/dev/null", "--write-out",
+                                               "%{size_download}", url("/Book/huge.bin")});
     running = false;
     sampler.join();
     EXPECT_EQ(r.out, "268435456") << r.err.toStdString();
@@ -334,7 +338,8 @@ TEST_F(ServerTest, AddressInUseIsRecognised)
     LogCatcher log;
     std::error_code error;
     EXPECT_FALSE(second.start(&error));
-    EXPECT_TRUE(HTTPServer::isAddressInUse(error)) << error.message() << " " << error.category().name() << " " << error.value();
+    EXPECT_TRUE(HTTPServer::isAddressInUse(error))
+        << error.message() << " " << error.category().name() << " " << error.value();
     EXPECT_FALSE(second.isRunning());
     EXPECT_TRUE(log.contains("HTTPServer: Failed to start HTTP Server: "));
 }
@@ -345,7 +350,10 @@ TEST_F(ServerTest, LoopbackNameListensOnBothFamilies)
     startServer();
     const auto v4 = curl(digest() + QStringList{url("/Book/small.txt")});
     EXPECT_TRUE(v4.out == small);
-    const auto v6 = curl(digest() + QStringList{"--globoff", QStringLiteral("http://[::1]:%1/Book/small.txt").arg(server->listeningPort())});
+    const auto v6 = curl(
+        digest() +
+        QStringList{"--globoff",
+                    QStringLiteral("http://[::1]:%1/Book/small.txt").arg(server->listeningPort())});
     if (v6.exitCode == 0) {
         EXPECT_TRUE(v6.out == small);
     }
@@ -392,7 +400,8 @@ TEST_F(ServerTest, ConnectionAcceptedBeforeTheCredentialsNeverPasses)
                client.authorization("GET", "/Book/small.txt") + "\r\n\r\n");
     EXPECT_EQ(early.receive()->status, 401);
 
-    const auto later = curl(digest() + QStringList{"--output", "/dev/null", "--write-out", "%{http_code}", url("/Book/small.txt")});
+    const auto later = curl(digest() + QStringList{"--output", "/dev/null", "--write-out",
+                                                   "%{http_code}", url("/Book/small.txt")});
     EXPECT_EQ(later.out, "200");
 }
 
@@ -400,13 +409,15 @@ TEST_F(ServerTest, MalformedInputClosesWithoutHarm)
 {
     startServer();
     RawClient client(server->listeningPort());
-    client.send(QByteArray("\x16\x03\x01\x02\x00\x01\x00\x01\xfc\x03\x03", 11) + QByteArray(300, '\x7f') + "\r\n");
+    client.send(QByteArray("\x16\x03\x01\x02\x00\x01\x00\x01\xfc\x03\x03", 11) +
+                QByteArray(300, '\x7f') + "\r\n");
     const auto r = client.receive();
     ASSERT_TRUE(r);
     EXPECT_EQ(r->status, 400);
     EXPECT_TRUE(client.closedByPeer());
     EXPECT_TRUE(waitFor([&] { return server->numberOfHTTPConnections() == 0; }));
-    const auto after = curl(digest() + QStringList{"--output", "/dev/null", "--write-out", "%{http_code}", url("/Book/small.txt")});
+    const auto after = curl(digest() + QStringList{"--output", "/dev/null", "--write-out",
+                                                   "%{http_code}", url("/Book/small.txt")});
     EXPECT_EQ(after.out, "200");
 }
 
@@ -418,10 +429,13 @@ TEST_F(ServerTest, PublicationWithoutDaemonLogsAndGoesOn)
     startServer();
     EXPECT_TRUE(server->isRunning());
     ASSERT_TRUE(waitFor([&] {
-        return log.contains("Failed to Publish Service: domain(local.) type(_http._tcp.) name(Tavelle) - ") ||
-               log.contains("Bonjour Service Published: domain(local.) type(_http._tcp.) name(Tavelle)");
+        return log.contains("Failed to Publish Service: domain(local.) type(_http._tcp.) "
+                            "name(Tavelle) - ") ||
+               log.contains(
+                   "Bonjour Service Published: domain(local.) type(_http._tcp.) name(Tavelle)");
     })) << log.lines().join("\n").toStdString();
-    const auto r = curl(digest() + QStringList{"--output", "/dev/null", "--write-out", "%{http_code}", url("/Book/small.txt")});
+    const auto r = curl(digest() + QStringList{"--output", "/dev/null", "--write-out",
+                                               "%{http_code}", url("/Book/small.txt")});
     EXPECT_EQ(r.out, "200");
 }
 
@@ -434,7 +448,10 @@ struct RecordingPublisher : ServicePublisher
     std::shared_ptr<int> withdrawn;
     void publish(const ServiceDescription &service) override { published->push_back(service); }
     void unpublish() override { ++*withdrawn; }
-    QString publishedName() const override { return published->empty() ? QString() : published->back().name; }
+    QString publishedName() const override
+    {
+        return published->empty() ? QString() : published->back().name;
+    }
 };
 } // namespace
 

@@ -69,17 +69,13 @@ private:
 class Client
 {
 public:
-    explicit Client(uint16_t port)
+    explicit Client(uint16_t port) : m_fd(connectToLoopback(port)) {}
+    ~Client()
     {
-        m_fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(port);
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        m_connected = ::connect(m_fd, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0;
+        if (m_fd >= 0)
+            ::close(m_fd);
     }
-    ~Client() { ::close(m_fd); }
-    bool connected() const { return m_connected; }
+    bool connected() const { return m_fd >= 0; }
     // The status of the answer to an unauthenticated request.
     int ask()
     {
@@ -99,7 +95,6 @@ public:
 
 private:
     int m_fd = -1;
-    bool m_connected = false;
 };
 
 int countEntries(const char *folder)

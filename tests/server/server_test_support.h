@@ -12,16 +12,34 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
-
+#include <arpa/inet.h>
 #include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <netinet/in.h>
 #include <optional>
+#include <sys/socket.h>
 #include <thread>
+#include <unistd.h>
 
 namespace servertest {
+
+// A blocking TCP socket connected to the loopback address, or -1.
+inline int connectToLoopback(uint16_t port)
+{
+    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (fd >= 0 && ::connect(fd, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0)
+        return fd;
+    if (fd >= 0)
+        ::close(fd);
+    return -1;
+}
 
 // One HTTP response taken apart.
 struct Response
@@ -105,15 +123,18 @@ struct DigestClient
     bool quoteQop = true;
 
     // "Digest ..." for the next request; counts nc up unless told which to use.
-    QByteArray authorization(const QByteArray &method, const QByteArray &uri, std::optional<unsigned> useNc = {})
+    QByteArray authorization(const QByteArray &method, const QByteArray &uri,
+                             std::optional<unsigned> useNc = {})
     {
         const unsigned count = useNc ? *useNc : ++nc;
         const QByteArray ncText = QByteArray::number(count, 16).rightJustified(8, '0');
         const QByteArray ha1 = md5Hex(username + ':' + realm + ':' + password);
         const QByteArray ha2 = md5Hex(method + ':' + uri);
-        const QByteArray response = md5Hex(ha1 + ':' + nonce + ':' + ncText + ':' + cnonce + ":auth:" + ha2);
-        return "Digest username=\"" + username + "\", realm=\"" + realm + "\", nonce=\"" + nonce + "\", uri=\"" +
-               uri + "\", " + (quoteQop ? QByteArray("qop=\"auth\"") : QByteArray("qop=auth")) + ", nc=" + ncText +
+        const QByteArray response =
+            md5Hex(ha1 + ':' + nonce + ':' + ncText + ':' + cnonce + ":auth:" + ha2);
+        return "Digest username=\"" + username + "\", realm=\"" + realm + "\", nonce=\"" + nonce +
+               "\", uri=\"" + uri + "\", " +
+               (quoteQop ? QByteArray("qop=\"auth\"") : QByteArray("qop=auth")) + ", nc=" + ncText +
                ", cnonce=\"" + cnonce + "\", response=\"" + response + "\"";
     }
 
@@ -170,7 +191,8 @@ public:
     std::optional<uint64_t> preparedSize;
     int finishedBodies = 0;
     int finishedResponses = 0;
-    std::function<std::shared_ptr<server::HTTPResponse>(const QString &, const QString &)> responder;
+    std::function<std::shared_ptr<server::HTTPResponse>(const QString &, const QString &)>
+        responder;
 
     bool supportsMethod(const QString &method, const QString &path) override
     {
@@ -196,7 +218,8 @@ public:
         ++finishedResponses;
         HTTPConnection::finishResponse();
     }
-    std::shared_ptr<server::HTTPResponse> httpResponseForMethod(const QString &method, const QString &path) override;
+    std::shared_ptr<server::HTTPResponse> httpResponseForMethod(const QString &method,
+                                                                const QString &path) override;
 
     using HTTPConnection::filePathForURI;
     QString logPrefixForTest() const { return logPrefix(); }
