@@ -2,6 +2,7 @@
 
 #include "browser/browser_keys.h"
 #include "browser/later_sources.h"
+#include "browser/outside_moves.h"
 #include "browser/smart_books.h"
 #include "foundation/compare.h"
 #include "foundation/events.h"
@@ -134,7 +135,21 @@ void collectExpanded(TLKSOutlineItem *item, const QSet<QString> &expanded, QStri
 
 TLKSOutlineViewController::TLKSOutlineViewController() = default;
 
-TLKSOutlineViewController::~TLKSOutlineViewController() = default;
+TLKSOutlineViewController::~TLKSOutlineViewController()
+{
+    for (const QString &key : std::as_const(m_setAsideKeys))
+        Scheduler::main().cancel(key);
+}
+
+void TLKSOutlineViewController::scheduleLookAtSetAside(const QString &path)
+{
+    const QString key = QStringLiteral("setAside %1 %2").arg(quintptr(this)).arg(path);
+    m_setAsideKeys.insert(key);
+    Scheduler::main().schedule(key, kFollowUpDelay, [this, key, path] {
+        m_setAsideKeys.remove(key);
+        presentedSubitemDidChangeAtURL(path);
+    });
+}
 
 bool TLKSOutlineViewController::initFileCoordinationAndTaskLists()
 {
@@ -150,7 +165,22 @@ void TLKSOutlineViewController::handleWatchReport(const platform::FileWatchRepor
     using Kind = platform::FileWatchReport::Kind;
     switch (report.kind) {
     case Kind::Moved:
-        presentedSubitemAtURLDidMoveToURL(report.path, report.newPath);
+        switch (classifyOutsideMove(report)) {
+        case OutsideMove::Move:
+            presentedSubitemAtURLDidMoveToURL(report.path, report.newPath);
+            return;
+        case OutsideMove::Replacement:
+            // A name that may have shown for a moment is gone; the target
+            // changed, or is new.
+            if (!store::tl_pathIsExcludedFromDisplay(report.path))
+                presentedSubitemDidChangeAtURL(report.path);
+            presentedSubitemDidChangeAtURL(report.newPath);
+            return;
+        case OutsideMove::SetAside:
+            // Rewritten by then, or really gone.
+            scheduleLookAtSetAside(report.path);
+            return;
+        }
         return;
     case Kind::Rescanned:
         // Lost events: the tree and the list read the disk again.

@@ -59,11 +59,13 @@ private:
     void followInbox(const QString &source, const QString &target);
     void moveInTree(const QString &source, const QString &target);
     void scheduleSmartBookUpdate(const QString &path);
+    void scheduleLookAtSetAside(const QString &path);
 
     OutlineModel m_model;
     QSet<QString> m_expanded;
     bool m_smartBooksCollapsed = false;
     std::unique_ptr<platform::FileWatcher> m_watcher;
+    QSet<QString> m_setAsideKeys;
 };
 
 // The message listing the settings that differ after a switch of library.

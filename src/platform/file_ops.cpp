@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QRandomGenerator>
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -79,6 +80,10 @@ QByteArray writeTarget(const QByteArray &path)
     return path;
 }
 
+// The temporary file of an atomic write: "." + name + "." + base-36 number + ".tmp".
+constexpr char kAtomicWritePrefix[] = ".";
+constexpr char kAtomicWriteSuffix[] = ".tmp";
+
 struct TempFile
 {
     QByteArray path;
@@ -92,9 +97,10 @@ std::optional<TempFile> createTempBeside(const QByteArray &target)
     // Leave room for the suffix within the usual 255-byte name limit.
     const QByteArray name = target.mid(target.lastIndexOf('/') + 1).left(200);
     for (int attempt = 0; attempt < 100; ++attempt) {
-        const QByteArray candidate = childOf(
-            folder, "." + name + "." +
-                        QByteArray::number(QRandomGenerator::global()->generate(), 36) + ".tmp");
+        const QByteArray candidate =
+            childOf(folder, kAtomicWritePrefix + name + "." +
+                                QByteArray::number(QRandomGenerator::global()->generate(), 36) +
+                                kAtomicWriteSuffix);
         const int fd = ::open(candidate.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (fd >= 0)
             return TempFile{candidate, fd};
@@ -301,6 +307,21 @@ bool makeFolder(const QString &path)
         return false;
     }
     return true;
+}
+
+bool isAtomicWriteTemporary(const QString &fileName)
+{
+    const QLatin1String prefix(kAtomicWritePrefix), suffix(kAtomicWriteSuffix);
+    if (!fileName.startsWith(prefix) || !fileName.endsWith(suffix))
+        return false;
+    const QStringView middle =
+        QStringView(fileName).mid(prefix.size(), fileName.size() - prefix.size() - suffix.size());
+    const qsizetype dot = middle.lastIndexOf(u'.');
+    if (dot <= 0 || dot == middle.size() - 1)
+        return false;
+    return std::all_of(middle.begin() + dot + 1, middle.end(), [](QChar c) {
+        return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'z');
+    });
 }
 
 bool writeFileAtomically(const QString &path, const QByteArray &data)

@@ -20,6 +20,10 @@ namespace tl::platform {
 // Missing parent folders are made.
 bool writeFileAtomically(const QString &path, const QByteArray &data);
 
+// Whether a file name is that of the temporary file writeFileAtomically makes
+// beside its target (".NAME.NUMBER.tmp"); watchers leave such files out.
+bool isAtomicWriteTemporary(const QString &fileName);
+
 // Truncates path and writes data into the same file (same inode, attributes
 // kept). Missing parent folders are made.
 bool writeFileInPlace(const QString &path, const QByteArray &data);

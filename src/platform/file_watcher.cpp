@@ -2,6 +2,7 @@
 
 #include "foundation/clock.h"
 #include "foundation/scheduler.h"
+#include "platform/file_ops.h"
 
 #include <QDebug>
 #include <QDir>
@@ -41,6 +42,8 @@ QVariantMap FileWatchReport::toDictionary() const
     QVariantMap d{{"kind", kindName()}, {"path", path}};
     if (kind == Kind::Moved)
         d.insert("newPath", newPath);
+    if (sourceIsNew)
+        d.insert("sourceIsNew", true);
     if (isDirectory)
         d.insert("isDirectory", true);
     if (!message.isEmpty())
@@ -82,6 +85,7 @@ void FileWatcher::stop()
     m_pathOfWatch.clear();
     m_watchOfPath.clear();
     m_pendingMoves.clear();
+    m_createdAt.clear();
     m_limitReported = false;
 }
 
@@ -172,6 +176,10 @@ void FileWatcher::readEvents()
             offset += ssize_t(sizeof(struct inotify_event) + event->len);
         }
     }
+    // Items stop being new once their moment has passed.
+    const double now = clock().monotonicSeconds();
+    m_createdAt.removeIf(
+        [now](const auto &created) { return now - created.value() >= kNewItemSeconds; });
     // A moved-from left over from this batch may still meet its moved-to in
     // the next one; past the grace period it is a deletion.
     flushPendingMoves(false);
@@ -194,25 +202,47 @@ void FileWatcher::handleEvent(int wd, quint32 mask, quint32 cookie, const QStrin
         return;
     const QString path = *folder + u'/' + name;
     const bool isDirectory = mask & IN_ISDIR;
+    const bool isOwnTemporary = !isDirectory && isAtomicWriteTemporary(name);
 
     if (mask & IN_MOVED_FROM) {
-        m_pendingMoves.push_back(
-            {cookie, path, isDirectory, clock().monotonicSeconds() + kMoveGraceSeconds});
+        m_pendingMoves.push_back({cookie, path, isDirectory,
+                                  clock().monotonicSeconds() + kMoveGraceSeconds, isOwnTemporary});
     } else if (mask & IN_MOVED_TO) {
         const auto from =
             std::find_if(m_pendingMoves.begin(), m_pendingMoves.end(),
                          [cookie](const PendingMove &m) { return m.cookie == cookie; });
-        if (from != m_pendingMoves.end()) {
-            const QString source = from->path;
+        if (isOwnTemporary) {
+            // Nothing is reported under such a name; an item taking it is gone.
+            if (from != m_pendingMoves.end()) {
+                const PendingMove source = *from;
+                m_pendingMoves.erase(from);
+                if (!source.isOwnTemporary)
+                    report(FileWatchReport::Kind::Deleted, source.path, source.isDirectory);
+            }
+        } else if (from != m_pendingMoves.end()) {
+            const PendingMove source = *from;
             m_pendingMoves.erase(from);
             if (isDirectory)
-                renameWatchesBelow(source, path);
-            report(FileWatchReport::Kind::Moved, source, isDirectory, path);
+                renameWatchesBelow(source.path, path);
+            // An atomic write of this program: the target changed, or is new.
+            if (source.isOwnTemporary) {
+                report(FileWatchReport::Kind::Modified, path, isDirectory);
+                return;
+            }
+            FileWatchReport r;
+            r.kind = FileWatchReport::Kind::Moved;
+            r.path = source.path;
+            r.newPath = path;
+            r.isDirectory = isDirectory;
+            r.sourceIsNew = takeIsNew(source.path);
+            onReport(r);
         } else {
             report(FileWatchReport::Kind::Created, path, isDirectory);
             if (isDirectory)
                 watchTree(path, true);
         }
+    } else if (isOwnTemporary) {
+        return;
     } else if (mask & IN_CREATE) {
         report(FileWatchReport::Kind::Created, path, isDirectory);
         if (isDirectory)
@@ -237,7 +267,8 @@ void FileWatcher::flushPendingMoves(bool all)
     for (const PendingMove &m : expired) {
         if (m.isDirectory)
             forgetWatchesBelow(m.path);
-        report(FileWatchReport::Kind::Deleted, m.path, m.isDirectory);
+        if (!m.isOwnTemporary)
+            report(FileWatchReport::Kind::Deleted, m.path, m.isDirectory);
     }
 }
 
@@ -263,9 +294,20 @@ void FileWatcher::rescan()
     report(FileWatchReport::Kind::Rescanned, m_root, true);
 }
 
+bool FileWatcher::takeIsNew(const QString &path)
+{
+    const auto created = m_createdAt.constFind(path);
+    const bool isNew = created != m_createdAt.constEnd() &&
+                       clock().monotonicSeconds() - *created < kNewItemSeconds;
+    m_createdAt.remove(path);
+    return isNew;
+}
+
 void FileWatcher::report(FileWatchReport::Kind kind, const QString &path, bool isDirectory,
                          const QString &newPath)
 {
+    if (kind == FileWatchReport::Kind::Created)
+        m_createdAt.insert(path, clock().monotonicSeconds());
     FileWatchReport r;
     r.kind = kind;
     r.path = path;

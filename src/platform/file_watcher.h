@@ -13,8 +13,10 @@ class QSocketNotifier;
 // Change reports for everything below a folder, through inotify: the folder
 // and every folder that appears below it later are watched. A rename inside
 // the tree arrives as one move; an item moved out counts as deleted, one
-// moved in as created. Reports are delivered on the thread that owns the
-// watcher (the main thread), from its event loop.
+// moved in as created. The temporary files of the program's own atomic writes
+// are never reported: their rename over the target arrives as a change of the
+// target. Reports are delivered on the thread that owns the watcher (the main
+// thread), from its event loop.
 namespace tl::platform {
 
 struct FileWatchReport
@@ -24,6 +26,9 @@ struct FileWatchReport
     QString path;
     // The target of a move.
     QString newPath;
+    // A move whose source appeared moments before (kNewItemSeconds): a file
+    // written under a passing name and renamed into place.
+    bool sourceIsNew = false;
     bool isDirectory = false;
     // What the user should be told (the watch limit).
     QString message;
@@ -38,6 +43,8 @@ public:
     // How long a moved-from event waits for its moved-to before it counts as
     // a deletion, in seconds of the process clock.
     static constexpr double kMoveGraceSeconds = 0.05;
+    // An item whose creation was reported less than this long ago is new.
+    static constexpr double kNewItemSeconds = 2.0;
 
     explicit FileWatcher(QObject *parent = nullptr);
     ~FileWatcher() override;
@@ -63,6 +70,7 @@ private:
         QString path;
         bool isDirectory;
         double due;
+        bool isOwnTemporary;
     };
 
     void watchTree(const QString &folder, bool reportContents);
@@ -75,6 +83,7 @@ private:
     void rescan();
     void report(FileWatchReport::Kind kind, const QString &path, bool isDirectory,
                 const QString &newPath = {});
+    bool takeIsNew(const QString &path);
 
     QString m_root;
     int m_fd = -1;
@@ -82,6 +91,8 @@ private:
     QHash<int, QString> m_pathOfWatch;
     QHash<QString, int> m_watchOfPath;
     std::vector<PendingMove> m_pendingMoves;
+    // Creation time (process clock) of the items created moments ago.
+    QHash<QString, double> m_createdAt;
     bool m_limitReported = false;
 };
 

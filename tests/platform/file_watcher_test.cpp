@@ -1,5 +1,6 @@
 #include "foundation/clock.h"
 #include "foundation/scheduler.h"
+#include "platform/file_ops.h"
 #include "platform/file_watcher.h"
 #include "support/test_environment.h"
 
@@ -129,6 +130,43 @@ TEST_F(FileWatcherTest, QueueOverflowEndsInARescan)
     write(root + "/Late/z.md");
     EXPECT_EQ(drain().value(0), "created /Library/Late/z.md")
         << "new folders watched after a rescan";
+}
+
+TEST_F(FileWatcherTest, OwnAtomicWritesReportOnlyTheChangeOfTheTarget)
+{
+    write(root + "/Book/a.md");
+    drain();
+    for (const char *target : {"/Book/a.md", "/Book/new.md"}) {
+        SCOPED_TRACE(target);
+        ASSERT_TRUE(tl::platform::writeFileAtomically(root + target, "y"));
+        EXPECT_EQ(drain(), QStringList{QStringLiteral("modified /Library") + target});
+    }
+}
+
+TEST_F(FileWatcherTest, AMoveTellsWhetherItsSourceWasMadeMomentsBefore)
+{
+    struct Case
+    {
+        double ageOfSource;
+        bool isNew;
+    };
+    for (const Case c : {Case{0.0, true}, Case{FileWatcher::kNewItemSeconds - 0.1, true},
+                         Case{FileWatcher::kNewItemSeconds, false}}) {
+        SCOPED_TRACE(c.ageOfSource);
+        write(root + "/Book/.a.md.part");
+        drain();
+        clock->advance(c.ageOfSource);
+        bool sourceIsNew = !c.isNew;
+        watcher.onReport = [&](const FileWatchReport &r) {
+            if (r.kind == Kind::Moved)
+                sourceIsNew = r.sourceIsNew;
+        };
+        ASSERT_TRUE(QFile::rename(root + "/Book/.a.md.part", root + "/Book/a.md"));
+        watcher.readEvents();
+        EXPECT_EQ(sourceIsNew, c.isNew);
+        QFile::remove(root + "/Book/a.md");
+        drain();
+    }
 }
 
 TEST_F(FileWatcherTest, AMoveByAnotherProcessArrivesThroughTheEventLoop)
