@@ -137,17 +137,17 @@ TLKSOutlineViewController::TLKSOutlineViewController() = default;
 
 TLKSOutlineViewController::~TLKSOutlineViewController()
 {
-    for (const QString &key : std::as_const(m_setAsideKeys))
+    for (const QString &key : std::as_const(m_pendingKeys))
         Scheduler::main().cancel(key);
 }
 
-void TLKSOutlineViewController::scheduleLookAtSetAside(const QString &path)
+void TLKSOutlineViewController::scheduleOwn(const QString &name, std::function<void()> work)
 {
-    const QString key = QStringLiteral("setAside %1 %2").arg(quintptr(this)).arg(path);
-    m_setAsideKeys.insert(key);
-    Scheduler::main().schedule(key, kFollowUpDelay, [this, key, path] {
-        m_setAsideKeys.remove(key);
-        presentedSubitemDidChangeAtURL(path);
+    const QString key = QStringLiteral("%1 %2").arg(name).arg(quintptr(this));
+    m_pendingKeys.insert(key);
+    Scheduler::main().schedule(key, kFollowUpDelay, [this, key, work = std::move(work)] {
+        m_pendingKeys.remove(key);
+        work();
     });
 }
 
@@ -178,7 +178,8 @@ void TLKSOutlineViewController::handleWatchReport(const platform::FileWatchRepor
             return;
         case OutsideMove::SetAside:
             // Rewritten by then, or really gone.
-            scheduleLookAtSetAside(report.path);
+            scheduleOwn(QStringLiteral("setAside %1").arg(report.path),
+                        [this, path = report.path] { presentedSubitemDidChangeAtURL(path); });
             return;
         }
         return;
@@ -289,7 +290,7 @@ QStringList TLKSOutlineViewController::tl_expandSavedPaths()
 
 void TLKSOutlineViewController::scheduleSmartBookUpdate(const QString &path)
 {
-    Scheduler::main().schedule(QStringLiteral("smartBooks %1").arg(path), kFollowUpDelay, [this] {
+    scheduleOwn(QStringLiteral("smartBooks %1").arg(path), [this] {
         for (int type = kFirstListedSmartType; type <= kLastListedSmartType; ++type)
             updateSmartBookOfType(type);
     });

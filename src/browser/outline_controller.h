@@ -5,6 +5,7 @@
 #include <QSet>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <memory>
 
 namespace tl::platform {
@@ -59,13 +60,15 @@ private:
     void followInbox(const QString &source, const QString &target);
     void moveInTree(const QString &source, const QString &target);
     void scheduleSmartBookUpdate(const QString &path);
-    void scheduleLookAtSetAside(const QString &path);
+    // Follow-up work on this controller after kFollowUpDelay; a later call
+    // with the same name replaces it, and none outlives the controller.
+    void scheduleOwn(const QString &name, std::function<void()> work);
 
     OutlineModel m_model;
     QSet<QString> m_expanded;
     bool m_smartBooksCollapsed = false;
     std::unique_ptr<platform::FileWatcher> m_watcher;
-    QSet<QString> m_setAsideKeys;
+    QSet<QString> m_pendingKeys;
 };
 
 // The message listing the settings that differ after a switch of library.
