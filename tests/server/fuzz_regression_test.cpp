@@ -3,8 +3,6 @@
 // folder. The targets stop the process on a broken invariant.
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
-
 #include <gtest/gtest.h>
 
 #define LLVMFuzzerTestOneInput fuzzRequestParser
@@ -24,8 +22,7 @@ namespace {
 
 int replay(const char *target, int (*entry)(const uint8_t *, size_t))
 {
-    const QDir corpus(QFileInfo(QStringLiteral(__FILE__)).absolutePath() + QStringLiteral("/fuzz/corpus/") +
-                      QLatin1String(target));
+    const QDir corpus(QStringLiteral(TAVELLE_FUZZ_CORPUS "/") + QLatin1String(target));
     int count = 0;
     for (const QFileInfo &file : corpus.entryInfoList(QDir::Files)) {
         QFile f(file.absoluteFilePath());
@@ -41,9 +38,18 @@ int replay(const char *target, int (*entry)(const uint8_t *, size_t))
 
 } // namespace
 
-TEST(FuzzRegression, RequestParser) { EXPECT_GT(replay("request_parser", fuzzRequestParser), 0); }
-TEST(FuzzRegression, Range) { EXPECT_GT(replay("range", fuzzRange), 0); }
-TEST(FuzzRegression, Authorization) { EXPECT_GT(replay("authorization", fuzzAuthorization), 0); }
+TEST(FuzzRegression, RequestParser)
+{
+    EXPECT_GT(replay("request_parser", fuzzRequestParser), 0);
+}
+TEST(FuzzRegression, Range)
+{
+    EXPECT_GT(replay("range", fuzzRange), 0);
+}
+TEST(FuzzRegression, Authorization)
+{
+    EXPECT_GT(replay("authorization", fuzzAuthorization), 0);
+}
 TEST(FuzzRegression, Connection)
 {
     EXPECT_GT(replay("connection", fuzzConnection), 0);

@@ -4,9 +4,9 @@
 #include "server/core/http_message.h"
 #include "server/core/http_range.h"
 #include "server/core/http_response.h"
+#include "server/core/multipart_ranges.h"
 
 #include <QStringList>
-
 #include <deque>
 #include <functional>
 #include <memory>
@@ -110,7 +110,8 @@ public:
     virtual QString realm();
     virtual std::optional<QString> passwordForUser(const QString &username);
     // The response, or nothing for 404.
-    virtual std::shared_ptr<HTTPResponse> httpResponseForMethod(const QString &method, const QString &path);
+    virtual std::shared_ptr<HTTPResponse> httpResponseForMethod(const QString &method,
+                                                                const QString &path);
     // contentLength is kChunkedContentLength for a chunked body.
     virtual void prepareForBodyWithSize(uint64_t contentLength);
     // One piece of the request body, at most kPieceSize bytes.
@@ -161,8 +162,6 @@ private:
     void continueSendingSingleRangeResponseBody();
     void continueSendingMultiRangeResponseBody();
     void continueSendingBody();
-    HTTPMessage newUniRangeResponse(uint64_t contentLength);
-    HTTPMessage newMultiRangeResponse(uint64_t contentLength);
     size_t writeQueueSize() const;
     void write(const QByteArray &data, double timeout, long tag);
 
@@ -187,8 +186,7 @@ private:
 
     std::shared_ptr<HTTPResponse> m_httpResponse;
     std::vector<ByteRange> m_ranges;
-    std::vector<QByteArray> m_rangesHeaders;
-    QString m_rangesBoundary;
+    MultipartRanges m_multipart;
     size_t m_rangeIndex = 0;
 
     bool m_requestChunked = false;

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace server {
+
+// Maps a request URI to a path below the document root. With allowDirectory
+// the path is the answer, existing or not; otherwise a directory gives the
+// first of indexNames that is a plain file in it, or nothing. Nothing (a null
+// string) also for a URI that leads outside the root; failure then says why,
+// in the words of the log.
+QString mapURIToFilePath(const QString &documentRoot, const QString &uri, bool allowDirectory,
+                         const QStringList &indexNames, QString &failure);
+
+} // namespace server
