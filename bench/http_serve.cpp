@@ -6,7 +6,6 @@
 // Prints "port N" once listening, then serves until SIGINT or SIGTERM.
 #include "server/core/http_connection.h"
 #include "server/core/http_server.h"
-#include "server/core/server_log.h"
 
 #include <QString>
 #include <csignal>
@@ -36,8 +35,6 @@ int main(int argc, char **argv)
     sigaddset(&stopSignals, SIGTERM);
     pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr); // the server's threads inherit the mask
 
-    server::setLogHandler(
-        [](const QString &line) { std::fprintf(stderr, "%s\n", qPrintable(line)); });
     server::HTTPServer httpServer;
     httpServer.setConnectionClass<OpenConnection>();
     httpServer.setInterface(QStringLiteral("127.0.0.1"));

@@ -53,5 +53,4 @@ TEST(FuzzRegression, Authorization)
 TEST(FuzzRegression, Connection)
 {
     EXPECT_GT(replay("connection", fuzzConnection), 0);
-    server::setLogHandler({});
 }

@@ -7,11 +7,14 @@
 #include "server/core/fake_socket.h"
 #include "server/core/http_connection.h"
 #include "server/core/serial_queue.h"
-#include "server/core/server_log.h"
+#include "store/library_root.h"
+#include "store/log.h"
 
 #include <QByteArray>
+#include <QFile>
 #include <QString>
 #include <QStringList>
+#include <QTemporaryDir>
 #include <arpa/inet.h>
 #include <chrono>
 #include <functional>
@@ -147,22 +150,49 @@ struct DigestClient
     }
 };
 
-// Catches the server's log lines while it lives.
+// Catches the plain log lines written while it lives, from the library's
+// TLMacLog.txt: the current library's, or one of its own when no library is
+// chosen.
 class LogCatcher
 {
 public:
     LogCatcher()
     {
-        server::setLogHandler([this](const QString &line) {
-            std::lock_guard lock(m_mutex);
-            m_lines << line;
-        });
+        QString root = tl::store::libraryRoot();
+        if (root.isEmpty()) {
+            root = m_ownRoot.path();
+            tl::store::setLibraryRootOverride(root);
+            m_overridden = true;
+        }
+        // The file stays: the log keeps it open by its path and inode.
+        m_path = root + QStringLiteral("/TLMacLog.txt");
+        QFile file(m_path);
+        if (file.open(QIODevice::WriteOnly | QIODevice::Append))
+            m_start = file.size();
     }
-    ~LogCatcher() { server::setLogHandler({}); }
+    ~LogCatcher()
+    {
+        if (m_overridden)
+            tl::store::setLibraryRootOverride({});
+    }
+    // The lines without their time stamps; a line may hold line ends.
     QStringList lines() const
     {
-        std::lock_guard lock(m_mutex);
-        return m_lines;
+        QFile reader(m_path);
+        if (!reader.open(QIODevice::ReadOnly) || !reader.seek(m_start))
+            return {};
+        QStringList lines;
+        for (const QString &part : QString::fromUtf8(reader.readAll()).split(QLatin1Char('\n'))) {
+            // "2026-01-02 03:04:05.678 " begins every line the log writes.
+            const bool stamped = part.size() > 24 && part[4] == QLatin1Char('-') &&
+                                 part[13] == QLatin1Char(':') && part[19] == QLatin1Char('.') &&
+                                 part[23] == QLatin1Char(' ');
+            if (stamped)
+                lines << part.mid(24);
+            else if (!lines.isEmpty())
+                lines.last() += QLatin1Char('\n') + part;
+        }
+        return lines;
     }
     bool contains(const QString &text) const
     {
@@ -173,8 +203,10 @@ public:
     }
 
 private:
-    mutable std::mutex m_mutex;
-    QStringList m_lines;
+    QTemporaryDir m_ownRoot;
+    QString m_path;
+    qint64 m_start = 0;
+    bool m_overridden = false;
 };
 
 // A connection that also takes POST and PUT bodies and answers "/echo" with

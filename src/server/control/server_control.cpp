@@ -1,11 +1,8 @@
 #include "server/control/server_control.h"
 
-#include "foundation/clock.h"
 #include "platform/alerts.h"
 #include "platform/settings.h"
 #include "server/control/server_settings.h"
-#include "server/core/server_clock.h"
-#include "server/core/server_log.h"
 #include "server/webdav/dav_connection.h"
 #include "server/webdav/request_body.h"
 #include "shell/shell_hooks.h"
@@ -48,8 +45,8 @@ std::error_code startWithPortRetry(uint16_t firstPort,
         if (!error || !HTTPServer::isAddressInUse(error) || firstPort >= kPortRetryLimit ||
             attempt > 65536)
             return error;
-        logLine(QStringLiteral("Error starting HTTP Server: %1")
-                    .arg(QString::fromStdString(error.message())));
+        tl::logLine(QStringLiteral("Error starting HTTP Server: %1")
+                        .arg(QString::fromStdString(error.message())));
         port = uint16_t(port + 1);
     }
 }
@@ -84,7 +81,7 @@ bool launchTavelleServer()
         return false;
     }
     const uint16_t port = server->listeningPort();
-    logLine(QStringLiteral("running HTTP Server on port: %1").arg(port));
+    tl::logLine(QStringLiteral("running HTTP Server on port: %1").arg(port));
     settings.set(QLatin1String(kLocalWebDAVServerPortKey), qint64(port));
     // Until now a client gets no credentials to pass, and every request of its
     // connection is refused.
@@ -118,9 +115,6 @@ void installServerControl()
     hooks.launchServer = [] { launchTavelleServer(); };
     hooks.terminateServer = [] { terminateTavelleServer(); };
     hooks.serverIsRunning = [] { return tavelleServerIsRunning(); };
-    // The engine's lines and nonce ages follow the program's own log and clock.
-    setLogHandler([](const QString &line) { tl::logLine(line); });
-    setClock([] { return tl::clock().monotonicSeconds(); });
 }
 
 void setServerControlOptions(ServerControlOptions options)

@@ -1,8 +1,8 @@
 // Digest authentication and the recent nonces it checks against; the Basic
 // branch stays for a connection that turns digest off.
+#include "foundation/clock.h"
 #include "server/core/http_authentication_request.h"
 #include "server/core/http_connection.h"
-#include "server/core/server_clock.h"
 
 #include <QCryptographicHash>
 #include <QUuid>
@@ -25,7 +25,7 @@ public:
     {
         const QString nonce = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
         std::lock_guard lock(m_mutex);
-        const double now = secondsNow();
+        const double now = tl::clock().monotonicSeconds();
         prune(now);
         m_order.push_back({nonce, now});
         m_made.emplace(nonce, now);
@@ -39,7 +39,7 @@ public:
     bool contains(const QString &nonce)
     {
         std::lock_guard lock(m_mutex);
-        const double now = secondsNow();
+        const double now = tl::clock().monotonicSeconds();
         prune(now);
         // The age is checked here too: pruning stops at the first young
         // nonce, and a clock set by a test need not run forward.

@@ -4,8 +4,10 @@
 #include "server/core/responses/http_async_file_response.h"
 #include "server/core/responses/http_file_response.h"
 #include "server/core/serial_queue.h"
-#include "server/core/server_log.h"
 #include "server/core/uri_mapping.h"
+#include "store/log.h"
+
+#include <cstdio>
 
 namespace server {
 
@@ -30,7 +32,9 @@ HTTPConnection::~HTTPConnection()
 
 QString HTTPConnection::logPrefix() const
 {
-    return QStringLiteral("HTTPConnection[%1]").arg(pointerString(this));
+    char pointer[32];
+    std::snprintf(pointer, sizeof pointer, "%p", static_cast<const void *>(this));
+    return QStringLiteral("HTTPConnection[%1]").arg(QLatin1String(pointer));
 }
 
 void HTTPConnection::start()
@@ -133,7 +137,7 @@ QString HTTPConnection::filePathForURI(const QString &path, bool allowDirectory)
     const QString filePath = mapURIToFilePath(m_config.documentRoot, path, allowDirectory,
                                               directoryIndexFileNames(), failure);
     if (filePath.isNull())
-        logLine(logPrefix() + QStringLiteral(": ") + failure);
+        tl::logLine(logPrefix() + QStringLiteral(": ") + failure);
     return filePath;
 }
 
@@ -200,8 +204,8 @@ void HTTPConnection::sendErrorResponse(HTTPMessage &response, long tag)
 void HTTPConnection::handleInvalidRequest()
 {
     const QString uri = requestURI();
-    logLine(QStringLiteral("HTTP Server: Error 400 - Bad Request (%1)")
-                .arg(uri.isEmpty() ? QStringLiteral("(null)") : uri));
+    tl::logLine(QStringLiteral("HTTP Server: Error 400 - Bad Request (%1)")
+                    .arg(uri.isEmpty() ? QStringLiteral("(null)") : uri));
     HTTPMessage response(400, {}, HTTPVersion1_1);
     response.setHeaderField(QStringLiteral("Content-Length"), QStringLiteral("0"));
     response.setHeaderField(QStringLiteral("Connection"), QStringLiteral("close"));
@@ -211,8 +215,8 @@ void HTTPConnection::handleInvalidRequest()
 
 void HTTPConnection::handleUnknownMethod(const QString &method)
 {
-    logLine(QStringLiteral("HTTP Server: Error 405 - Method Not Allowed: %1 (%2)")
-                .arg(method, requestURI()));
+    tl::logLine(QStringLiteral("HTTP Server: Error 405 - Method Not Allowed: %1 (%2)")
+                    .arg(method, requestURI()));
     HTTPMessage response(405, {}, HTTPVersion1_1);
     response.setHeaderField(QStringLiteral("Content-Length"), QStringLiteral("0"));
     response.setHeaderField(QStringLiteral("Connection"), QStringLiteral("close"));
@@ -221,8 +225,8 @@ void HTTPConnection::handleUnknownMethod(const QString &method)
 
 void HTTPConnection::handleVersionNotSupported(const QString &version)
 {
-    logLine(QStringLiteral("HTTP Server: Error 505 - Version Not Supported: %1 (%2)")
-                .arg(version, requestURI()));
+    tl::logLine(QStringLiteral("HTTP Server: Error 505 - Version Not Supported: %1 (%2)")
+                    .arg(version, requestURI()));
     HTTPMessage response(505, {}, HTTPVersion1_1);
     response.setHeaderField(QStringLiteral("Content-Length"), QStringLiteral("0"));
     sendErrorResponse(response, kTagResponse);
@@ -259,7 +263,7 @@ void HTTPConnection::responseHasAvailableData(HTTPResponse *sender)
         return;
     m_queue->post([self, sender] {
         if (sender != self->m_httpResponse.get()) {
-            logLine(
+            tl::logLine(
                 self->logPrefix() +
                 QStringLiteral(": responseHasAvailableData: - Sender is not current httpResponse"));
             return;
@@ -278,8 +282,8 @@ void HTTPConnection::responseDidAbort(HTTPResponse *sender)
         return;
     m_queue->post([self, sender] {
         if (sender != self->m_httpResponse.get()) {
-            logLine(self->logPrefix() +
-                    QStringLiteral(": responseDidAbort: - Sender is not current httpResponse"));
+            tl::logLine(self->logPrefix() +
+                        QStringLiteral(": responseDidAbort: - Sender is not current httpResponse"));
             return;
         }
         if (self->m_socket)

@@ -1,7 +1,7 @@
 // A chunked request body: size lines, chunk data, the line end behind each
 // chunk, and the trailer lines behind the last.
 #include "server/core/http_connection.h"
-#include "server/core/server_log.h"
+#include "store/log.h"
 
 namespace server {
 
@@ -14,8 +14,8 @@ void HTTPConnection::readChunkSizeLine(const QByteArray &data)
         line = line.left(semicolon).trimmed();
     const auto size = parseHex64(line);
     if (!size) {
-        logLine(logPrefix() +
-                QStringLiteral(": Method expects chunk size, but received something else"));
+        tl::logLine(logPrefix() +
+                    QStringLiteral(": Method expects chunk size, but received something else"));
         handleInvalidRequest();
         return;
     }
@@ -48,7 +48,7 @@ void HTTPConnection::readChunkData(const QByteArray &data)
 void HTTPConnection::readChunkTrailer(const QByteArray &data)
 {
     if (data != AsyncSocket::CRLFData()) {
-        logLine(logPrefix() + QStringLiteral(": Method expects chunk trailer, but is missing"));
+        tl::logLine(logPrefix() + QStringLiteral(": Method expects chunk trailer, but is missing"));
         handleInvalidRequest();
         return;
     }

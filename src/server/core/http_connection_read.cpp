@@ -1,7 +1,7 @@
 // Reading a request: its header lines, the rules for its body's length, and
 // a body of known length.
 #include "server/core/http_connection.h"
-#include "server/core/server_log.h"
+#include "store/log.h"
 
 namespace server {
 
@@ -51,7 +51,7 @@ void HTTPConnection::socketDidReadData(AsyncSocket &, const QByteArray &data, lo
 void HTTPConnection::readHeaderLine(const QByteArray &data)
 {
     if (!m_request->appendData(data)) {
-        logLine(logPrefix() + QStringLiteral(": Malformed request"));
+        tl::logLine(logPrefix() + QStringLiteral(": Malformed request"));
         handleInvalidRequest();
         return;
     }
@@ -81,15 +81,16 @@ void HTTPConnection::readHeaderLine(const QByteArray &data)
             m_requestContentLength = kChunkedContentLength;
         } else {
             if (contentLength.isNull()) {
-                logLine(logPrefix() +
-                        QStringLiteral(
-                            ": Method expects request body, but had no specified Content-Length"));
+                tl::logLine(
+                    logPrefix() +
+                    QStringLiteral(
+                        ": Method expects request body, but had no specified Content-Length"));
                 handleInvalidRequest();
                 return;
             }
             const auto length = parseUInt64(contentLength);
             if (!length) {
-                logLine(
+                tl::logLine(
                     logPrefix() +
                     QStringLiteral(": Unable to parse Content-Length header into a valid number"));
                 handleInvalidRequest();
@@ -100,13 +101,14 @@ void HTTPConnection::readHeaderLine(const QByteArray &data)
     } else if (!contentLength.isNull()) {
         const auto length = parseUInt64(contentLength);
         if (!length) {
-            logLine(logPrefix() +
-                    QStringLiteral(": Unable to parse Content-Length header into a valid number"));
+            tl::logLine(
+                logPrefix() +
+                QStringLiteral(": Unable to parse Content-Length header into a valid number"));
             handleInvalidRequest();
             return;
         }
         if (*length > 0) {
-            logLine(
+            tl::logLine(
                 logPrefix() +
                 QStringLiteral(": Method not expecting request body had non-zero Content-Length"));
             handleInvalidRequest();

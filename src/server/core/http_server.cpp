@@ -2,7 +2,7 @@
 
 #include "server/core/asio_socket.h"
 #include "server/core/serial_queue.h"
-#include "server/core/server_log.h"
+#include "store/log.h"
 
 #include <algorithm>
 #include <asio/error.hpp>
@@ -172,11 +172,12 @@ bool HTTPServer::start(std::error_code *errorOut)
         }
         if (!listen(error)) {
             m_listeners.clear();
-            logLine(QStringLiteral("HTTPServer: Failed to start HTTP Server: %1")
-                        .arg(QString::fromStdString(error.message())));
+            tl::logLine(QStringLiteral("HTTPServer: Failed to start HTTP Server: %1")
+                            .arg(QString::fromStdString(error.message())));
             return;
         }
-        logLine(QStringLiteral("HTTPServer: Started HTTP server on port %1").arg(listeningPort()));
+        tl::logLine(
+            QStringLiteral("HTTPServer: Started HTTP server on port %1").arg(listeningPort()));
         {
             std::lock_guard lock(m_mutex);
             m_isRunning = true;

@@ -1,6 +1,6 @@
 #include "server/core/service_publisher.h"
 
-#include "server/core/server_log.h"
+#include "store/log.h"
 
 #include <mutex>
 
@@ -20,14 +20,14 @@ namespace {
 
 void logPublished(const ServiceDescription &service, const QString &name)
 {
-    logLine(QStringLiteral("Bonjour Service Published: domain(%1) type(%2) name(%3)")
-                .arg(service.domain, service.type, name));
+    tl::logLine(QStringLiteral("Bonjour Service Published: domain(%1) type(%2) name(%3)")
+                    .arg(service.domain, service.type, name));
 }
 
 void logFailed(const ServiceDescription &service, const QString &name, const QString &error)
 {
-    logLine(QStringLiteral("Failed to Publish Service: domain(%1) type(%2) name(%3) - %4")
-                .arg(service.domain, service.type, name, error));
+    tl::logLine(QStringLiteral("Failed to Publish Service: domain(%1) type(%2) name(%3) - %4")
+                    .arg(service.domain, service.type, name, error));
 }
 
 [[maybe_unused]] QByteArray withoutFinalDot(const QString &text)
@@ -51,12 +51,13 @@ public:
         m_service = service;
         m_poll = avahi_threaded_poll_new();
         if (!m_poll) {
-            logFailed(service, service.name, QStringLiteral("could not start the publication thread"));
+            logFailed(service, service.name,
+                      QStringLiteral("could not start the publication thread"));
             return;
         }
         int error = 0;
-        m_client = avahi_client_new(avahi_threaded_poll_get(m_poll), AvahiClientFlags(0), &AvahiPublisher::clientChanged,
-                                    this, &error);
+        m_client = avahi_client_new(avahi_threaded_poll_get(m_poll), AvahiClientFlags(0),
+                                    &AvahiPublisher::clientChanged, this, &error);
         if (!m_client) {
             logFailed(service, service.name, QString::fromUtf8(avahi_strerror(error)));
             avahi_threaded_poll_free(m_poll);
@@ -117,22 +118,24 @@ private:
         if (!m_group)
             m_group = avahi_entry_group_new(m_client, &AvahiPublisher::groupChanged, this);
         if (!m_group) {
-            logFailed(m_service, currentName(), QString::fromUtf8(avahi_strerror(avahi_client_errno(m_client))));
+            logFailed(m_service, currentName(),
+                      QString::fromUtf8(avahi_strerror(avahi_client_errno(m_client))));
             return;
         }
         if (!avahi_entry_group_is_empty(m_group))
             return;
         AvahiStringList *txt = nullptr;
         for (auto it = m_service.txtRecord.cbegin(); it != m_service.txtRecord.cend(); ++it)
-            txt = avahi_string_list_add_pair_arbitrary(txt, it.key().toUtf8().constData(),
-                                                       reinterpret_cast<const uint8_t *>(it.value().constData()),
-                                                       size_t(it.value().size()));
+            txt = avahi_string_list_add_pair_arbitrary(
+                txt, it.key().toUtf8().constData(),
+                reinterpret_cast<const uint8_t *>(it.value().constData()),
+                size_t(it.value().size()));
         const QByteArray type = withoutFinalDot(m_service.type);
         const QByteArray domain = withoutFinalDot(m_service.domain);
-        int result = avahi_entry_group_add_service_strlst(m_group, AVAHI_IF_UNSPEC, AVAHI_PROTO_UNSPEC,
-                                                          AvahiPublishFlags(0), m_name, type.constData(),
-                                                          domain.isEmpty() ? nullptr : domain.constData(), nullptr,
-                                                          m_service.port, txt);
+        int result = avahi_entry_group_add_service_strlst(
+            m_group, AVAHI_IF_UNSPEC, AVAHI_PROTO_UNSPEC, AvahiPublishFlags(0), m_name,
+            type.constData(), domain.isEmpty() ? nullptr : domain.constData(), nullptr,
+            m_service.port, txt);
         avahi_string_list_free(txt);
         if (result == AVAHI_ERR_COLLISION) {
             renameAfterCollision();
@@ -194,7 +197,8 @@ private:
             break;
         case AVAHI_ENTRY_GROUP_FAILURE:
             logFailed(self->m_service, self->currentName(),
-                      QString::fromUtf8(avahi_strerror(avahi_client_errno(avahi_entry_group_get_client(group)))));
+                      QString::fromUtf8(
+                          avahi_strerror(avahi_client_errno(avahi_entry_group_get_client(group)))));
             break;
         default:
             break;
@@ -227,6 +231,9 @@ public:
 
 } // namespace
 
-std::unique_ptr<ServicePublisher> makeAvahiPublisher() { return std::make_unique<AvahiPublisher>(); }
+std::unique_ptr<ServicePublisher> makeAvahiPublisher()
+{
+    return std::make_unique<AvahiPublisher>();
+}
 
 } // namespace server

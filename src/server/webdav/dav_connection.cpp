@@ -1,10 +1,10 @@
 #include "server/webdav/dav_connection.h"
 
 #include "server/core/http_url.h"
-#include "server/core/server_log.h"
 #include "server/webdav/dav_response.h"
 #include "server/webdav/delete_response.h"
 #include "server/webdav/put_response.h"
+#include "store/log.h"
 
 namespace server {
 
@@ -50,7 +50,7 @@ std::shared_ptr<HTTPResponse> DAVConnection::httpResponseForMethod(const QString
 
     if (method == QLatin1String("PUT")) {
         if (!m_requestContentBody.isPresent()) {
-            logLine(QStringLiteral("Internal error"));
+            tl::logLine(QStringLiteral("Internal error"));
             return nullptr;
         }
         if (m_requestContentBody.isInMemory())

@@ -1,9 +1,9 @@
 // COPY and MOVE: within the library only, and never over an existing item.
 #include "platform/file_ops.h"
 #include "server/core/http_url.h"
-#include "server/core/server_log.h"
 #include "server/webdav/dav_files.h"
 #include "server/webdav/dav_response.h"
+#include "store/log.h"
 
 namespace server {
 
@@ -39,7 +39,7 @@ bool DAVResponse::copyOrMove(const DAVRequest &request)
     if (!isMove) {
         const QString depth = request.header(QStringLiteral("Depth"));
         if (depth != QLatin1String("infinity")) {
-            logLine(QStringLiteral("Unsupported DAV depth \"%1\"").arg(depth));
+            tl::logLine(QStringLiteral("Unsupported DAV depth \"%1\"").arg(depth));
             return false;
         }
     }
@@ -52,13 +52,13 @@ bool DAVResponse::copyOrMove(const DAVRequest &request)
         return false;
 
     if (!parentIsDirectory(*destination)) {
-        logLine(QStringLiteral("Invalid destination path \"%1\"").arg(*destination));
+        tl::logLine(QStringLiteral("Invalid destination path \"%1\"").arg(*destination));
         m_status = 409;
     } else if (isMove ? !tl::platform::moveItem(source, *destination)
                       : !tl::platform::copyItem(source, *destination)) {
         const char *format =
             isMove ? "Failed moving \"%1\" to \"%2\"" : "Failed copying \"%1\" to \"%2\"";
-        logLine(QString::fromLatin1(format).arg(source, *destination));
+        tl::logLine(QString::fromLatin1(format).arg(source, *destination));
         m_status = 403;
     } else {
         m_status = 201;

@@ -1,9 +1,9 @@
 // LOCK: answered from the request alone. No lock is kept, and no other
 // method consults one.
-#include "server/core/server_log.h"
 #include "server/webdav/dav_files.h"
 #include "server/webdav/dav_response.h"
 #include "server/webdav/dav_xml.h"
+#include "store/log.h"
 
 #include <QUuid>
 
@@ -41,8 +41,8 @@ LockRequest readLockRequest(const DAVRequest &request)
     if (xml.parsed()) {
         xmlNodePtr lockinfo = xml.topElement("lockinfo");
         if (!lockinfo) {
-            logLine(QStringLiteral("HTTP Server: Invalid DAV properties\n%1")
-                        .arg(QString::fromUtf8(request.body)));
+            tl::logLine(QStringLiteral("HTTP Server: Invalid DAV properties\n%1")
+                            .arg(QString::fromUtf8(request.body)));
             return lock;
         }
         lock.scope = firstChildName(childElement(lockinfo, "lockscope"));
@@ -101,8 +101,8 @@ bool DAVResponse::lock(const DAVRequest &request)
     const bool allowed = lock.scope == QLatin1String("exclusive") &&
                          lock.type == QLatin1String("write") && lock.depth == QLatin1String("0");
     if (!allowed || (!itemExistsAtPath(path) && !writeFileIntoExistingFolder(path, {}))) {
-        logLine(QStringLiteral("Locking request \"%1/%2/%3\" for \"%4\" is not allowed")
-                    .arg(lock.scope, lock.type, lock.depth, path));
+        tl::logLine(QStringLiteral("Locking request \"%1/%2/%3\" for \"%4\" is not allowed")
+                        .arg(lock.scope, lock.type, lock.depth, path));
         m_status = 403;
         return true;
     }

@@ -1,9 +1,9 @@
 // PROPFIND: the four properties of a resource and, with Depth 1, of each
 // entry of its folder, in the order the file system lists them.
-#include "server/core/server_log.h"
 #include "server/webdav/dav_files.h"
 #include "server/webdav/dav_response.h"
 #include "server/webdav/dav_xml.h"
+#include "store/log.h"
 
 #include <QFile>
 #include <array>
@@ -44,7 +44,7 @@ unsigned requestedProperties(const QByteArray &body)
     // A request for all properties has no "prop".
     xmlNodePtr prop = childElement(xml.topElement("propfind"), "prop");
     if (!prop) {
-        logLine(
+        tl::logLine(
             QStringLiteral("HTTP Server: Invalid DAV properties\n%1").arg(QString::fromUtf8(body)));
         return AllProperties;
     }
@@ -57,7 +57,8 @@ unsigned requestedProperties(const QByteArray &body)
             if (xmlStrcmp(node->name, reinterpret_cast<const xmlChar *>(name)) == 0)
                 bit = value;
         if (!bit)
-            logLine(QStringLiteral("Unknown DAV property requested \"%1\"").arg(localName(node)));
+            tl::logLine(
+                QStringLiteral("Unknown DAV property requested \"%1\"").arg(localName(node)));
         mask |= bit;
     }
     return mask ? mask : AllProperties;
@@ -280,7 +281,7 @@ bool DAVResponse::propfind(const DAVRequest &request)
 {
     const QString depth = request.header(QStringLiteral("Depth"));
     if (depth != QLatin1String("0") && depth != QLatin1String("1")) {
-        logLine(QStringLiteral("Unsupported DAV depth \"%1\"").arg(depth));
+        tl::logLine(QStringLiteral("Unsupported DAV depth \"%1\"").arg(depth));
         return false;
     }
     const unsigned properties = requestedProperties(request.body);

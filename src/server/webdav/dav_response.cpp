@@ -1,8 +1,8 @@
 #include "server/webdav/dav_response.h"
 
 #include "foundation/path_string.h"
-#include "server/core/server_log.h"
 #include "server/webdav/dav_files.h"
+#include "store/log.h"
 
 #include <QFile>
 #include <sys/stat.h>
@@ -64,10 +64,10 @@ bool DAVResponse::mkcol(const DAVRequest &request)
     if (!isBelowRoot(path, request.rootPath))
         return false;
     if (!itemExistsAtPath(tl::path::deletingLastComponent(path))) {
-        logLine(QStringLiteral("Missing intermediate collection(s) at \"%1\"").arg(path));
+        tl::logLine(QStringLiteral("Missing intermediate collection(s) at \"%1\"").arg(path));
         m_status = 409;
     } else if (::mkdir(QFile::encodeName(path).constData(), 0777) != 0) {
-        logLine(QStringLiteral("Failed creating collection at \"%1\"").arg(path));
+        tl::logLine(QStringLiteral("Failed creating collection at \"%1\"").arg(path));
         m_status = 405;
     }
     return true;

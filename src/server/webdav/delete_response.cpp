@@ -1,8 +1,8 @@
 #include "server/webdav/delete_response.h"
 
 #include "platform/file_ops.h"
-#include "server/core/server_log.h"
 #include "server/webdav/dav_files.h"
+#include "store/log.h"
 
 namespace server {
 
@@ -10,7 +10,7 @@ DELETEResponse::DELETEResponse(const QString &filePath)
 {
     const bool existed = itemExistsAtPath(filePath);
     if (!tl::platform::removeItem(filePath)) {
-        logLine(QStringLiteral("Failed deleting \"%1\"").arg(filePath));
+        tl::logLine(QStringLiteral("Failed deleting \"%1\"").arg(filePath));
         m_status = 404;
         return;
     }

@@ -1,8 +1,8 @@
 #include "server/webdav/put_response.h"
 
 #include "platform/file_ops.h"
-#include "server/core/server_log.h"
 #include "server/webdav/dav_files.h"
+#include "store/log.h"
 
 namespace server {
 
@@ -43,7 +43,8 @@ PUTResponse::PUTResponse(const QString &filePath, const HTTPHeaderList &headers,
 bool PUTResponse::accepts(const QString &filePath, const HTTPHeaderList &headers)
 {
     if (hasContentRange(headers)) {
-        logLine(QStringLiteral("Content-Range not supported for upload to \"%1\"").arg(filePath));
+        tl::logLine(
+            QStringLiteral("Content-Range not supported for upload to \"%1\"").arg(filePath));
         m_status = 400;
         return false;
     }
@@ -58,7 +59,7 @@ bool PUTResponse::accepts(const QString &filePath, const HTTPHeaderList &headers
 void PUTResponse::finish(const QString &filePath, bool existed, bool written)
 {
     if (!written) {
-        logLine(QStringLiteral("Failed writing upload to \"%1\"").arg(filePath));
+        tl::logLine(QStringLiteral("Failed writing upload to \"%1\"").arg(filePath));
         m_status = 403;
         return;
     }

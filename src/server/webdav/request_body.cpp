@@ -2,7 +2,7 @@
 
 #include "platform/file_ops.h"
 #include "platform/folders.h"
-#include "server/core/server_log.h"
+#include "store/log.h"
 
 #include <QDir>
 #include <QFile>
@@ -40,7 +40,7 @@ void RequestBody::prepare(std::optional<uint64_t> size)
     m_fd =
         ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (m_fd < 0) {
-        logLine(QStringLiteral("Failed creating upload file \"%1\"").arg(path));
+        tl::logLine(QStringLiteral("Failed creating upload file \"%1\"").arg(path));
         return;
     }
     m_filePath = path;
@@ -80,7 +80,7 @@ void RequestBody::finish()
 void RequestBody::failSpool()
 {
     // A body that did not reach the disk whole is no body.
-    logLine(QStringLiteral("Failed writing upload file \"%1\"").arg(m_filePath));
+    tl::logLine(QStringLiteral("Failed writing upload file \"%1\"").arg(m_filePath));
     discard();
 }
 

@@ -10,11 +10,9 @@
 #include "server/core/http_connection.h"
 #include "server/core/responses/http_data_response.h"
 #include "server/core/serial_queue.h"
-#include "server/core/server_log.h"
 
 #include <QDir>
 #include <QFile>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -40,10 +38,12 @@ public:
             __builtin_trap();
         bodyBytes += uint64_t(data.size());
     }
-    std::shared_ptr<server::HTTPResponse> httpResponseForMethod(const QString &method, const QString &path) override
+    std::shared_ptr<server::HTTPResponse> httpResponseForMethod(const QString &method,
+                                                                const QString &path) override
     {
         if (path.startsWith(QLatin1String("/echo")))
-            return std::make_shared<server::HTTPDataResponse>(QByteArray::number(qulonglong(bodyBytes)));
+            return std::make_shared<server::HTTPDataResponse>(
+                QByteArray::number(qulonglong(bodyBytes)));
         return HTTPConnection::httpResponseForMethod(method, path);
     }
 };
@@ -59,7 +59,6 @@ const QString &documentRoot()
         QFile index(path + QStringLiteral("/dir/index.html"));
         if (index.open(QIODevice::WriteOnly))
             index.write("<p>index</p>");
-        server::setLogHandler([](const QString &) {});
         return path;
     }();
     return root;

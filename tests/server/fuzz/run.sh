@@ -20,25 +20,30 @@ targets=${FUZZ_TARGETS:-"request_parser range authorization connection"}
 jobs=$(nproc 2>/dev/null || echo 2)
 
 command -v "$cxx" >/dev/null || { echo "fuzz: $cxx not found (Debian: clang-14 libclang-rt-14-dev)" >&2; exit 2; }
-mkdir -p "$build/obj" "$build/artifacts"
+mkdir -p "$build/obj" "$build/artifacts" "$build/home"
+# Settings and folders of a home of the run's own: no library, so no log file.
+export HOME="$build/home" XDG_CONFIG_HOME="$build/home/.config" XDG_DATA_HOME="$build/home/.local/share"
+export XDG_CACHE_HOME="$build/home/.cache"
 
 sanitize=(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
 cxxflags=(-std=c++20 -O1 -g -fPIC "${sanitize[@]}" -I"$top/src" -DASIO_STANDALONE -DQT_NO_KEYWORDS
-          $(pkg-config --cflags Qt6Core spdlog))
-libs=($(pkg-config --libs Qt6Core spdlog fmt) -pthread)
+          $(pkg-config --cflags Qt6Core spdlog icu-uc icu-i18n libplist-2.0))
+libs=($(pkg-config --libs Qt6Core spdlog fmt icu-uc icu-i18n libplist-2.0) -pthread)
 
-# The engine's sources, once, with coverage for libFuzzer.
-sources=$(find "$top/src/server/core" -name '*.cpp' | sort)
+# The engine's sources and the foundation, once, with coverage for libFuzzer;
+# with them the plain log line and the library root it finds its file by.
+sources=$( (find "$top/src/server/core" "$top/src/foundation" -name '*.cpp';
+            printf '%s\n' "$top"/src/platform/{folders,settings}.cpp "$top"/src/store/{log,library_root}.cpp) | sort)
 compile() {
   local src=$1 obj=$2
-  if [ ! -f "$obj" ] || [ "$src" -nt "$obj" ] || [ -n "$(find "$top/src/server/core" -name '*.h' -newer "$obj" -print -quit)" ]; then
+  if [ ! -f "$obj" ] || [ "$src" -nt "$obj" ] || [ -n "$(find "$top/src" -name '*.h' -newer "$obj" -print -quit)" ]; then
     "$cxx" "${cxxflags[@]}" -fsanitize=fuzzer-no-link -c "$src" -o "$obj"
   fi
 }
 objects=()
 pids=()
 for src in $sources; do
-  obj="$build/obj/$(basename "${src%.cpp}").o"
+  obj="$build/obj/$(basename "$(dirname "$src")")_$(basename "${src%.cpp}").o"
   objects+=("$obj")
   compile "$src" "$obj" &
   pids+=($!)
@@ -46,10 +51,15 @@ for src in $sources; do
 done
 for pid in "${pids[@]}"; do wait "$pid"; done
 
+# An archive, so that a target takes only the objects it needs (the
+# foundation's scheduler, say, would want Qt's meta-object code).
+rm -f "$build/engine.a"
+ar rcs "$build/engine.a" "${objects[@]}"
+
 failed=()
 for target in $targets; do
   binary="$build/fuzz_$target"
-  "$cxx" "${cxxflags[@]}" -fsanitize=fuzzer "$here/fuzz_$target.cc" "${objects[@]}" "${libs[@]}" -o "$binary"
+  "$cxx" "${cxxflags[@]}" -fsanitize=fuzzer "$here/fuzz_$target.cc" "$build/engine.a" "${libs[@]}" -o "$binary"
   corpus="$build/corpus/$target"
   mkdir -p "$corpus"
   echo "fuzz: $target for ${seconds}s"
