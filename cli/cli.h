@@ -39,6 +39,7 @@ const std::vector<Command> &itemCommands();
 const std::vector<Command> &convertCommands();
 const std::vector<Command> &serveCommands();
 const std::vector<Command> &browserCommands();
+const std::vector<Command> &fountainCommands();
 
 // Prints one line to standard error and answers the status.
 int fail(const QString &message, int status = Failure);
@@ -47,6 +48,8 @@ void printLine(const QString &line);
 // with --json.
 void printValue(const QVariant &value, bool json);
 void printList(const QStringList &list, bool json);
+// Writes the output to -o FILE, or prints it.
+int deliver(const QString &text, const QCommandLineParser &parser);
 
 // An argument naming a file, made absolute against the working folder.
 QString absolutePath(const QString &argument);

@@ -1,5 +1,6 @@
 #include "cli.h"
 #include "foundation/dates.h"
+#include "store/document_file.h"
 
 #include <QDir>
 #include <QJsonArray>
@@ -143,6 +144,18 @@ std::optional<QVariant> parseTypedValue(const QString &type, const QStringList &
         return date.toUTC();
     }
     return std::nullopt;
+}
+
+int deliver(const QString &text, const QCommandLineParser &parser)
+{
+    if (!parser.isSet(QStringLiteral("o"))) {
+        printLine(text);
+        return Success;
+    }
+    const QString file = absolutePath(parser.value(QStringLiteral("o")));
+    if (!store::tl_writeToFile(text.toUtf8(), file, true))
+        return fail(QStringLiteral("Cannot write %1").arg(file));
+    return Success;
 }
 
 } // namespace tl::cli

@@ -6,7 +6,9 @@
 #include "convert/markdown_to_html.h"
 #include "convert/style_sheet.h"
 #include "platform/settings.h"
+#include "screenplay/script_page.h"
 #include "store/document_file.h"
+#include "store/extensions.h"
 #include "store/keys.h"
 #include "store/style_values.h"
 #include "store/text_encoding.h"
@@ -60,19 +62,6 @@ std::optional<int> chosenConverter(const QCommandLineParser &parser)
     return parser.value(QStringLiteral("converter")).toInt();
 }
 
-// Writes the output to -o FILE, or prints it.
-int deliver(const QString &text, const QCommandLineParser &parser)
-{
-    if (!parser.isSet(QStringLiteral("o"))) {
-        printLine(text);
-        return Success;
-    }
-    const QString file = absolutePath(parser.value(QStringLiteral("o")));
-    if (!store::tl_writeToFile(text.toUtf8(), file, true))
-        return fail(QStringLiteral("Cannot write %1").arg(file));
-    return Success;
-}
-
 int render(const QCommandLineParser &parser, const Invocation &in)
 {
     if (in.arguments.size() != 1)
@@ -80,8 +69,11 @@ int render(const QCommandLineParser &parser, const Invocation &in)
     const std::optional<Source> source = readSource(in.arguments.first());
     if (!source)
         return fail(QStringLiteral("Cannot read %1").arg(in.arguments.first()));
-    const QString html =
-        convert::markdownToHTMLForDocument(source->text, source->path, chosenConverter(parser));
+    // A screenplay renders as its paged script.
+    const QString html = store::lowerCasedExtension(source->path) == u"fountain"
+                             ? screenplay::scriptPageForText(source->text).html
+                             : convert::markdownToHTMLForDocument(source->text, source->path,
+                                                                  chosenConverter(parser));
     return deliver(parser.isSet(QStringLiteral("body")) ? convert::tl_getInnerHTML(html) : html,
                    parser);
 }
@@ -115,7 +107,7 @@ int styleSheet(const QCommandLineParser &, const Invocation &in)
 const std::vector<Command> &convertCommands()
 {
     static const std::vector<Command> commands{
-        {"render", "Markdown document as a standalone HTML page, or its body", false,
+        {"render", "Markdown or Fountain document as a standalone HTML page, or its body", false,
          [](QCommandLineParser &parser) {
              parser.addPositionalArgument(QStringLiteral("PATH"),
                                           QStringLiteral("Document, or - for standard input."));

@@ -22,7 +22,7 @@ std::vector<const Command *> allCommands()
     std::vector<const Command *> all;
     for (const auto *group :
          {&libraryCommands(), &settingsCommands(), &pathCommands(), &itemCommands(),
-          &convertCommands(), &browserCommands(), &serveCommands()})
+          &convertCommands(), &fountainCommands(), &browserCommands(), &serveCommands()})
         for (const Command &c : *group)
             all.push_back(&c);
     return all;
