@@ -6,6 +6,7 @@ namespace tl::convert::keys {
 
 inline constexpr char IgnoreCommentsForWordCount[] = "ignoreCommentsForWordCount";
 inline constexpr char UseMarkdownStrictly[] = "useMarkdownStrictly";
+inline constexpr char UseUnderscoreToEmphasizeMD[] = "useUnderscoreToEmphasizeMD";
 inline constexpr char UseMMDCompatibleAnchors[] = "useMMDCompatibleAnchors";
 inline constexpr char AddLinksToHeadings[] = "addLinksToHeadings";
 inline constexpr char AppendBacklinksToText[] = "appendBacklinksToText";
