@@ -1,7 +1,10 @@
-// render, md prepare, css: the conversion of Markdown documents, for
-// scripts, exports and debugging a document.
+// render, md prepare, css, html2md, html2text: the conversion of Markdown
+// documents and the way back from HTML, for scripts, exports and debugging
+// a document.
 #include "cli.h"
 #include "convert/envelope.h"
+#include "convert/html_to_markdown.h"
+#include "convert/html_to_text.h"
 #include "convert/markdown_preparation.h"
 #include "convert/markdown_to_html.h"
 #include "convert/style_sheet.h"
@@ -15,6 +18,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <functional>
 
 namespace tl::cli {
 
@@ -62,20 +66,29 @@ std::optional<int> chosenConverter(const QCommandLineParser &parser)
     return parser.value(QStringLiteral("converter")).toInt();
 }
 
-int render(const QCommandLineParser &parser, const Invocation &in)
+// The one document (PATH or -) a command converts, and the delivery of what
+// it becomes.
+int convertSource(const QCommandLineParser &parser, const Invocation &in,
+                  const std::function<QString(const Source &)> &conversion)
 {
     if (in.arguments.size() != 1)
-        return fail(QStringLiteral("render takes one PATH or -"), Usage);
+        return fail(QStringLiteral("%1 takes one PATH or -").arg(in.command), Usage);
     const std::optional<Source> source = readSource(in.arguments.first());
     if (!source)
         return fail(QStringLiteral("Cannot read %1").arg(in.arguments.first()));
-    // A screenplay renders as its paged script.
-    const QString html = store::lowerCasedExtension(source->path) == u"fountain"
-                             ? screenplay::scriptPageForText(source->text).html
-                             : convert::markdownToHTMLForDocument(source->text, source->path,
-                                                                  chosenConverter(parser));
-    return deliver(parser.isSet(QStringLiteral("body")) ? convert::tl_getInnerHTML(html) : html,
-                   parser);
+    return deliver(conversion(*source), parser);
+}
+
+int render(const QCommandLineParser &parser, const Invocation &in)
+{
+    return convertSource(parser, in, [&](const Source &source) {
+        // A screenplay renders as its paged script.
+        const QString html = store::lowerCasedExtension(source.path) == u"fountain"
+                                 ? screenplay::scriptPageForText(source.text).html
+                                 : convert::markdownToHTMLForDocument(source.text, source.path,
+                                                                      chosenConverter(parser));
+        return parser.isSet(QStringLiteral("body")) ? convert::tl_getInnerHTML(html) : html;
+    });
 }
 
 int markdown(const QCommandLineParser &parser, const Invocation &in)
@@ -100,6 +113,34 @@ int styleSheet(const QCommandLineParser &, const Invocation &in)
         return fail(QStringLiteral("css takes one PATH"), Usage);
     printLine(convert::tl_inheritedStyleSheet(absolutePath(in.arguments.first())));
     return Success;
+}
+
+int htmlToMarkdown(const QCommandLineParser &parser, const Invocation &in)
+{
+    return convertSource(parser, in, [&](const Source &source) {
+        if (parser.isSet(QStringLiteral("no-styles")))
+            return convert::tl_htmlWithoutInlineStyles(source.text);
+        convert::MarkdownifyOptions options = convert::MarkdownifyOptions::fromSettings();
+        if (parser.isSet(QStringLiteral("underscore")))
+            options.underscoreEmphasis = true;
+        return convert::markdownifyHTML(source.text, options);
+    });
+}
+
+int htmlToText(const QCommandLineParser &parser, const Invocation &in)
+{
+    return convertSource(parser, in, [&](const Source &source) {
+        return parser.isSet(QStringLiteral("quick")) ? convert::tl_htmlToPlainQuick(source.text)
+                                                     : convert::tl_htmlToPlainText(source.text);
+    });
+}
+
+void describeHtmlSource(QCommandLineParser &parser)
+{
+    parser.addPositionalArgument(QStringLiteral("PATH"),
+                                 QStringLiteral("HTML document, or - for standard input."));
+    parser.addOption(
+        {QStringLiteral("o"), QStringLiteral("Write to FILE."), QStringLiteral("FILE")});
 }
 
 } // namespace
@@ -130,6 +171,23 @@ const std::vector<Command> &convertCommands()
              parser.addPositionalArgument(QStringLiteral("PATH"), QStringLiteral("Document."));
          },
          styleSheet},
+        {"html2md", "Markdown of an HTML document, or its HTML without inline styles", false,
+         [](QCommandLineParser &parser) {
+             describeHtmlSource(parser);
+             parser.addOption({QStringLiteral("underscore"),
+                               QStringLiteral("Emphasis with \"_\" and \"__\" for this run.")});
+             parser.addOption({QStringLiteral("no-styles"),
+                               QStringLiteral("The HTML without the inline styles of an editor "
+                                              "view, instead of Markdown.")});
+         },
+         htmlToMarkdown},
+        {"html2text", "Plain text of an HTML document: its Markdown source, else its text", false,
+         [](QCommandLineParser &parser) {
+             describeHtmlSource(parser);
+             parser.addOption({QStringLiteral("quick"),
+                               QStringLiteral("The rougher, faster text of previews.")});
+         },
+         htmlToText},
     };
     return commands;
 }

@@ -1,5 +1,6 @@
 #include "convert/store_registration.h"
 
+#include "convert/html_to_markdown.h"
 #include "convert/markdown_to_html.h"
 #include "store/text_conversions.h"
 
@@ -9,6 +10,9 @@ void registerConversionsWithStore()
 {
     store::textConversions().markdownToHTML = [](const QString &markdown, const QString &path) {
         return markdownToHTMLForDocument(markdown, path);
+    };
+    store::textConversions().markdownifyHTML = [](const QString &html) {
+        return tl_markdownifyHTML(html);
     };
 }
 

@@ -24,4 +24,33 @@ TEST(DuplicateAsCommand, MarkdownBecomesAFormattedDocumentThroughTheConverter)
     EXPECT_EQ(tltest::readFile(library + "/Report.md"), "# Report\n\n- [x] done\n");
 }
 
+TEST(DuplicateAsCommand, FormattedDocumentBecomesMarkdownAndPlainText)
+{
+    if (!tltest::tavelleAvailable())
+        GTEST_SKIP() << "TAVELLE_CLI is not set";
+    const QString home = tltest::makeTemporaryFolder("dup-home");
+    const QString library = home + "/Library";
+    ASSERT_EQ(tltest::runTavelle(home, {"init", library}).exitCode, 0);
+    const QByteArray page = "<html><head><title>Page</title></head><body><h2>Plan</h2>"
+                            "<p>Go <b>now</b>.</p><ol><li>one</li><li>two</li></ol></body></html>";
+    ASSERT_TRUE(tltest::writeFile(library + "/Page.html", page));
+    const auto md = tltest::runTavelle(home, {"dup", library + "/Page.html", "--as", "md"});
+    ASSERT_EQ(md.exitCode, 0) << md.err.toStdString();
+    EXPECT_EQ(tltest::readFile(library + "/Page.md"),
+              "## Plan\n\nGo **now**.\n\n 1.\tone\n 2.\ttwo");
+
+    // A document that carries its Markdown source gives that source.
+    ASSERT_TRUE(
+        tltest::writeFile(library + "/Source.html",
+                          "<!-- Plain Text Representation:\n# Source *text* \n-->\n\n" + page));
+    const auto txt = tltest::runTavelle(home, {"dup", library + "/Source.html", "--as", "txt"});
+    ASSERT_EQ(txt.exitCode, 0) << txt.err.toStdString();
+    EXPECT_EQ(tltest::readFile(library + "/Source.txt"), "# Source *text* \n");
+    const auto fromSource =
+        tltest::runTavelle(home, {"dup", library + "/Source.html", "--as", "md"});
+    ASSERT_EQ(fromSource.exitCode, 0) << fromSource.err.toStdString();
+    EXPECT_EQ(tltest::readFile(library + "/Source.md"), "# Source *text* \n");
+    EXPECT_EQ(tltest::readFile(library + "/Page.html"), page);
+}
+
 } // namespace
