@@ -30,7 +30,7 @@ QJsonValue toJson(const QVariant &value)
         return array;
     }
     case QMetaType::QDateTime:
-        return value.toDateTime().toUTC().toString(Qt::ISODate);
+        return isoDateString(value.toDateTime());
     case QMetaType::QByteArray:
         return QString::fromLatin1(value.toByteArray().toBase64());
     case QMetaType::Bool:

@@ -1,6 +1,7 @@
 #include "foundation/dates.h"
 
 #include <cmath>
+#include <cstdlib>
 
 namespace tl {
 
@@ -39,6 +40,23 @@ QDateTime distantFuture()
 bool isDistantPast(const QDateTime &date)
 {
     return date.isValid() && date == distantPast();
+}
+
+QString isoDateString(const QDateTime &date)
+{
+    const QDateTime utc = date.toUTC();
+    const QDate day = utc.date();
+    // The calendar has no year 0: the year before 1 is -1.
+    const int year = day.year() < 0 ? day.year() + 1 : day.year();
+    const QString sign = year < 0      ? QStringLiteral("-")
+                         : year > 9999 ? QStringLiteral("+")
+                                       : QString();
+    return QStringLiteral("%1%2-%3-%4T%5Z")
+        .arg(sign)
+        .arg(std::abs(year), 4, 10, QLatin1Char('0'))
+        .arg(day.month(), 2, 10, QLatin1Char('0'))
+        .arg(day.day(), 2, 10, QLatin1Char('0'))
+        .arg(utc.time().toString(QStringLiteral("HH:mm:ss")));
 }
 
 } // namespace tl

@@ -16,4 +16,9 @@ QDateTime distantPast();
 QDateTime distantFuture();
 bool isDistantPast(const QDateTime &date);
 
+// ISO 8601 in UTC to the second ("2024-05-06T07:08:09Z") for every date,
+// those before year 1 included: their years count astronomically, so 1 BC is
+// 0000 and the distant past prints as 0000-12-30T00:00:00Z.
+QString isoDateString(const QDateTime &date);
+
 } // namespace tl

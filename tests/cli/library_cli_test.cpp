@@ -90,6 +90,26 @@ TEST_F(LibraryCommand, PropertiesReadBackAsTheStoreReadsThem)
     EXPECT_EQ(missing.err.count('\n'), 1);
 }
 
+TEST_F(LibraryCommand, DatesThatStandForNoDatePrintAsDates)
+{
+    ASSERT_EQ(run({"init", library}).exitCode, 0);
+    const QString doc = library + "/Tasks/Doc.md";
+    ASSERT_TRUE(tltest::writeFile(doc, "# Doc"));
+    for (const char *key : {"Mail", "Print", "CreationDate"})
+        EXPECT_EQ(run({"prop", "get", doc, key}).out, "0000-12-30T00:00:00Z\n") << key;
+    EXPECT_EQ(run({"--json", "prop", "get", doc, "Mail"}).out, "\"0000-12-30T00:00:00Z\"\n");
+
+    // A row of a task list that is no task sorts by the distant past.
+    ASSERT_TRUE(tltest::writeFile(
+        library + "/Tasks/TLTasklistDetails.plist",
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict><key>Doc.md</key>"
+        "<dict><key>State</key><string>no_task</string></dict></dict></plist>\n"));
+    const auto listed = run({"--json", "ls", library + "/Tasks"});
+    const QJsonArray rows = QJsonDocument::fromJson(listed.out.toUtf8())["documents"].toArray();
+    ASSERT_EQ(rows.size(), 1) << listed.out.toStdString();
+    EXPECT_EQ(rows[0]["DueDate"].toString(), "0000-12-30T00:00:00Z");
+}
+
 TEST_F(LibraryCommand, SettingsTakeTypedValuesAndRejectBadOnes)
 {
     EXPECT_EQ(run({"settings", "set", "recentItemCount", "2", "--type", "int"}).exitCode, 0);

@@ -1,6 +1,7 @@
 #include "foundation/dates.h"
 #include "foundation/digest.h"
 
+#include <QTimeZone>
 #include <gtest/gtest.h>
 
 namespace {
@@ -22,6 +23,25 @@ TEST(Dates, DistantDatesLieFarOutAndAreRecognised)
     EXPECT_TRUE(tl::isDistantPast(tl::distantPast()));
     EXPECT_FALSE(tl::isDistantPast(tl::referenceDate()));
     EXPECT_LT(tl::distantPast(), tl::referenceDate());
+}
+
+TEST(Dates, EveryDatePrintsInIso8601)
+{
+    struct Case
+    {
+        QDateTime date;
+        const char *printed;
+    };
+    const Case cases[] = {
+        {tl::referenceDate(), "2001-01-01T00:00:00Z"},
+        {QDateTime(QDate(2024, 5, 6), QTime(7, 8, 9), QTimeZone(3600)), "2024-05-06T06:08:09Z"},
+        {tl::distantPast(), "0000-12-30T00:00:00Z"},
+        {tl::distantFuture(), "4001-01-01T00:00:00Z"},
+        {QDateTime(QDate(-2, 3, 4), QTime(0, 0), Qt::UTC), "-0001-03-04T00:00:00Z"},
+        {QDateTime(QDate(12345, 1, 2), QTime(0, 0), Qt::UTC), "+12345-01-02T00:00:00Z"},
+    };
+    for (const Case &c : cases)
+        EXPECT_EQ(tl::isoDateString(c.date), QString::fromLatin1(c.printed));
 }
 
 TEST(Digest, RootKeyIsUpperCaseMd5OfTheUtf8Path)
