@@ -77,8 +77,11 @@ AppDelegate::AppDelegate(LaunchOptions options) : m_options(options)
 
 void AppDelegate::initAppSettings()
 {
-    if (redirectStandardErrorToLibraryLog())
+    // The line is logged even where standard error stays (the command).
+    if (plainLogEnabled()) {
+        redirectStandardErrorToLibraryLog();
         logLine(QStringLiteral("init and setup"));
+    }
 
     platform::Settings &settings = platform::settings();
     if (platform::hasCloudIdentity()) {

@@ -11,6 +11,7 @@
 #include "shell/shell_hooks.h"
 #include "store/library_folders.h"
 #include "store/library_root.h"
+#include "store/log.h"
 #include "store/properties.h"
 #include "store/recent_items.h"
 #include "support/test_environment.h"
@@ -123,6 +124,16 @@ TEST_F(ShellTest, SettingTheRootPreparesTheLibraryAndPostsTheRootEvents)
     ASSERT_GE(reload, 0);
     EXPECT_EQ(payloads[reload].value("path").toString(), store::libraryRoot());
     EXPECT_GT(posted.indexOf("TLKSNewTavelleRootSelected"), reload);
+}
+
+TEST_F(ShellTest, TheLibraryLogReceivesInitAndSetup)
+{
+    // Standard error stays where it is, as in the command.
+    setStandardErrorRedirectAllowed(false);
+    ASSERT_TRUE(tltest::writeFile(library + "/TLMacLog.txt", ""));
+    shell::tl_setRootToPath(library);
+    setStandardErrorRedirectAllowed(true);
+    EXPECT_TRUE(tltest::readFile(library + "/TLMacLog.txt").contains(" init and setup\n"));
 }
 
 TEST_F(ShellTest, WelcomeDocumentOnlyGoesIntoAnEmptyLibrary)
