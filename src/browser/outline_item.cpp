@@ -197,8 +197,10 @@ void TLKSOutlineItem::addBooksOfFolder(const QString &folder)
             store::packageExtensions().contains(store::lowerCasedExtension(name)) ||
             store::tl_pathIsDotFile(name))
             continue;
-        m_children.push_back(
-            std::make_unique<TLKSOutlineItem>(path::appendingComponent(folder, name), this, true));
+        // The listing holds dangling links too; only existing folders are books.
+        const QString path = path::appendingComponent(folder, name);
+        if (QFileInfo(path).isDir())
+            m_children.push_back(std::make_unique<TLKSOutlineItem>(path, this, true));
     }
     sortChildren();
 }

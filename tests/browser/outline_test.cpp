@@ -66,12 +66,15 @@ TEST_F(Outline, TreeHasTwoGroupsAndOnlyRealBooks)
                              ".hidden", "Pages.rtfd", "Odd.plist"})
         makeFolder(inRoot(name));
     makeFile(inRoot("Document.md"));
+    // Links count by what they lead to: a dangling one is no book.
+    ASSERT_TRUE(QFile::link(inRoot("Beta"), inRoot("Linked")));
+    ASSERT_TRUE(QFile::link(inRoot("Gone"), inRoot("Dangling")));
     TLKSOutlineItem &root = TLKSOutlineItem::rootItem();
     ASSERT_EQ(root.numberOfChildren(), 2);
     EXPECT_EQ(root.childAtIndex(0)->title(), "Smart Books");
     EXPECT_EQ(root.childAtIndex(1)->title(), "Books");
     EXPECT_EQ(TLKSOutlineItem::booksItem()->fullPath(), root_);
-    EXPECT_EQ(booksOf(root_), (QStringList{"alpha", "Beta", "Gamma 9", "Gamma 10"}));
+    EXPECT_EQ(booksOf(root_), (QStringList{"alpha", "Beta", "Gamma 9", "Gamma 10", "Linked"}));
 }
 
 TEST_F(Outline, ChildrenFollowTheBooksOrderOfTheirBook)
