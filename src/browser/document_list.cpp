@@ -37,11 +37,6 @@ bool setting(const char *key)
     return platform::settings().boolValue(QLatin1String(key));
 }
 
-bool nameMatchesFilter(const QString &name, const QString &filter)
-{
-    return filter.isEmpty() || caseAndDiacriticInsensitiveContains(name, filter);
-}
-
 bool isPackage(const QString &path)
 {
     return store::packageExtensions().contains(store::lowerCasedExtension(path));
@@ -170,7 +165,7 @@ void TLKSDocumentListViewController::fillPlainBook()
             requestPlaceholderDownload(entry);
             continue;
         }
-        if (store::tl_pathIsExcludedFromDisplay(entry) || !nameMatchesFilter(name, searchFilter))
+        if (store::tl_pathIsExcludedFromDisplay(entry) || !matchesFilter(name))
             continue;
         if (it.fileInfo().isDir() && !isPackage(entry)) {
             if (collapsed)
@@ -193,6 +188,17 @@ void TLKSDocumentListViewController::fillPlainBook()
     sortDocuments();
 }
 
+bool TLKSDocumentListViewController::matchesFilter(const QString &name) const
+{
+    if (searchFilter.isEmpty())
+        return true;
+    // Filtering the last query's results compares as the query did, accents
+    // and case aside; every other list is filtered with accents significant.
+    if (smartBookType == SearchResults || smartBookType == RecentlyModified)
+        return caseAndDiacriticInsensitiveContains(name, searchFilter);
+    return caseInsensitiveContains(name, searchFilter);
+}
+
 void TLKSDocumentListViewController::addSmartBookRows()
 {
     for (int type = kFirstListedSmartType; type <= kLastListedSmartType; ++type)
@@ -205,7 +211,7 @@ void TLKSDocumentListViewController::addRows(const QStringList &paths, bool asFo
 {
     const bool hideDone = setting(S::HideDoneTasks);
     for (const QString &item : paths) {
-        if (!nameMatchesFilter(path::lastComponent(item), searchFilter))
+        if (!matchesFilter(path::lastComponent(item)))
             continue;
         if (QFileInfo(item).isDir() && !isPackage(item)) {
             booksList << store::tl_rowForItem(item);
@@ -237,14 +243,12 @@ void TLKSDocumentListViewController::fillSmartBook()
     case AllTaskLists:
         for (const QString &book :
              absolutePaths(stringsOf(platform::settings().array(S::AllTaskLists))))
-            if (nameMatchesFilter(path::lastComponent(book), searchFilter) &&
-                store::tl_bookIsTasklist(book))
+            if (matchesFilter(path::lastComponent(book)) && store::tl_bookIsTasklist(book))
                 booksList << store::tl_rowForItem(book);
         break;
     case Contexts:
         for (const QString &tag : tl_listOfAllAvailableTags())
-            if (tag != QLatin1String(keys::property::FavoriteTag) &&
-                nameMatchesFilter(tag, searchFilter))
+            if (tag != QLatin1String(keys::property::FavoriteTag) && matchesFilter(tag))
                 smartBooksList << smartBookRow(Context, tag, tag);
         break;
     case Context:

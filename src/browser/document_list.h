@@ -87,6 +87,8 @@ private:
     void addRows(const QStringList &paths, bool asFound);
     QList<store::ListRow> *listHoldingPath(const QString &path, qsizetype *index);
     bool rowBelongsHere(const QString &path) const;
+    // Whether a name passes the search field's filter.
+    bool matchesFilter(const QString &name) const;
     std::optional<store::ListRow> rowForPath(const QString &path) const;
     void insertRow(const store::ListRow &row);
     void changed();

@@ -80,7 +80,7 @@ bool TLKSDocumentListViewController::rowBelongsHere(const QString &itemPath) con
     if (store::tl_pathIsExcludedFromDisplay(itemPath) || !QFileInfo::exists(itemPath))
         return false;
     const QString name = path::lastComponent(itemPath);
-    if (!searchFilter.isEmpty() && !caseAndDiacriticInsensitiveContains(name, searchFilter))
+    if (!matchesFilter(name))
         return false;
     switch (smartBookType) {
     case OrdinaryBook:

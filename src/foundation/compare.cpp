@@ -174,6 +174,29 @@ icu::UnicodeString searchForm(QStringView s)
     return out;
 }
 
+// Lower-cased in the collation locale, case-folded and composed: the form in
+// which "RÉSUMÉ" and "résumé" are the same text and "resume" another.
+icu::UnicodeString caseFoldedForm(QStringView s)
+{
+    icu::UnicodeString folded = alias(s);
+    folded.toLower(collationLocale());
+    folded.foldCase(U_FOLD_CASE_DEFAULT);
+    if (const icu::Normalizer2 *nfc = normalizer(true)) {
+        UErrorCode status = U_ZERO_ERROR;
+        icu::UnicodeString c = nfc->normalize(folded, status);
+        if (U_SUCCESS(status))
+            folded = std::move(c);
+    }
+    return folded;
+}
+
+bool isCombiningMark(UChar32 cp)
+{
+    const int8_t type = u_charType(cp);
+    return type == U_NON_SPACING_MARK || type == U_ENCLOSING_MARK ||
+           type == U_COMBINING_SPACING_MARK;
+}
+
 QByteArray sortKey(Kind kind, QStringView s)
 {
     icu::Collator *c = collator(kind);
@@ -249,6 +272,21 @@ bool caseAndDiacriticInsensitiveContains(QStringView haystack, QStringView needl
     if (n.isEmpty()) // a needle of marks alone
         return false;
     return searchForm(haystack).indexOf(n) >= 0;
+}
+
+bool caseInsensitiveContains(QStringView haystack, QStringView needle)
+{
+    if (needle.isEmpty())
+        return false;
+    const icu::UnicodeString n = caseFoldedForm(needle);
+    const icu::UnicodeString h = caseFoldedForm(haystack);
+    for (int32_t at = h.indexOf(n); at >= 0; at = h.indexOf(n, at + 1)) {
+        // A match that stops before a letter's marks would leave its accent out.
+        const int32_t end = at + n.length();
+        if (end >= h.length() || !isCombiningMark(h.char32At(end)))
+            return true;
+    }
+    return false;
 }
 
 QString precomposed(const QString &s)

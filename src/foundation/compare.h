@@ -41,6 +41,11 @@ int caseInsensitiveCompare(QStringView a, QStringView b);
 // and stripped of combining marks. An empty needle is never found.
 bool caseAndDiacriticInsensitiveContains(QStringView haystack, QStringView needle);
 
+// Whether `needle` occurs in `haystack` ignoring case (lower-cased in the
+// collation locale, then folded) with canonical equivalence; diacritics count,
+// so "emile" is not in "Émile" while "ÉMILE" is. An empty needle is never found.
+bool caseInsensitiveContains(QStringView haystack, QStringView needle);
+
 // Canonical composed (NFC) and decomposed (NFD) forms. A text already in the
 // form is answered as it is, shared.
 QString precomposed(const QString &s);

@@ -147,6 +147,36 @@ TEST(Compare, ContainsIgnoringCaseAndDiacritics)
     }
 }
 
+TEST(Compare, ContainsIgnoringCaseWithAccentsSignificant)
+{
+    struct Contains
+    {
+        const char16_t *haystack;
+        const char16_t *needle;
+        bool found;
+    };
+    const Contains cases[] = {
+        {u"Émile.md", u"emile", false},
+        {u"Émile.md", u"ÉMILE", true},
+        {u"Émile.md", u"e\u0301mile", true},
+        {u"E\u0301mile.md", u"émile", true},
+        {u"Émile", u"É", true},
+        {u"Émil", u"e", false},
+        {u"E\u0301mil", u"e", false},
+        {u"Emil", u"é", false},
+        {u"Café au lait", u"CAFÉ AU", true},
+        {u"Café", u"cafe", false},
+        {u"Straße", u"STRASSE", true},
+        {u"Naïve Art", u"VE A", true},
+        {u"abc", u"", false},
+    };
+    for (const auto &c : cases) {
+        const QString h = QString::fromUtf16(c.haystack), n = QString::fromUtf16(c.needle);
+        SCOPED_TRACE(h.toStdString() + " / " + n.toStdString());
+        EXPECT_EQ(tl::caseInsensitiveContains(h, n), c.found);
+    }
+}
+
 TEST(Compare, CanonicalForms)
 {
     const QString nfc = u"Café Ångström"_qs;
