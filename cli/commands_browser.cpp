@@ -146,18 +146,21 @@ int runList(const QCommandLineParser &p, const Invocation &in)
     if (p.isSet("collapsed"))
         settings.set(keys::setting::OutlineIsCollapsed, true);
     list.searchFilter = p.value("filter");
-    list.loadDisplayParameters();
-    if (p.isSet("sort"))
-        list.sortOrder = p.value("sort");
-    if (p.isSet("sort") || p.isSet("desc"))
+    // As the list loads a book: a plain book outside the library shows the root.
+    list.reloadBook();
+    if (p.isSet("sort") || p.isSet("desc")) {
+        if (p.isSet("sort"))
+            list.sortOrder = p.value("sort");
         list.sortAscending = !p.isSet("desc");
-    list.getDocumentsInFolder();
+        list.sortDocuments();
+    }
     if (p.isSet("collapsed"))
         settings.set(keys::setting::OutlineIsCollapsed, collapsed);
 
     if (in.json) {
         printValue(QVariantMap{{"headers", QVariantList{list.smartBooksHeader(), list.booksHeader(),
                                                         list.documentsHeader()}},
+                               {"path", list.path},
                                {"smartBooks", dictionaries(list.smartBooksList)},
                                {"books", dictionaries(list.booksList)},
                                {"documents", dictionaries(list.documentsList)},

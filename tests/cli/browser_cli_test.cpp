@@ -66,6 +66,19 @@ TEST_F(BrowserCommand, ListShowsHeadersAndRowsInOrder)
     EXPECT_EQ(run({"ls", "--smart", "nonsense"}).exitCode, 2);
 }
 
+TEST_F(BrowserCommand, AFolderOutsideTheLibraryListsTheRoot)
+{
+    tltest::writeFile(library + "/Root.md", "r");
+    QDir().mkpath(home + "/Outside");
+    tltest::writeFile(home + "/Outside/x.md", "x");
+    const auto outside = run({"ls", home + "/Outside"});
+    EXPECT_EQ(outside.exitCode, 0) << outside.err.toStdString();
+    EXPECT_EQ(outside.out, run({"ls"}).out);
+    EXPECT_FALSE(outside.out.contains("x.md"));
+    const auto json = run({"ls", home + "/Outside", "--json"});
+    EXPECT_EQ(QJsonDocument::fromJson(json.out.toUtf8())["path"].toString(), library);
+}
+
 TEST_F(BrowserCommand, SortStoresTheChosenOrder)
 {
     const auto r = run({"--json", "sort", library + "/Book", "4"});
