@@ -53,9 +53,9 @@ QString textAlignment(const QString &path)
         return QStringLiteral("initial");
     if (alignment.contains(QStringLiteral("Just")))
         return QStringLiteral("justify");
-    if (alignment == u"Right")
+    if (alignment.contains(QStringLiteral("Right")))
         return QStringLiteral("right");
-    if (alignment == u"Left")
+    if (alignment.contains(QStringLiteral("Left")))
         return QStringLiteral("left");
     return alignment;
 }

@@ -65,6 +65,29 @@ TEST_F(StyleSheets, VariablesIncludesAndComments)
                    "z {} </style>\n<script>go()</script>\n");
 }
 
+TEST_F(StyleSheets, TextAlignmentTakesTheStoredValuesByWhatTheyContain)
+{
+    const QString doc =
+        documentWithSheet(librarySheet("t.css", "p { text-align: **TavelleTextAlign**; }"));
+    struct Case
+    {
+        QVariant stored;
+        const char *alignment;
+    };
+    const Case cases[] = {
+        {QVariant(), "initial"},  {"Align Left", "left"}, {"Align Right", "right"},
+        {"Justified", "justify"}, {"Left", "left"},       {"Right", "right"},
+        {"center", "center"},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.alignment);
+        writePlist(inRoot("Book/BookProperties.plist"),
+                   c.stored.isValid() ? QVariantMap{{"TextAlignment", c.stored}} : QVariantMap{});
+        EXPECT_TRUE(tl_inheritedStyleSheet(doc).contains(
+            QStringLiteral("text-align: %1;").arg(QLatin1String(c.alignment))));
+    }
+}
+
 TEST_F(StyleSheets, AStyleElementIsEmbeddedAsItStandsAndOnlyTheFirstLosesItsLines)
 {
     const QString a = librarySheet("a.css", "<style>\n\ta {}\n</style>\n<style>\nb {}\n</style>");
