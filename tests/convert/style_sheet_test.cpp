@@ -44,6 +44,14 @@ TEST_F(StyleSheets, ShippedSheetsDefineTheThemeVariablesAndLeaveNoVariableBehind
         const QString css = tl_inheritedStyleSheet(documentWithSheet(sheet));
         const QString dark = tl_formattedDocAdjustedToDarkTheme(css);
         EXPECT_FALSE(css.contains("**Tavelle")) << sheet;
+        // Browsers drop a length without its unit.
+        for (qsizetype at = css.indexOf("padding-left:"); at >= 0;
+             at = css.indexOf("padding-left:", at + 1)) {
+            const QString value = css.mid(at + 13, css.indexOf(u';', at) - at - 13).trimmed();
+            bool isBareNumber = false;
+            value.toDouble(&isBareNumber);
+            EXPECT_TRUE(!isBareNumber || value == "0") << sheet << ": " << value;
+        }
         EXPECT_TRUE(dark.contains("--theme-color: #afafaf;")) << sheet;
         EXPECT_TRUE(dark.contains("--checkbox-done-color: #afafaf;")) << sheet;
     }
