@@ -98,11 +98,16 @@ bool RangeIndex::overlaps(qsizetype start, qsizetype end) const
 
 bool LazyCodeRanges::contains(const QString &textNow, const RegexMatch &result)
 {
+    return contains(textNow, result.start(), result.end());
+}
+
+bool LazyCodeRanges::contains(const QString &textNow, qsizetype start, qsizetype end)
+{
     if (!computed_) {
         ranges_ = RangeIndex(tl_rangesOfFencedCodeBlocks(textNow));
         computed_ = true;
     }
-    return ranges_.encloses(result.start(), result.end());
+    return ranges_.encloses(start, end);
 }
 
 } // namespace tl::convert

@@ -48,6 +48,7 @@ class LazyCodeRanges
 {
 public:
     bool contains(const QString &textNow, const RegexMatch &result);
+    bool contains(const QString &textNow, qsizetype start, qsizetype end);
 
 private:
     bool computed_ = false;

@@ -8,8 +8,10 @@ namespace tl::convert {
 
 namespace {
 
-// Extends a note whose text holds brackets to its balancing "]".
-qsizetype noteEnd(const QString &text, const RegexMatch &match)
+// Extends a note whose text holds brackets to its balancing "]", or short
+// of `limit`: the end of the text before any definition was appended, so
+// that a note never takes in the definitions of the notes behind it.
+qsizetype noteEnd(const QString &text, const RegexMatch &match, qsizetype limit)
 {
     const QStringView note = match.captured(text);
     if (!note.sliced(1).contains(u'['))
@@ -17,7 +19,7 @@ qsizetype noteEnd(const QString &text, const RegexMatch &match)
     // The expression stopped at the first "]": follow the nesting instead.
     int depth = 1;
     qsizetype end = match.end();
-    while (depth > 0 && end + 1 < text.size()) {
+    while (depth > 0 && end + 1 < limit) {
         const QChar c = text.at(end);
         if (c == u']')
             --depth;
@@ -80,6 +82,8 @@ private:
     QMultiHash<QString, qsizetype> byKey_;
 };
 
+} // namespace
+
 QString labelOfNote(QStringView note)
 {
     QString label = note.toString();
@@ -89,6 +93,8 @@ QString labelOfNote(QStringView note)
     }
     return label;
 }
+
+namespace {
 
 QString bodyOfNote(QStringView note)
 {
@@ -135,7 +141,7 @@ QString notesMovedToDefinitions(const QString &text, LazyCodeRanges &code)
         const RegexMatch &match = notes[i];
         if (code.contains(result, match))
             continue;
-        const qsizetype end = noteEnd(result, match);
+        const qsizetype end = noteEnd(result, match, text.size());
         const QString noteText = result.mid(match.start(), end - match.start());
         if (!definitions)
             definitions.emplace(result);

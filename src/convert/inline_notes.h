@@ -12,4 +12,8 @@ namespace tl::convert {
 // `code` is the code-range list of the whole pass, stale or not yet made.
 QString notesMovedToDefinitions(const QString &text, LazyCodeRanges &code);
 
+// The label a note "[^ a [b] c]" is filed under, "[^ a -b- c]": brackets
+// inside it become "-".
+QString labelOfNote(QStringView note);
+
 } // namespace tl::convert

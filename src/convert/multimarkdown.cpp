@@ -11,6 +11,10 @@
 #include "foundation/regex.h"
 #include "platform/settings.h"
 
+#include <QHash>
+#include <QSet>
+#include <vector>
+
 namespace tl::convert {
 
 namespace {
@@ -41,14 +45,66 @@ QString inMultiMarkdownShapes(QString html)
     return html;
 }
 
+// Where each "[" of the text is closed, for the openings of inline notes.
+QHash<qsizetype, qsizetype> closingsOfNotes(const QString &text)
+{
+    QHash<qsizetype, qsizetype> closings;
+    std::vector<qsizetype> open;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] == u'[') {
+            open.push_back(i);
+        } else if (text[i] == u']' && !open.empty()) {
+            if (QStringView(text).sliced(open.back()).startsWith(u"[^ "))
+                closings.insert(open.back(), i);
+            open.pop_back();
+        }
+    }
+    return closings;
+}
+
+// Inline notes, "[^ text]" as the preparation writes them, become
+// reference notes, which Discount knows: each note is replaced by its label
+// and one definition per label goes behind the text, the last note's
+// first. A note runs to its balancing bracket; an unbalanced one, one
+// followed by ":" (a definition) and one inside code stay as they are.
+QString inlineNotesAsReferences(const QString &source)
+{
+    if (!source.contains(QStringLiteral("[^ ")))
+        return source;
+    const QHash<qsizetype, qsizetype> closings = closingsOfNotes(source);
+    LazyCodeRanges code;
+    QList<std::pair<qsizetype, qsizetype>> notes;
+    qsizetype from = 0; // behind the last note: notes inside it are its text
+    for (qsizetype at = source.indexOf(QStringLiteral("[^ ")); at >= 0;
+         at = source.indexOf(QStringLiteral("[^ "), std::max(from, at + 1))) {
+        const auto closing = closings.constFind(at);
+        if (closing == closings.cend())
+            continue;
+        const qsizetype end = *closing + 1;
+        if ((end < source.size() && source[end] == u':') || code.contains(source, at, end))
+            continue;
+        notes.append({at, end});
+        from = end;
+    }
+    QString result = source;
+    QSet<QString> defined;
+    for (qsizetype i = notes.size() - 1; i >= 0; --i) {
+        const auto [start, end] = notes[i];
+        const QStringView note = QStringView(source).sliced(start, end - start);
+        const QString label = labelOfNote(note);
+        result.replace(start, label.size(), label);
+        if (!defined.contains(label)) {
+            defined.insert(label);
+            result += QStringLiteral("\n%1: %2").arg(label, note.sliced(2, note.size() - 3));
+        }
+    }
+    return result;
+}
+
 QString htmlOfSource(const QString &source)
 {
-    // Inline notes become numbered notes at the end, as in the default
-    // converter.
-    LazyCodeRanges code;
-    const QString withNotes = notesMovedToDefinitions(source, code);
     std::unique_ptr<discount::Document> document =
-        discount::Document::parse(withNotes.toUtf8(), multiMarkdownFlags());
+        discount::Document::parse(inlineNotesAsReferences(source).toUtf8(), multiMarkdownFlags());
     if (!document)
         return QString();
     document->setAnchorMaker([](QByteArrayView heading) {

@@ -57,9 +57,21 @@ TEST_F(Preparation, InlineNotesBecomeDefinitionsForTheDefaultConverter)
         {"twins share one definition", "^[a] ^[a]", "[^ a] [^ a]\n[^ a]:  a"},
         {"note in a code span", "`^[a]`", "`^[a]`"},
         {"note in a fence", "x\n```\n^[a]\n```\n", "x\n```\n^[a]\n```\n"},
+        {"unbalanced notes stop at the end of the text before any definition", "^[[a] ^[[b] ",
+         "[^ -a- -^ -b] \n[^ -b]:  [b\n[^ -a- -^ -b]:  [a] [^ -b"},
         {"reference in a fence", "x\n```\n[^1]\n```\n", "x\n```\n[^1]\n```\n"},
     };
     expectTable(0, cases);
+}
+
+TEST_F(Preparation, UnbalancedNotesNeverTakeInTheDefinitionsBehindThem)
+{
+    // Each note would otherwise reach into all the definitions appended so
+    // far and triple the text.
+    const QString text = QString("^[[a] ").repeated(16);
+    EXPECT_LT(tl_stringPreparedForConversionWith(text, 0).size(), 40 * text.size());
+    EXPECT_EQ(tl_stringPreparedForConversionWith(text, 1),
+              QString("[^ [a] ").repeated(16)); // notes are the converter's business there
 }
 
 TEST_F(Preparation, HeadingAnchorsAndCheckboxesForTheDefaultConverter)

@@ -96,6 +96,12 @@ TEST_F(MarkdownToHTML, MultiMarkdown)
                {"heading ids", "# My Title\n\n## Part [p2]",
                 "<h1 id=\"mytitle\">My Title</h1>\n\n<h2 id=\"p2\">Part </h2>"},
                {"critic accepted", "a {++b++}{--c--} {~~d~>e~~}{>>f<<}", "<p>a b e</p>"},
+               {"inline note", "a ^[n [x]] b",
+                "<p>a <sup id=\"fnref:1\"><a href=\"#fn:1\" rel=\"footnote\">1</a></sup> b</p>\n"
+                "<div class=\"footnotes\">\n<hr/>\n<ol>\n<li id=\"fn:1\">\nn [x]<a "
+                "href=\"#fnref:1\" rev=\"footnote\">&#8617;</a></li>\n</ol>\n</div>"},
+               {"unbalanced inline notes stay text", QString("^[[a] ").repeated(16),
+                "<p>" + QString("[^ [a] ").repeated(16).trimmed() + "</p>"},
                {"contents", "{{TOC}}\n\n# A",
                 "<!-- TOC -->\n<div class=\"TOC\">\n<ul>\n <li><a "
                 "href=\"#a\">A</a></li>\n</ul>\n\n</div>\n\n\n<h1 id=\"a\">A</h1>"},
