@@ -106,7 +106,6 @@ int runServe(const QCommandLineParser &p, const Invocation &in)
         return fail(QStringLiteral("Cannot watch for SIGINT and SIGTERM"));
     platform::setAlertPresenter(std::make_shared<StandardErrorAlerts>());
     server::setServerControlOptions({p.value(QStringLiteral("interface")), {}});
-    server::installServerControl();
     if (!server::launchTavelleServer())
         return Failure;
 

@@ -1,6 +1,6 @@
 // tavelle: the library's operations from the command line, headless.
+#include "assembly/core_assembly.h"
 #include "cli.h"
-#include "convert/store_registration.h"
 #include "platform/settings.h"
 #include "shell/version.h"
 #include "store/keys.h"
@@ -74,7 +74,9 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationVersion(QString::fromLatin1(tl::shell::kShortVersion));
     tl::setUpDiagnostics();
     tl::setStandardErrorRedirectAllowed(false);
-    tl::convert::registerConversionsWithStore();
+    tl::assembly::assembleCore({});
+    if (!tl::assembly::checkAssembly())
+        return Failure;
 
     QStringList args = QCoreApplication::arguments().mid(1);
     bool json = false;

@@ -17,4 +17,9 @@ inline constexpr char ContextTagSortDescending[] = "contextTagSortDescending";
 inline constexpr char FavoritesSortOrder[] = "favoritesSortOrder";
 inline constexpr char FavoritesSortDescending[] = "favoritesSortDescending";
 inline constexpr char HideDocumentWhenChangingBook[] = "hideDocumentWhenChangingBook";
+inline constexpr char ShowMarkdownAsPlainText[] = "showMarkdownAsPlainText";
+inline constexpr char OpenWebarchivesWithTLKSMethods[] = "openWebarchivesWithTLKSMethods";
+inline constexpr char NoAutosaveText[] = "noAutosaveText";
+inline constexpr char ShowHTMLHeader[] = "showHTMLHeader";
+inline constexpr char DefaultDocumentType[] = "DefaultDocumentType";
 } // namespace tl::keys::setting

@@ -302,16 +302,22 @@ void TLKSDocumentListViewController::reloadBook()
 void TLKSDocumentListViewController::handleOpenBookNotification(const QString &bookPath,
                                                                 int smartType)
 {
+    if (takeOpenedBook(bookPath, smartType))
+        reloadBook();
+}
+
+bool TLKSDocumentListViewController::takeOpenedBook(const QString &bookPath, int smartType)
+{
     const bool hadFilter = !searchFilter.isEmpty();
     searchFilter.clear();
     QString target = bookPath;
     if (smartType == 0 && !store::tl_pathIsBook(bookPath))
         target = path::deletingLastComponent(bookPath);
     if (smartType == 0 && smartBookType == 0 && target == path && !hadFilter)
-        return;
+        return false;
     smartBookType = smartType == Inbox ? 0 : smartType;
     path = smartType == Inbox ? defaultInboxPath() : target;
-    reloadBook();
+    return true;
 }
 
 QList<store::ListRow> *TLKSDocumentListViewController::listHoldingPath(const QString &itemPath,

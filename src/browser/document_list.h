@@ -74,6 +74,9 @@ public:
     void newFileCreated(const QString &path);
     // The outline's selection: a book, a smart book or a context.
     void handleOpenBookNotification(const QString &path, int smartType);
+    // Takes the selection's book and type; answers whether the rows must be
+    // read anew (not for the same plain book again).
+    bool takeOpenedBook(const QString &path, int smartType);
 
     // Follows the file and selection events of the notification centre.
     void startObserving();

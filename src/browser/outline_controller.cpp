@@ -185,7 +185,8 @@ void TLKSOutlineViewController::handleWatchReport(const platform::FileWatchRepor
         return;
     case Kind::Rescanned:
         // Lost events: the tree and the list read the disk again.
-        m_model.changeTree([] { TLKSOutlineItem::rootItem().resetAllChildren(); });
+        m_model.refreshChildren(TLKSOutlineItem::booksItem());
+        m_model.refreshChildren(TLKSOutlineItem::smartBooksItem());
         center().post(events::ReloadCurrentBook);
         return;
     case Kind::WatchLimitReached:
@@ -204,13 +205,13 @@ void TLKSOutlineViewController::newRootSelected()
     initFileCoordinationAndTaskLists();
     const LibrarySettings before = LibrarySettings::current();
 
-    m_model.changeTree([] { TLKSOutlineItem::rootItem().resetAllChildren(); });
+    m_model.resetTree();
     m_smartBooksCollapsed = false;
     center().post(events::ReloadContextSmartBook);
 
     if (server)
         shell::shellHooks().launchServer();
-    shell::AppDelegate().initAppSettings();
+    shell::appDelegate().initAppSettings();
 
     if (!store::TLStaticFunctions::verifiedListOfRecentItems().isEmpty())
         store::TLStaticFunctions::showMostRecentDocument();
@@ -352,8 +353,7 @@ void TLKSOutlineViewController::presentedSubitemDidChangeAtURL(const QString &pa
             if (bookProperties) {
                 if (TLKSOutlineItem *book = owner == root ? TLKSOutlineItem::booksItem()
                                                           : TLKSOutlineItem::childAtPath(owner)) {
-                    if (book->childrenAreBuilt())
-                        m_model.changeTree([book] { book->sortChildren(); });
+                    m_model.resortChildren(book);
                     m_model.reloadItem(book);
                 }
             }
@@ -361,7 +361,7 @@ void TLKSOutlineViewController::presentedSubitemDidChangeAtURL(const QString &pa
         center().post(events::FileModifiedOnDisk, {{"path", path}});
         if (isDirectory && !isPackage(path) && !TLKSOutlineItem::childAtPath(path) &&
             !store::tl_pathIsDotFile(path))
-            m_model.changeTree([&path] { TLKSOutlineItem::insertChildAtPath(path); });
+            m_model.insertChildAtPath(path);
     } else {
         logLine(QStringLiteral("DELETED: %1").arg(path));
         const QString extension = path::extension(path);
@@ -389,8 +389,7 @@ void TLKSOutlineViewController::presentedSubitemDidChangeAtURL(const QString &pa
 void TLKSOutlineViewController::removeFolderWithPath(const QString &path)
 {
     TLKSOutlineItem *item = TLKSOutlineItem::childAtPath(path);
-    if (item && item->parent)
-        m_model.changeTree([item] { item->parent->removeChild(item); });
+    m_model.removeItem(item);
 }
 
 void TLKSOutlineViewController::followInbox(const QString &source, const QString &target)
@@ -485,20 +484,12 @@ void TLKSOutlineViewController::moveInTree(const QString &source, const QString 
     TLKSOutlineItem *item =
         oldParent ? oldParent->childWithTitle(path::lastComponent(source)) : nullptr;
 
-    m_model.changeTree([&] {
-        if (item && oldParent == newParent) {
-            item->changeRelativePath(target);
-        } else if (item && newParent) {
-            item->changeRelativePath(target);
-            item->moveToParent(newParent);
-            newParent->sortChildren();
-        } else if (newParent && newParent->childrenAreBuilt()) {
-            newParent->addChildWithTitle(path::lastComponent(target));
-            newParent->sortChildren();
-        } else if (item) {
-            oldParent->removeChild(item);
-        }
-    });
+    if (item && newParent)
+        m_model.moveItem(item, newParent, target);
+    else if (newParent)
+        m_model.insertChildAtPath(target);
+    else if (item)
+        m_model.removeItem(item);
     if (!item && oldParent == newParent && oldParent)
         logLine(QStringLiteral("CATCH Exception while moving entry %1 to %2 (%3 to %4)")
                     .arg(source, target)
@@ -515,13 +506,12 @@ void TLKSOutlineViewController::updateSmartBookOfType(int type)
     const bool shouldExist = smartBookShouldExist(type);
     TLKSOutlineItem *present = TLKSOutlineItem::smartBookOfType(type);
     if (shouldExist && !present) {
-        m_model.changeTree([type] { TLKSOutlineItem::insertSmartChildOfType(type); });
+        m_model.insertSmartBook(type);
     } else if (shouldExist && present) {
-        if (present->childrenAreBuilt())
-            m_model.changeTree([present] { present->resetAllChildren(); });
+        m_model.refreshChildren(present);
         m_model.reloadItem(present);
     } else if (present) {
-        m_model.changeTree([present] { present->parent->removeChild(present); });
+        m_model.removeItem(present);
     }
 }
 

@@ -129,65 +129,67 @@ const std::vector<std::unique_ptr<TLKSOutlineItem>> &TLKSOutlineItem::children()
 {
     if (!m_built) {
         m_built = true;
-        buildChildren();
+        m_children = childrenFromDisk();
     }
     return m_children;
 }
 
-void TLKSOutlineItem::buildChildren()
+TLKSOutlineItem::Children TLKSOutlineItem::childrenFromDisk()
 {
+    Children list;
     if (!parent) {
         auto smart = std::make_unique<TLKSOutlineItem>(QStringLiteral("Smart Books"), this, 0);
         smart->groupItemType = SmartBooksGroup;
         auto books = std::make_unique<TLKSOutlineItem>(store::libraryRoot(), this, true);
         books->groupItemType = BooksGroup;
-        m_children.push_back(std::move(smart));
-        m_children.push_back(std::move(books));
-        return;
+        list.push_back(std::move(smart));
+        list.push_back(std::move(books));
+        return list;
     }
     if (groupItemType == SmartBooksGroup) {
         // In type order, unsorted.
         for (int type = kFirstListedSmartType; type <= kLastListedSmartType; ++type)
             if (smartBookShouldExist(type))
-                m_children.push_back(
+                list.push_back(
                     std::make_unique<TLKSOutlineItem>(titleForSmartBookOfType(type), this, type));
-        return;
+        return list;
     }
     switch (smartBookType) {
     case Contexts:
         for (const QString &tag : tl_listOfAllAvailableTags())
             if (tag != QLatin1String(P::FavoriteTag))
-                m_children.push_back(std::make_unique<TLKSOutlineItem>(tag, this, int(Context)));
-        sortChildren();
-        return;
+                list.push_back(std::make_unique<TLKSOutlineItem>(tag, this, int(Context)));
+        sortList(list);
+        break;
     case Favorites:
         for (const QString &item : tl_listOfAllItemsForTag(QLatin1String(P::FavoriteTag)))
             if (QFileInfo(item).isDir() &&
                 !store::packageExtensions().contains(store::lowerCasedExtension(item)))
-                m_children.push_back(std::make_unique<TLKSOutlineItem>(item, this, true));
-        sortChildren();
-        return;
+                list.push_back(std::make_unique<TLKSOutlineItem>(item, this, true));
+        sortList(list);
+        break;
     case AllTaskLists: {
         const QString root = store::libraryRoot();
         for (const QVariant &entry : platform::settings().array(QLatin1String(S::AllTaskLists))) {
             const QString book =
                 entry.toString() == u"/" ? root : path::appendingComponent(root, entry.toString());
             if (store::tl_bookIsTasklist(book))
-                m_children.push_back(std::make_unique<TLKSOutlineItem>(book, this, true));
+                list.push_back(std::make_unique<TLKSOutlineItem>(book, this, true));
         }
-        return;
+        break;
     }
     case OrdinaryBook:
     case Inbox:
         if (!isDocument)
-            addBooksOfFolder(fullPath());
-        return;
+            addBooksOfFolder(fullPath(), list);
+        break;
     default:
-        return;
+        break;
     }
+    return list;
 }
 
-void TLKSOutlineItem::addBooksOfFolder(const QString &folder)
+void TLKSOutlineItem::addBooksOfFolder(const QString &folder, Children &into)
 {
     const QStringList names =
         QDir(folder).entryList(QDir::Dirs | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
@@ -200,15 +202,40 @@ void TLKSOutlineItem::addBooksOfFolder(const QString &folder)
         // The listing holds dangling links too; only existing folders are books.
         const QString path = path::appendingComponent(folder, name);
         if (QFileInfo(path).isDir())
-            m_children.push_back(std::make_unique<TLKSOutlineItem>(path, this, true));
+            into.push_back(std::make_unique<TLKSOutlineItem>(path, this, true));
     }
-    sortChildren();
+    sortList(into);
 }
 
 void TLKSOutlineItem::sortChildren()
 {
+    children();
+    sortList(m_children);
+}
+
+std::vector<TLKSOutlineItem *> TLKSOutlineItem::sortedChildren()
+{
+    std::vector<TLKSOutlineItem *> before;
+    for (const auto &child : children())
+        before.push_back(child.get());
+    sortList(m_children);
+    std::vector<TLKSOutlineItem *> after;
+    for (const auto &child : m_children)
+        after.push_back(child.get());
+    // Back to the order the views know; the caller moves the rows.
+    for (std::size_t i = 0; i < before.size(); ++i)
+        for (std::size_t j = i; j < m_children.size(); ++j)
+            if (m_children[j].get() == before[i]) {
+                std::swap(m_children[i], m_children[j]);
+                break;
+            }
+    return after;
+}
+
+void TLKSOutlineItem::sortList(Children &list)
+{
     if (groupItemType == SmartBooksGroup) {
-        std::stable_sort(m_children.begin(), m_children.end(), [](const auto &a, const auto &b) {
+        std::stable_sort(list.begin(), list.end(), [](const auto &a, const auto &b) {
             return a->smartBookType < b->smartBookType;
         });
         return;
@@ -230,8 +257,8 @@ void TLKSOutlineItem::sortChildren()
 
     customSortSelected = sort.key == u"custom";
     if (customSortSelected) {
-        reassignCustomSortOrder();
-        std::stable_sort(m_children.begin(), m_children.end(), [](const auto &a, const auto &b) {
+        reassignCustomSortOrder(list);
+        std::stable_sort(list.begin(), list.end(), [](const auto &a, const auto &b) {
             return a->sequenceNumber < b->sequenceNumber;
         });
         return;
@@ -245,7 +272,7 @@ void TLKSOutlineItem::sortChildren()
         std::unique_ptr<TLKSOutlineItem> item;
     };
     std::vector<Keyed> entries;
-    for (auto &child : m_children) {
+    for (auto &child : list) {
         QDateTime date = byDate ? dateOfChild(*child, sort.key) : QDateTime();
         QString title = child->title();
         entries.push_back({std::move(date), std::move(title), std::move(child)});
@@ -258,10 +285,16 @@ void TLKSOutlineItem::sortChildren()
         return sort.descending ? c > 0 : c < 0;
     });
     for (std::size_t i = 0; i < entries.size(); ++i)
-        m_children[i] = std::move(entries[i].item);
+        list[i] = std::move(entries[i].item);
 }
 
 void TLKSOutlineItem::reassignCustomSortOrder()
+{
+    children();
+    reassignCustomSortOrder(m_children);
+}
+
+void TLKSOutlineItem::reassignCustomSortOrder(Children &list)
 {
     const QStringList order =
         smartBookType == Contexts
@@ -270,7 +303,7 @@ void TLKSOutlineItem::reassignCustomSortOrder()
                   store::readPlistDictionary(
                       path::appendingComponent(fullPath(), QLatin1String(names::BookProperties)))
                       .value(P::Books));
-    for (auto &child : m_children) {
+    for (auto &child : list) {
         const qsizetype index = order.indexOf(child->relativePath);
         child->sequenceNumber = index < 0 ? 0 : index;
     }
@@ -310,24 +343,6 @@ TLKSOutlineItem *TLKSOutlineItem::childAtPath(const QString &path)
     return item && localizedCompare(item->fullPath(), path) == 0 ? item : nullptr;
 }
 
-TLKSOutlineItem *TLKSOutlineItem::insertChildAtPath(const QString &path)
-{
-    if (TLKSOutlineItem *existing = childAtPath(path))
-        return existing;
-    const QString parentPath = path::deletingLastComponent(path);
-    TLKSOutlineItem *parentItem = childAtPath(parentPath);
-    if (!parentItem && parentPath.size() > store::libraryRoot().size())
-        parentItem = insertChildAtPath(parentPath);
-    if (!parentItem)
-        return nullptr;
-    // A parent not yet built finds the folder on disk when it is opened.
-    if (!parentItem->childrenAreBuilt())
-        return parentItem->childWithTitle(path::lastComponent(path));
-    TLKSOutlineItem *added = parentItem->addChildWithTitle(path::lastComponent(path));
-    parentItem->sortChildren();
-    return added;
-}
-
 TLKSOutlineItem *TLKSOutlineItem::smartBookOfType(int type)
 {
     TLKSOutlineItem *group = smartBooksItem();
@@ -337,17 +352,6 @@ TLKSOutlineItem *TLKSOutlineItem::smartBookOfType(int type)
         if (child->smartBookType == type)
             return child.get();
     return nullptr;
-}
-
-TLKSOutlineItem *TLKSOutlineItem::insertSmartChildOfType(int type)
-{
-    if (TLKSOutlineItem *existing = smartBookOfType(type))
-        return existing;
-    TLKSOutlineItem *group = smartBooksItem();
-    TLKSOutlineItem *added = group->addChild(
-        std::make_unique<TLKSOutlineItem>(titleForSmartBookOfType(type), group, type));
-    group->sortChildren();
-    return added;
 }
 
 TLKSOutlineItem *TLKSOutlineItem::addChild(std::unique_ptr<TLKSOutlineItem> child)
@@ -416,8 +420,17 @@ void TLKSOutlineItem::moveToParent(TLKSOutlineItem *newParent)
 void TLKSOutlineItem::changeRelativePath(const QString &path)
 {
     relativePath = keepsWholePath() ? path : path::lastComponent(path);
-    if (parent)
-        parent->sortChildren();
+}
+
+void TLKSOutlineItem::moveChild(qsizetype from, qsizetype to)
+{
+    children();
+    if (from == to || from < 0 || to < 0 || std::size_t(from) >= m_children.size() ||
+        std::size_t(to) >= m_children.size())
+        return;
+    std::unique_ptr<TLKSOutlineItem> moved = std::move(m_children[std::size_t(from)]);
+    m_children.erase(m_children.begin() + from);
+    m_children.insert(m_children.begin() + to, std::move(moved));
 }
 
 } // namespace tl::browser

@@ -41,16 +41,19 @@ public:
     // Built on first call; resetAllChildren makes the next call read the disk.
     const std::vector<std::unique_ptr<TLKSOutlineItem>> &children();
     bool childrenAreBuilt() const { return m_built; }
+    // The children as the disk has them now, sorted, without touching the
+    // current ones.
+    std::vector<std::unique_ptr<TLKSOutlineItem>> childrenFromDisk();
     void sortChildren();
+    // The children in sorted order, without reordering them.
+    std::vector<TLKSOutlineItem *> sortedChildren();
     void reassignCustomSortOrder();
 
     // The item at an absolute path below the root, matched by canonical
-    // equivalence; nothing when it is not in the tree.
+    // equivalence; nothing when it is not in the tree. The model inserts
+    // items (insertChildAtPath, insertSmartChildOfType) so views follow.
     static TLKSOutlineItem *childAtPath(const QString &path);
-    // Finds the item, adding it and its missing parents below the root.
-    static TLKSOutlineItem *insertChildAtPath(const QString &path);
     static TLKSOutlineItem *smartBookOfType(int type);
-    static TLKSOutlineItem *insertSmartChildOfType(int type);
 
     TLKSOutlineItem *addChild(std::unique_ptr<TLKSOutlineItem> child);
     TLKSOutlineItem *addChildWithTitle(const QString &title);
@@ -64,11 +67,16 @@ public:
     QStringList titlesOfChildren();
     void resetAllChildren();
     void moveToParent(TLKSOutlineItem *newParent);
+    // The parent's order is left for the caller to put right.
     void changeRelativePath(const QString &path);
+    // Moves a child within the list, as a view's row move does.
+    void moveChild(qsizetype from, qsizetype to);
 
 private:
-    void buildChildren();
-    void addBooksOfFolder(const QString &folder);
+    using Children = std::vector<std::unique_ptr<TLKSOutlineItem>>;
+    void addBooksOfFolder(const QString &folder, Children &into);
+    void sortList(Children &list);
+    void reassignCustomSortOrder(Children &list);
     bool keepsWholePath() const;
 
     std::vector<std::unique_ptr<TLKSOutlineItem>> m_children;

@@ -75,6 +75,12 @@ AppDelegate::AppDelegate(LaunchOptions options) : m_options(options)
 {
 }
 
+AppDelegate &appDelegate()
+{
+    static AppDelegate delegate;
+    return delegate;
+}
+
 void AppDelegate::initAppSettings()
 {
     // The line is logged even where standard error stays (the command).
@@ -162,7 +168,7 @@ void tl_setRootToPath(const QString &path)
     tl_addToPreviouslySelectedHomes(path);
     if (serverWanted)
         shellHooks().launchServer();
-    AppDelegate().initAppSettings();
+    appDelegate().initAppSettings();
     center().post(events::ReloadCurrentBook, {{"path", store::libraryRoot()}});
     center().post(events::NewTavelleRootSelected);
 }

@@ -43,10 +43,14 @@ public:
     QVariantList reopenDocumentsOnLaunch();
 
     const LaunchOptions &options() const { return m_options; }
+    void setOptions(const LaunchOptions &options) { m_options = options; }
 
 private:
     LaunchOptions m_options;
 };
+
+// The process's delegate; the composition root gives it the launch options.
+AppDelegate &appDelegate();
 
 // Switches the library root: server, settings, events.
 void tl_setRootToPath(const QString &path);

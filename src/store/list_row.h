@@ -30,6 +30,7 @@ struct ListRow
 
     // The row as the dictionary the views and the command print.
     QVariantMap toDictionary() const;
+    bool operator==(const ListRow &) const = default;
 };
 
 // The order lists of a book, read once from its BookProperties.plist.

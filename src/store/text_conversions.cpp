@@ -31,6 +31,26 @@ QString tl_markdownifyHTML(const QString &html)
     return runConversion(textConversions().markdownifyHTML, html);
 }
 
+QString tl_htmlToPlainText(const QString &html)
+{
+    return runConversion(textConversions().htmlToPlainText, html);
+}
+
+QString tl_fountainToHTML(const QString &fountain, const QString &path)
+{
+    return runConversion(textConversions().fountainToHTML, fountain, path);
+}
+
+QString tl_emlToHTML(const QString &path)
+{
+    return runConversion(textConversions().emlToHTML, path);
+}
+
+QString tl_webarchiveToHTML(const QString &path)
+{
+    return runConversion(textConversions().webarchiveToHTML, path);
+}
+
 QString tl_OPMLToHTML(const QString &opml)
 {
     return runConversion(textConversions().OPMLToHTML, opml);

@@ -15,6 +15,13 @@ struct TextConversions
     std::function<QString(const QString &markdown, const QString &path)> markdownToHTML;
     // Markdown text of the document at a path to LaTeX.
     std::function<QString(const QString &markdown, const QString &path)> markdownToLatex;
+    // The Markdown source or the text of a formatted document.
+    std::function<QString(const QString &html)> htmlToPlainText;
+    // A mail message file, and a web archive file, as HTML to show.
+    std::function<QString(const QString &path)> emlToHTML;
+    std::function<QString(const QString &path)> webarchiveToHTML;
+    // A screenplay's Fountain text of the document at a path as a formatted document.
+    std::function<QString(const QString &fountain, const QString &path)> fountainToHTML;
     std::function<QString(const QString &html)> markdownifyHTML;
     std::function<QString(const QString &opml)> OPMLToHTML;
     // A web archive beside itself as a formatted document; the new path.
@@ -27,6 +34,10 @@ TextConversions &textConversions();
 QString tl_markdownToHTML(const QString &markdown, const QString &path);
 QString tl_markdownToLatex(const QString &markdown, const QString &path);
 QString tl_markdownifyHTML(const QString &html);
+QString tl_htmlToPlainText(const QString &html);
+QString tl_fountainToHTML(const QString &fountain, const QString &path);
+QString tl_emlToHTML(const QString &path);
+QString tl_webarchiveToHTML(const QString &path);
 QString tl_OPMLToHTML(const QString &opml);
 QString tl_duplicateWebArchiveAsFormattedDocument(const QString &path);
 

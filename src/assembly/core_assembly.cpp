@@ -1,0 +1,127 @@
+#include "assembly/core_assembly.h"
+
+#include "convert/html_to_text.h"
+#include "convert/store_registration.h"
+#include "platform/alerts.h"
+#include "platform/settings.h"
+#include "screenplay/script_page.h"
+#include "server/control/server_control.h"
+#include "shell/shell_hooks.h"
+#include "store/text_conversions.h"
+
+#include <QSet>
+#include <cstdio>
+
+namespace tl::assembly {
+
+namespace {
+
+// The parts registered so far, by name.
+struct Registry
+{
+    Host host = Host::Command;
+    bool assembled = false;
+    QSet<QString> registered;
+};
+
+Registry &registry()
+{
+    static Registry r;
+    return r;
+}
+
+void mark(const char *name)
+{
+    registry().registered.insert(QLatin1String(name));
+}
+
+template <typename Hook, typename Value>
+void install(Hook &hook, const Value &value, const char *name)
+{
+    if (!value)
+        return;
+    hook = value;
+    mark(name);
+}
+
+struct Requirement
+{
+    const char *name;
+    bool desktopOnly;
+};
+
+// What each host must have before it runs.
+constexpr Requirement kRequired[] = {
+    {"settings store", false},        {"alert presenter", false},
+    {"server control", false},        {"Markdown to HTML conversion", false},
+    {"Fountain to HTML conversion", false},
+    {"HTML to plain text conversion", false},
+    {"window alert presenter", true}, {"showWhatsNew hook", true},
+    {"showAllPanes hook", true},      {"effectiveAppearanceName hook", true},
+    {"openDocuments hook", true},
+};
+
+} // namespace
+
+void assembleCore(const CoreParts &parts)
+{
+    Registry &r = registry();
+    r.host = parts.host;
+    r.assembled = true;
+
+    // The store's file is chosen now, on the main thread, before any worker reads it.
+    platform::settings();
+    mark("settings store");
+
+    if (parts.alerts) {
+        platform::setAlertPresenter(parts.alerts);
+        mark("window alert presenter");
+    }
+    mark("alert presenter");
+
+    shell::appDelegate().setOptions(parts.launch);
+    server::installServerControl();
+    mark("server control");
+
+    convert::registerConversionsWithStore();
+    if (store::textConversions().markdownToHTML)
+        mark("Markdown to HTML conversion");
+    store::textConversions().htmlToPlainText = [](const QString &html) {
+        return convert::tl_htmlToPlainText(html);
+    };
+    mark("HTML to plain text conversion");
+    store::textConversions().fountainToHTML = [](const QString &fountain, const QString &) {
+        return screenplay::scriptPageForText(fountain).html;
+    };
+    mark("Fountain to HTML conversion");
+
+    shell::ShellHooks &hooks = shell::shellHooks();
+    install(hooks.showWhatsNew, parts.showWhatsNew, "showWhatsNew hook");
+    install(hooks.showAllPanes, parts.showAllPanes, "showAllPanes hook");
+    install(hooks.effectiveAppearanceName, parts.effectiveAppearanceName,
+            "effectiveAppearanceName hook");
+    install(hooks.openDocuments, parts.openDocuments, "openDocuments hook");
+}
+
+QStringList missingParts()
+{
+    const Registry &r = registry();
+    if (!r.assembled)
+        return {QStringLiteral("the core (assembleCore was never called)")};
+    QStringList missing;
+    for (const Requirement &requirement : kRequired)
+        if ((!requirement.desktopOnly || r.host == Host::Desktop) &&
+            !r.registered.contains(QLatin1String(requirement.name)))
+            missing << QLatin1String(requirement.name);
+    return missing;
+}
+
+bool checkAssembly()
+{
+    const QStringList missing = missingParts();
+    for (const QString &name : missing)
+        std::fprintf(stderr, "Tavelle cannot start: %s is not registered\n", qPrintable(name));
+    return missing.isEmpty();
+}
+
+} // namespace tl::assembly

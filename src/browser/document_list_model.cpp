@@ -1,0 +1,458 @@
+#include "browser/document_list_model.h"
+
+#include "browser/coalescing_worker.h"
+#include "browser/event_bridge.h"
+#include "browser/item_drops.h"
+#include "browser/list_previews.h"
+#include "browser/smart_books.h"
+#include "foundation/path_string.h"
+#include "platform/settings.h"
+#include "store/extensions.h"
+#include "store/item_path.h"
+#include "store/library_root.h"
+
+#include <QFileInfo>
+#include <QMimeData>
+#include <QUrl>
+
+namespace tl::browser {
+
+using store::ListRow;
+
+struct DocumentListModel::Entry
+{
+    // Stable across changes: the section of a header, the item of a row.
+    QString key;
+    QString header;
+    std::optional<ListRow> row;
+
+    bool sameContent(const Entry &other) const
+    {
+        return header == other.header && row == other.row;
+    }
+};
+
+namespace {
+
+// What a scan off the main thread hands back.
+struct ScanResult
+{
+    QString path;
+    int smartBookType = 0;
+    QList<ListRow> smartBooks;
+    QList<ListRow> books;
+    QList<ListRow> documents;
+    qsizetype hiddenDoneTasks = 0;
+};
+
+QString rowKey(const ListRow &row)
+{
+    return QStringLiteral("%1:%2").arg(row.smartType).arg(row.path);
+}
+
+bool isBookRow(const ListRow &row)
+{
+    return row.smartType == 0 && QFileInfo(row.path).isDir() &&
+           !store::packageExtensions().contains(store::lowerCasedExtension(row.path));
+}
+
+// Manual order is kept for plain books, Favorites and Contexts.
+bool keepsManualOrder(int smartType)
+{
+    return smartType == OrdinaryBook || smartType == Favorites || smartType == Contexts;
+}
+
+} // namespace
+
+} // namespace tl::browser
+
+Q_DECLARE_METATYPE(tl::browser::ScanResult)
+
+namespace tl::browser {
+
+DocumentListModel::DocumentListModel(TLKSDocumentListViewController &list, QObject *parent)
+    : QAbstractListModel(parent), m_list(list), m_loader(std::make_unique<CoalescingWorker>())
+{
+    m_list.rowsChanged = [this] { syncWithList(); };
+    m_entries = currentEntries();
+    m_shownBook = m_list.path;
+    m_shownType = m_list.smartBookType;
+    connect(m_loader.get(), &CoalescingWorker::finished, this, [this](const QVariant &value) {
+        const auto scan = value.value<ScanResult>();
+        // A scan for a book no longer shown is dropped.
+        if (scan.path == m_list.path && scan.smartBookType == m_list.smartBookType) {
+            m_list.smartBooksList = scan.smartBooks;
+            m_list.booksList = scan.books;
+            m_list.documentsList = scan.documents;
+            m_list.numberOfHiddenDoneTasks = scan.hiddenDoneTasks;
+            syncWithList();
+        }
+        if (!m_loader->isBusy())
+            Q_EMIT loadingChanged(false);
+    });
+}
+
+DocumentListModel::~DocumentListModel()
+{
+    m_list.rowsChanged = [] {};
+}
+
+void DocumentListModel::connectToBridge(EventBridge &bridge)
+{
+    connect(&bridge, &EventBridge::fileModifiedOnDisk, this,
+            [this](const QString &p) { m_list.documentModifiedOnDisk(p); });
+    connect(&bridge, &EventBridge::fileDeletedFromDisk, this,
+            [this](const QString &p) { m_list.documentDeletedFromDisk(p); });
+    connect(&bridge, &EventBridge::newFileCreated, this,
+            [this](const QString &p) { m_list.newFileCreated(p); });
+    connect(
+        &bridge, &EventBridge::fileMoved, this,
+        [this](const QString &from, const QString &to, bool) { m_list.documentMoved(from, to); });
+    connect(&bridge, &EventBridge::newBookSelected, this, [this](const QString &p, int type) {
+        if (!m_list.takeOpenedBook(p, type))
+            return;
+        // Smart books gather from the whole library: off the main thread.
+        if (type != 0)
+            reloadBookInBackground();
+        else
+            m_list.reloadBook();
+    });
+    connect(&bridge, &EventBridge::reloadCurrentBook, this, [this] { m_list.reloadBook(); });
+}
+
+QList<DocumentListModel::Entry> DocumentListModel::currentEntries() const
+{
+    QList<Entry> result;
+    int section = 0;
+    for (const ListEntry &entry : m_list.entries()) {
+        if (entry.row)
+            result << Entry{rowKey(*entry.row), {}, entry.row};
+        else
+            result << Entry{QStringLiteral("#%1").arg(section++), entry.header, std::nullopt};
+    }
+    return result;
+}
+
+void DocumentListModel::syncWithList()
+{
+    QList<Entry> fresh = currentEntries();
+    const QString emptyBefore = m_entries.isEmpty() ? m_list.emptyListText() : QString();
+    if (m_list.path != m_shownBook || m_list.smartBookType != m_shownType) {
+        // Another book: its rows have nothing to do with the ones shown.
+        beginResetModel();
+        m_entries = std::move(fresh);
+        m_shownBook = m_list.path;
+        m_shownType = m_list.smartBookType;
+        m_previews.clear();
+        endResetModel();
+        Q_EMIT emptyListTextChanged(m_list.emptyListText());
+        return;
+    }
+    // Headers are keyed by section number; a section that comes or goes
+    // renumbers the ones behind it, so headers match by their section word.
+    QSet<QString> freshKeys;
+    for (const Entry &e : fresh)
+        freshKeys.insert(e.key);
+
+    // 1. Rows no longer listed, from the last, in runs.
+    for (qsizetype i = m_entries.size() - 1; i >= 0;) {
+        if (freshKeys.contains(m_entries[i].key)) {
+            --i;
+            continue;
+        }
+        qsizetype first = i;
+        while (first > 0 && !freshKeys.contains(m_entries[first - 1].key))
+            --first;
+        beginRemoveRows({}, int(first), int(i));
+        m_entries.remove(first, i - first + 1);
+        endRemoveRows();
+        i = first - 1;
+    }
+    // 2. The rows that stay, in their new order.
+    QSet<QString> keptKeys;
+    for (const Entry &e : m_entries)
+        keptKeys.insert(e.key);
+    qsizetype position = 0;
+    for (const Entry &e : fresh) {
+        if (!keptKeys.contains(e.key))
+            continue;
+        if (m_entries[position].key != e.key) {
+            qsizetype from = position + 1;
+            while (m_entries[from].key != e.key)
+                ++from;
+            beginMoveRows({}, int(from), int(from), {}, int(position));
+            m_entries.move(from, position);
+            endMoveRows();
+        }
+        ++position;
+    }
+    // 3. New rows in their places, 4. changed rows.
+    for (qsizetype i = 0; i < fresh.size(); ++i) {
+        if (i >= m_entries.size() || m_entries[i].key != fresh[i].key) {
+            beginInsertRows({}, int(i), int(i));
+            m_entries.insert(i, fresh[i]);
+            endInsertRows();
+        } else if (!m_entries[i].sameContent(fresh[i])) {
+            m_entries[i] = fresh[i];
+            if (fresh[i].row)
+                m_previews.remove(fresh[i].row->path);
+            Q_EMIT dataChanged(index(int(i)), index(int(i)));
+        }
+    }
+    const QString emptyAfter = m_entries.isEmpty() ? m_list.emptyListText() : QString();
+    if (emptyAfter != emptyBefore)
+        Q_EMIT emptyListTextChanged(emptyAfter);
+}
+
+QModelIndex DocumentListModel::indexForPath(const QString &path) const
+{
+    for (qsizetype i = 0; i < m_entries.size(); ++i)
+        if (m_entries[i].row && m_entries[i].row->path == path)
+            return index(int(i));
+    return {};
+}
+
+QString DocumentListModel::pathAt(const QModelIndex &index) const
+{
+    if (!index.isValid() || index.row() >= m_entries.size() || !m_entries[index.row()].row)
+        return {};
+    return m_entries[index.row()].row->path;
+}
+
+void DocumentListModel::setFilter(const QString &filter)
+{
+    if (filter == m_list.searchFilter)
+        return;
+    m_list.searchFilter = filter;
+    m_list.getDocumentsInFolder();
+}
+
+void DocumentListModel::reloadBookInBackground()
+{
+    if (m_list.smartBookType == 0 && !store::tl_itemIsChildOfTavelle(m_list.path))
+        m_list.path = store::libraryRoot();
+    m_list.loadDisplayParameters();
+    // The new book shows empty at once; its rows follow when the scan ends.
+    m_list.smartBooksList.clear();
+    m_list.booksList.clear();
+    m_list.documentsList.clear();
+    syncWithList();
+    const QString path = m_list.path;
+    const int type = m_list.smartBookType;
+    const QString filter = m_list.searchFilter;
+    const QString sortOrder = m_list.sortOrder;
+    const bool ascending = m_list.sortAscending;
+    const bool wasBusy = m_loader->isBusy();
+    m_loader->request([path, type, filter, sortOrder, ascending] {
+        TLKSDocumentListViewController scan;
+        scan.path = path;
+        scan.smartBookType = type;
+        scan.searchFilter = filter;
+        scan.sortOrder = sortOrder;
+        scan.sortAscending = ascending;
+        scan.getDocumentsInFolder();
+        return QVariant::fromValue(ScanResult{path, type, scan.smartBooksList, scan.booksList,
+                                              scan.documentsList, scan.numberOfHiddenDoneTasks});
+    });
+    if (!wasBusy)
+        Q_EMIT loadingChanged(true);
+}
+
+bool DocumentListModel::isLoading() const
+{
+    return m_loader->isBusy();
+}
+
+void DocumentListModel::waitForLoading()
+{
+    m_loader->waitForIdle();
+}
+
+int DocumentListModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_entries.size());
+}
+
+QString DocumentListModel::previewOf(const QString &path) const
+{
+    const auto cached = m_previews.constFind(path);
+    if (cached != m_previews.constEnd())
+        return *cached;
+    const QString preview = listPreview(path);
+    m_previews.insert(path, preview);
+    return preview;
+}
+
+QVariant DocumentListModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid() || index.row() >= m_entries.size())
+        return {};
+    const Entry &entry = m_entries[index.row()];
+    if (!entry.row) {
+        switch (role) {
+        case Qt::DisplayRole:
+        case TitleRole:
+            return entry.header;
+        case IsHeaderRole:
+            return true;
+        default:
+            return {};
+        }
+    }
+    const ListRow &row = *entry.row;
+    switch (role) {
+    case Qt::DisplayRole:
+    case TitleRole:
+        return listTitle(row);
+    case PathRole:
+        return row.path;
+    case PreviewRole:
+        return row.smartType == 0 ? previewOf(row.path) : QString();
+    case DateRole:
+        return m_list.sortOrder == u"creationDate" ? row.creationDate : row.modDate;
+    case TaskIconRole:
+        return row.taskIcon;
+    case PinnedRole:
+        return row.pinnedSequence != std::numeric_limits<qint64>::max() && row.smartType == 0;
+    case ColorLabelRole:
+        return row.cellColor.value_or(QString());
+    case IsHeaderRole:
+        return false;
+    case SmartTypeRole:
+        return row.smartType;
+    case IsBookRole:
+        return isBookRow(row);
+    case DueDateRole:
+        return row.dueDate;
+    case RecordRole:
+        return row.toDictionary();
+    default:
+        return {};
+    }
+}
+
+Qt::ItemFlags DocumentListModel::flags(const QModelIndex &index) const
+{
+    if (!index.isValid() || index.row() >= m_entries.size())
+        return Qt::ItemIsDropEnabled;
+    const Entry &entry = m_entries[index.row()];
+    if (!entry.row)
+        return Qt::ItemIsEnabled;
+    Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+    if (entry.row->smartType == 0)
+        flags |= Qt::ItemIsDragEnabled;
+    if (isBookRow(*entry.row))
+        flags |= Qt::ItemIsDropEnabled;
+    return flags;
+}
+
+QHash<int, QByteArray> DocumentListModel::roleNames() const
+{
+    QHash<int, QByteArray> names = QAbstractListModel::roleNames();
+    names.insert(PathRole, "path");
+    names.insert(TitleRole, "title");
+    names.insert(PreviewRole, "preview");
+    names.insert(DateRole, "date");
+    names.insert(TaskIconRole, "taskIcon");
+    names.insert(PinnedRole, "pinned");
+    names.insert(ColorLabelRole, "colorLabel");
+    names.insert(IsHeaderRole, "isHeader");
+    names.insert(SmartTypeRole, "smartType");
+    names.insert(IsBookRole, "isBook");
+    names.insert(DueDateRole, "dueDate");
+    names.insert(RecordRole, "record");
+    return names;
+}
+
+QStringList DocumentListModel::mimeTypes() const
+{
+    return {QStringLiteral("text/uri-list")};
+}
+
+QMimeData *DocumentListModel::mimeData(const QModelIndexList &indexes) const
+{
+    QList<QUrl> urls;
+    for (const QModelIndex &index : indexes)
+        if (const QString path = pathAt(index); !path.isEmpty())
+            urls << QUrl::fromLocalFile(path);
+    if (urls.isEmpty())
+        return nullptr;
+    auto *data = new QMimeData;
+    data->setUrls(urls);
+    return data;
+}
+
+Qt::DropActions DocumentListModel::supportedDropActions() const
+{
+    return Qt::MoveAction | Qt::CopyAction;
+}
+
+bool DocumentListModel::canDropMimeData(const QMimeData *data, Qt::DropAction, int, int,
+                                        const QModelIndex &parent) const
+{
+    if (!data || !data->hasUrls())
+        return false;
+    // On a book row: into that book; between rows of a plain book: into it.
+    return parent.isValid() ? isBookRow(*m_entries[parent.row()].row) : m_list.smartBookType == 0;
+}
+
+bool DocumentListModel::dropMimeData(const QMimeData *data, Qt::DropAction action, int row,
+                                     int column, const QModelIndex &parent)
+{
+    if (!canDropMimeData(data, action, row, column, parent))
+        return false;
+    const QStringList paths = droppedPaths(data);
+    const QString book = parent.isValid() ? pathAt(parent) : m_list.path;
+    // Rows of this book dropped between rows: a manual reordering.
+    if (!parent.isValid() && row >= 0 && !paths.isEmpty() &&
+        std::all_of(paths.begin(), paths.end(), [&](const QString &p) {
+            return path::deletingLastComponent(p) == m_list.path;
+        })) {
+        for (const QString &p : paths) {
+            const QModelIndex from = indexForPath(p);
+            if (from.isValid() && moveRows({}, from.row(), 1, {}, row))
+                row = indexForPath(p).row() + 1;
+        }
+        return true;
+    }
+    return bringItemsIntoBook(paths, book) > 0;
+}
+
+bool DocumentListModel::moveRows(const QModelIndex &sourceParent, int sourceRow, int count,
+                                 const QModelIndex &destinationParent, int destinationChild)
+{
+    if (sourceParent.isValid() || destinationParent.isValid() || count != 1 || sourceRow < 0 ||
+        sourceRow >= m_entries.size() || !m_entries[sourceRow].row ||
+        !keepsManualOrder(m_list.smartBookType) || m_list.sortOrder != u"custom")
+        return false;
+    // The row must stay within its section: between its header and the next.
+    qsizetype sectionStart = sourceRow;
+    while (sectionStart > 0 && m_entries[sectionStart - 1].row)
+        --sectionStart;
+    qsizetype sectionEnd = sourceRow;
+    while (sectionEnd + 1 < m_entries.size() && m_entries[sectionEnd + 1].row)
+        ++sectionEnd;
+    if (destinationChild < sectionStart || destinationChild > sectionEnd + 1 ||
+        destinationChild == sourceRow || destinationChild == sourceRow + 1)
+        return false;
+    const ListRow moved = *m_entries[sourceRow].row;
+    QList<ListRow> *list = nullptr;
+    for (QList<ListRow> *candidate :
+         {&m_list.smartBooksList, &m_list.booksList, &m_list.documentsList})
+        if (candidate->contains(moved))
+            list = candidate;
+    if (!list)
+        return false;
+    const qsizetype from = sourceRow - sectionStart;
+    const qsizetype to =
+        (destinationChild > sourceRow ? destinationChild - 1 : destinationChild) - sectionStart;
+    beginMoveRows({}, sourceRow, sourceRow, {}, destinationChild);
+    m_entries.move(sourceRow,
+                   destinationChild > sourceRow ? destinationChild - 1 : destinationChild);
+    list->move(from, to);
+    endMoveRows();
+    m_list.saveCustomSortOrder();
+    return true;
+}
+
+} // namespace tl::browser

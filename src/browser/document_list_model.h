@@ -1,0 +1,102 @@
+#pragma once
+
+#include "browser/document_list.h"
+
+#include <QAbstractListModel>
+#include <QHash>
+#include <QStringList>
+
+// The document list as an item model: group headers and rows in display
+// order. Every change of the controller's rows reaches the views as the
+// smallest set of removals, moves, insertions and data changes, so the
+// selection and the scroll position survive; only a new book (or smart
+// book) resets the model.
+namespace tl::browser {
+
+class CoalescingWorker;
+class EventBridge;
+
+class DocumentListModel : public QAbstractListModel
+{
+    Q_OBJECT
+public:
+    enum Role {
+        PathRole = Qt::UserRole + 1,
+        // Qt::DisplayRole gives the title too.
+        TitleRole,
+        // The first lines of the document where showPreviewForNotes asks for them.
+        PreviewRole,
+        // The date shown: the creation date when sorting by it, else modDate.
+        DateRole,
+        // Task icon name ("icon-task-open", ...); empty for no task.
+        TaskIconRole,
+        PinnedRole,
+        // The colour label as the stored "%.4f %.4f %.4f %.4f" text, empty for none.
+        ColorLabelRole,
+        IsHeaderRole,
+        SmartTypeRole,
+        IsBookRole,
+        DueDateRole,
+        // The row as the dictionary the command prints.
+        RecordRole,
+    };
+
+    // The model takes over the controller's rowsChanged callback.
+    explicit DocumentListModel(TLKSDocumentListViewController &list, QObject *parent = nullptr);
+    ~DocumentListModel() override;
+
+    TLKSDocumentListViewController &list() { return m_list; }
+
+    // Follows the bridge's file and selection events on the main thread.
+    void connectToBridge(EventBridge &bridge);
+
+    // The row of an item, invalid when it is not listed.
+    QModelIndex indexForPath(const QString &path) const;
+    QString pathAt(const QModelIndex &index) const;
+
+    // The filter field's text: the list is rebuilt with it.
+    void setFilter(const QString &filter);
+    // Lists the book off the main thread; the rows appear when the scan ends.
+    // A newer request replaces a waiting one.
+    void reloadBookInBackground();
+    bool isLoading() const;
+    void waitForLoading();
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+    // Drags carry the paths as file URLs; a drop of rows of this list on a
+    // row of the same section is a manual reordering.
+    QStringList mimeTypes() const override;
+    QMimeData *mimeData(const QModelIndexList &indexes) const override;
+    Qt::DropActions supportedDropActions() const override;
+    bool canDropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column,
+                         const QModelIndex &parent) const override;
+    bool dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column,
+                      const QModelIndex &parent) override;
+    // Moves rows within their section and stores the manual order.
+    bool moveRows(const QModelIndex &sourceParent, int sourceRow, int count,
+                  const QModelIndex &destinationParent, int destinationChild) override;
+
+Q_SIGNALS:
+    void loadingChanged(bool loading);
+    // The text an empty list shows changed (emptyListText of the controller).
+    void emptyListTextChanged(const QString &text);
+
+private:
+    struct Entry;
+    void syncWithList();
+    QList<Entry> currentEntries() const;
+    QString previewOf(const QString &path) const;
+
+    TLKSDocumentListViewController &m_list;
+    QList<Entry> m_entries;
+    QString m_shownBook;
+    int m_shownType = -1;
+    std::unique_ptr<CoalescingWorker> m_loader;
+    mutable QHash<QString, QString> m_previews;
+};
+
+} // namespace tl::browser

@@ -1,0 +1,387 @@
+// From the keyboard to the disk: writeTextToFile, the one writer of a
+// document's text, and the view's other writes (rename on command, a check
+// box ticked in the rendered page).
+#include "browser/browser_keys.h"
+#include "browser/document_pages.h"
+#include "browser/document_view_controller.h"
+#include "browser/document_view_state.h"
+#include "convert/envelope.h"
+#include "convert/references.h"
+#include "foundation/clock.h"
+#include "foundation/digest.h"
+#include "foundation/events.h"
+#include "foundation/notification_center.h"
+#include "foundation/path_string.h"
+#include "foundation/regex.h"
+#include "foundation/scheduler.h"
+#include "platform/alerts.h"
+#include "platform/file_ops.h"
+#include "platform/settings.h"
+#include "store/document_file.h"
+#include "store/extensions.h"
+#include "store/first_line.h"
+#include "store/item_operations.h"
+#include "store/item_path.h"
+#include "store/keys.h"
+#include "store/log.h"
+#include "store/properties.h"
+#include "store/recent_items.h"
+#include "store/safe_names.h"
+
+#include <QFileInfo>
+#include <QUrl>
+
+namespace tl::browser {
+
+namespace P = keys::property;
+namespace S = keys::setting;
+
+namespace {
+
+platform::Settings &settings()
+{
+    return platform::settings();
+}
+
+void post(const char *name, const QVariantMap &payload)
+{
+    NotificationCenter::defaultCenter().post(QLatin1String(name), payload);
+}
+
+bool isHTMLKind(const QString &path)
+{
+    return store::lowerCasedExtension(path).startsWith(u"htm");
+}
+
+bool isMarkdownHTML(const QString &path)
+{
+    return store::lowerCasedExtension(path) == u"html" &&
+           !store::tl_propertyForKey(path, QLatin1String(P::Markdown)).toString().isEmpty();
+}
+
+// The formatted view's inner HTML without the empty leftovers of editing.
+QString cleanedInnerHTML(QString html)
+{
+    for (const char *empty : {"<ul></ul>", "<ol></ol>", "<li></li>", "<h1><br></h1>"})
+        html.remove(QLatin1String(empty));
+    html.replace(QStringLiteral("<li><li "), QStringLiteral("<li "));
+    static const Regex emptyElements[] = {
+        Regex(QStringLiteral("<a href=\"[^>]*?><br></a>")),
+        Regex(QStringLiteral("<a href=\"[^>]*?>&nbsp;</a>")),
+        Regex(QStringLiteral("<a href=\"[^>]*?>\\s*?</a>")),
+        Regex(QStringLiteral("<div[^>]*?></div>")),
+    };
+    for (const Regex &expression : emptyElements)
+        html = expression.replaceAll(html, QString());
+    return convert::tl_stringByRemovingImageCacheMarkers(html);
+}
+
+// The text of formatted HTML, for its first line.
+QString textOfHTML(const QString &html)
+{
+    static const Regex lineBreaks(QStringLiteral("<(br|/p|/div|/h[1-6]|/li)[^>]*>"),
+                                  RegexOption::CaseInsensitive);
+    static const Regex tags(QStringLiteral("<.+?>"), RegexOption::DotMatchesNewline);
+    QString text = tags.replaceAll(lineBreaks.replaceAll(html, QStringLiteral("\n")), QString());
+    text.replace(QStringLiteral("&nbsp;"), QStringLiteral(" "));
+    text.replace(QStringLiteral("&amp;"), QStringLiteral("&"));
+    text.replace(QStringLiteral("&lt;"), QStringLiteral("<"));
+    text.replace(QStringLiteral("&gt;"), QStringLiteral(">"));
+    return text;
+}
+
+QString sortableDateTimeString()
+{
+    return clock().now().toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH.mm.ss"));
+}
+
+} // namespace
+
+QString TLKSDocumentViewController::textToSave() const
+{
+    if (viewThatIsVisible == FormattedView)
+        return cleanedInnerHTML(m_state->innerHTML);
+    return plainText;
+}
+
+QString TLKSDocumentViewController::hashOf(const QString &text) const
+{
+    const QByteArray bytes = store::encodedText(text, stringEncoding).value_or(text.toUtf8());
+    return md5Hex(bytes, true);
+}
+
+void TLKSDocumentViewController::writeTextToFile()
+{
+    Scheduler::main().cancel(saveTimerKey());
+    if (md5hash.isEmpty()) {
+        logLine(QStringLiteral("no hash, not saving document"));
+        return;
+    }
+    if (viewThatIsVisible != PlainTextView &&
+        !(viewThatIsVisible == FormattedView && formattedPage.editable)) {
+        logLine(viewThatIsVisible == FormattedView ? QStringLiteral("non editable formatted doc")
+                                                   : QStringLiteral("non editable generic doc"));
+        return;
+    }
+    if (viewThatIsVisible == FormattedView && !m_frameURL.isEmpty() &&
+        m_frameURL != formattedMainFrameURL && m_frameURL != QUrl::fromLocalFile(path).toString()) {
+        logLine(QStringLiteral("formatted document navigated away, don't save"));
+        return;
+    }
+    const bool force = forceSave;
+    if (force)
+        logLine(QStringLiteral("## enforced saving %1").arg(path));
+    forceSave = false;
+
+    const QString text = textToSave();
+    if (path.isEmpty() && text.isEmpty())
+        return;
+    const bool changed = hashOf(text) != md5hash || (path.isEmpty() && !text.isEmpty());
+    if (!changed && !force) {
+        logLine(QStringLiteral("text unchanged"));
+        setWindowEdited(false);
+        return;
+    }
+    const QString originalPath = path;
+    if (path.isEmpty()) {
+        if (!saveNewDocument(text))
+            return;
+    } else {
+        const QString plain = viewThatIsVisible == FormattedView ? textOfHTML(text) : text;
+        const QString stem = path::deletingExtension(path::lastComponent(path));
+        if (titleIsFirstLineOfText && !store::tl_stringMatchesFirstLineOfText(stem, plain)) {
+            if (!renameToFirstLine(text, store::tl_firstLineOfText(plain)))
+                return;
+        } else if (!saveExistingDocument(text)) {
+            return;
+        }
+    }
+    if (!path.isEmpty())
+        afterSaving(text, originalPath);
+}
+
+bool TLKSDocumentViewController::saveNewDocument(const QString &text)
+{
+    const bool formatted = viewThatIsVisible == FormattedView;
+    const QString defaultType = settings().string(QLatin1String(S::DefaultDocumentType));
+    QString extension = !fileExtensionForNewDoc.isEmpty() ? fileExtensionForNewDoc
+                        : !defaultType.isEmpty()          ? defaultType
+                                                          : QStringLiteral("html");
+    if (formatted)
+        extension = QStringLiteral("html");
+    else if (extension == u"html")
+        extension = defaultType == u"md" ? QStringLiteral("md") : QStringLiteral("txt");
+
+    const QString firstLine = store::tl_firstLineOfText(formatted ? textOfHTML(text) : text);
+    const QString name =
+        (firstLine.isEmpty() ? sortableDateTimeString() : firstLine) + u'.' + extension;
+    const QString target = store::tl_uniqueNameForFileatPath(name, parentPath);
+    const QString contents =
+        formatted ? convert::tl_createFormattedDocWithBody(target, text) : text;
+    if (!store::tl_writeToFile(contents, target, false, stringEncoding)) {
+        logLine(QStringLiteral("could not save! path: %1; parent: %2; suggested %3\n Contents %4")
+                    .arg(path, parentPath, target, text));
+        return false;
+    }
+    adoptPath(target);
+    store::tl_setCreationDate(target);
+    store::tl_addToRecentItems(target);
+    titleIsFirstLineOfText = true;
+    setWindowEdited(false);
+    if (isMainWindow && !settings().boolValue(QLatin1String(S::NoAutosaveText)))
+        post(events::NewFileCreated, {{"path", target}});
+    post(events::ItemsSelectedInOutlineOrList, {{"paths", QStringList{target}}});
+    logLine(QStringLiteral("saved file: %1").arg(target));
+    return true;
+}
+
+bool TLKSDocumentViewController::moveShownDocument(const QString &target)
+{
+    // The session would hand the move to the main queue; the view moves its
+    // own document at once and follows it.
+    m_state->session.reset();
+    const bool moved = store::tl_moveItemToPath(path, target);
+    m_state->session = std::make_unique<store::OpenDocumentSession>(moved ? target : path);
+    if (moved)
+        adoptPath(target);
+    return moved;
+}
+
+bool TLKSDocumentViewController::renameToFirstLine(const QString &text, const QString &firstLine)
+{
+    if (firstLine.isEmpty()) {
+        // All text gone: the document goes with it.
+        store::tl_deleteItemAtPath(path);
+        m_state->session.reset();
+        path.clear();
+        md5hash.clear();
+        setWindowEdited(false);
+        Q_EMIT pathChanged(path);
+        return false;
+    }
+    const QString extension = path::extension(path);
+    const QString oldName = path::lastComponent(path);
+    QString target = store::tl_uniqueNameForFileatPath(
+        extension.isEmpty() ? firstLine : firstLine + u'.' + extension, parentPath);
+    const QString newName = path::lastComponent(target);
+    if (newName.compare(oldName, Qt::CaseInsensitive) == 0) {
+        // The file system may not see a change of case alone: go through another name.
+        logLine(QStringLiteral("just changing case, so rename"));
+        const QString interim =
+            path::appendingComponent(parentPath, QStringLiteral("._") + newName);
+        if (!moveShownDocument(interim) || !moveShownDocument(target))
+            return false;
+    } else if (!moveShownDocument(target)) {
+        return false;
+    }
+    store::tl_addToRecentItems(path);
+    return saveExistingDocument(text);
+}
+
+bool TLKSDocumentViewController::saveExistingDocument(const QString &text)
+{
+    QString contents = text;
+    if (viewThatIsVisible == FormattedView) {
+        const QString page =
+            m_state->outerHTML.isEmpty()
+                ? store::tl_stringWithContentsOfFile(path, stringEncoding).value_or(QString())
+                : m_state->outerHTML;
+        contents = page.isEmpty() || convert::tl_generatorIsTavelle(page)
+                       ? convert::tl_createFormattedDocWithBody(path, text)
+                       : page;
+    } else if (isMarkdownHTML(path)) {
+        contents = plainTextRepresentationFile(path, text);
+    } else if (isHTMLKind(path) && !text.contains(u"<head>")) {
+        contents = convert::tl_createFormattedDocWithBody(path, text);
+    }
+    store::WriteError error = store::WriteError::None;
+    bool written = store::tl_writeToFile(contents, path, false, stringEncoding, &error);
+    if (!written && error == store::WriteError::Unencodable &&
+        stringEncoding != store::TextEncoding::UTF8) {
+        // A character the old encoding lacks: the document becomes UTF-8.
+        written = store::tl_writeToFile(contents, path, false, store::TextEncoding::UTF8, &error);
+        if (written) {
+            stringEncoding = store::TextEncoding::UTF8;
+            logLine(QStringLiteral("Converted to UTF8"));
+        }
+    }
+    if (!written) {
+        const QString reason = QStringLiteral("The document \"%1\" could not be written.")
+                                   .arg(path::lastComponent(path));
+        logLine(QStringLiteral("saving error: %1").arg(reason));
+        platform::alerts().run({QLatin1String(kSavingErrorAlert), reason, {QStringLiteral("OK")}});
+        return false;
+    }
+    setWindowEdited(false);
+    return true;
+}
+
+void TLKSDocumentViewController::afterSaving(const QString &text, const QString &originalPath)
+{
+    md5hash = hashOf(text);
+    modDateOfPresentedDocument = platform::modificationDate(path).value_or(QDateTime());
+    if (!originalPath.isEmpty() && originalPath != path)
+        post(events::FileMoved,
+             {{"originalPath", originalPath}, {"newPath", path}, {"silentReload", "1"}});
+    else
+        post(events::FileModifiedOnDisk, {{"path", path}});
+}
+
+bool TLKSDocumentViewController::tl_renameToFirstLineOfText()
+{
+    if (path.isEmpty())
+        return false;
+    const QString text = viewThatIsVisible == FormattedView ? textOfHTML(textToSave()) : plainText;
+    const QString firstLine = store::tl_firstLineOfText(text);
+    if (firstLine.isEmpty())
+        return false;
+    const QString extension = path::extension(path);
+    const QString target = path::appendingComponent(
+        parentPath, store::tl_escapeIllegalCharacters(firstLine) +
+                        (extension.isEmpty() ? QString() : u'.' + extension));
+    if (target == path)
+        return true;
+    if (QFileInfo::exists(target) && target.compare(path, Qt::CaseInsensitive) != 0) {
+        platform::alerts().run({QLatin1String(kCannotRenameAlert),
+                                QString::fromLatin1(kTitleTakenText).arg(firstLine),
+                                {QStringLiteral("OK")}});
+        return false;
+    }
+    const QString originalPath = path;
+    if (!moveShownDocument(target))
+        return false;
+    titleIsFirstLineOfText = true;
+    post(events::FileMoved,
+         {{"originalPath", originalPath}, {"newPath", path}, {"silentReload", "1"}});
+    return true;
+}
+
+void TLKSDocumentViewController::toggleMarkdownCheckboxForTask(const QString &task, int pos)
+{
+    QString wanted = task.section(u'\n', 0, 0);
+    wanted.remove(QStringLiteral("- [ ]"));
+    wanted.remove(QStringLiteral("- [x]"));
+    wanted = wanted.trimmed();
+    logLine(QStringLiteral("toggling: %1").arg(wanted));
+    QString text = store::tl_stringWithContentsOfFile(path, stringEncoding).value_or(QString());
+    if (text.isEmpty())
+        return;
+    if (!text.contains(wanted)) {
+        // Links may stand in another form in the source than in the page.
+        static const Regex link(QStringLiteral("\\[(.+?)\\]\\((.+?)\\)"));
+        wanted = link.replaceMatches(wanted, [](const RegexMatch &m, QStringView t) {
+            return std::optional<QString>(QStringLiteral("[[%1]]").arg(m.capturedString(t, 2)));
+        });
+    }
+    text.remove(u'\\');
+    const Regex pattern(QStringLiteral("]\\s*") + Regex::escapePattern(wanted));
+    std::optional<RegexMatch> match = pattern.match(text);
+    for (int skipped = 0; match && skipped < pos; ++skipped)
+        match = pattern.match(text, match->end());
+    qsizetype lineStart = -1;
+    qsizetype lineEnd = -1;
+    while (match) {
+        const qsizetype start = text.lastIndexOf(u'\n', match->start() - 1) + 1;
+        qsizetype end = text.indexOf(u'\n', match->end());
+        if (end < 0)
+            end = text.size();
+        QString rest = text.mid(start, end - start);
+        for (const QString &part : {wanted, QStringLiteral("[ ]"), QStringLiteral("[x]"),
+                                    QStringLiteral("[X]"), QStringLiteral("-")})
+            rest.remove(part);
+        if (rest.trimmed().isEmpty()) {
+            lineStart = start;
+            lineEnd = end;
+            break;
+        }
+        match = pattern.match(text, end);
+    }
+    if (lineStart < 0) {
+        platform::alerts().run({QLatin1String(kUnableToIdentifyTaskAlert),
+                                QLatin1String(kUnableToIdentifyTaskText),
+                                {QStringLiteral("OK")}});
+        return;
+    }
+    QString line = text.mid(lineStart, lineEnd - lineStart);
+    if (!line.contains(u"[ ]")) {
+        static const Regex ticked(QStringLiteral("\\[(x|X)\\]"));
+        line = ticked.replaceAll(line, QStringLiteral("[ ]"));
+    } else {
+        line.replace(QStringLiteral("[ ]"), QStringLiteral("[x]"));
+    }
+    text.replace(lineStart, lineEnd - lineStart, line);
+    if (!store::tl_writeToFile(text, path, true, stringEncoding))
+        return;
+    // The view's own write is no outside change.
+    modDateOfPresentedDocument = platform::modificationDate(path).value_or(QDateTime());
+    plainText = text;
+    m_state->loadedText = text;
+    if (viewThatIsVisible == FormattedView) {
+        loadFormattedPage();
+        Q_EMIT formattedPageChanged();
+    } else {
+        Q_EMIT plainTextReplaced();
+    }
+}
+
+} // namespace tl::browser
