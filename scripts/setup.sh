@@ -3,33 +3,45 @@
 # Idempotent: packages already present are left alone. Works as root or via sudo.
 # Then fetches the web scripts the rendered pages load (diagrams, formulas)
 # from the npm registry into third_party/web, which the build copies among
-# the program's resources; nothing is fetched when the program runs.
+# the program's resources; nothing is fetched when the program runs. The
+# JavaScript peers of the benchmarks go to third_party/bench.
 set -euo pipefail
 
-# Pinned versions of the page scripts.
+# Pinned versions of the page scripts and of the benchmarks' peers.
 web_packages=(mermaid@10.9.6 mathjax@3.2.2)
-web_dir="$(cd "$(dirname "$0")/.." && pwd)/third_party/web"
+bench_packages=(fountain-js@1.2.4)
+third_party="$(cd "$(dirname "$0")/.." && pwd)/third_party"
+web_dir="$third_party/web"
+bench_dir="$third_party/bench"
 
-install_web_scripts() {
-  command -v npm >/dev/null || { echo "setup: npm not found; pages will render without diagrams and formulas" >&2; return 0; }
-  mkdir -p "$web_dir"
+# fetch_npm_tarballs DIR SPEC...: each package's own tarball only, unpacked
+# into DIR/NAME: the pages need a prebuilt bundle and the peers have no
+# dependencies, so no dependency tree is installed.
+fetch_npm_tarballs() {
+  local dir="$1"
+  shift
+  mkdir -p "$dir"
   local work
   work="$(mktemp -d)"
-  for spec in "${web_packages[@]}"; do
+  for spec in "$@"; do
     local name="${spec%@*}"
-    if [ -f "$web_dir/$name/.version" ] && [ "$(cat "$web_dir/$name/.version")" = "$spec" ]; then
+    if [ -f "$dir/$name/.version" ] && [ "$(cat "$dir/$name/.version")" = "$spec" ]; then
       continue
     fi
     echo "setup: fetching $spec"
-    # The package's own tarball only: the pages need its prebuilt bundle,
-    # not its dependency tree.
     (cd "$work" && npm pack --silent "$spec" >/dev/null)
-    rm -rf "${web_dir:?}/$name"
-    mkdir -p "$web_dir/$name"
-    tar -xzf "$work"/"$name"-*.tgz -C "$web_dir/$name" --strip-components=1
-    echo "$spec" > "$web_dir/$name/.version"
+    rm -rf "${dir:?}/$name"
+    mkdir -p "$dir/$name"
+    tar -xzf "$work"/"$name"-*.tgz -C "$dir/$name" --strip-components=1
+    echo "$spec" > "$dir/$name/.version"
   done
   rm -rf "$work"
+}
+
+install_web_scripts() {
+  command -v npm >/dev/null || { echo "setup: npm not found; pages will render without diagrams and formulas, and the benchmarks skip their JavaScript peers" >&2; return 0; }
+  fetch_npm_tarballs "$web_dir" "${web_packages[@]}"
+  fetch_npm_tarballs "$bench_dir" "${bench_packages[@]}"
 }
 
 packages=(

@@ -82,34 +82,51 @@ bool isTrimmedAndStartsWith(const Line &l, char c)
     return !l.trimmed.isEmpty() && l.trimmed.front() == QLatin1Char(c);
 }
 
+// An expression with a cheap test of a text that every match needs, so that
+// most lines are passed over without a search.
+struct GuardedRegex
+{
+    Regex regex;
+    bool (*mayMatch)(QStringView line);
+
+    bool isMatch(QStringView line) const { return mayMatch(line) && regex.isMatch(line); }
+};
+
 // The expressions the line rules test, compiled once.
 struct Patterns
 {
-    Regex twoBlanks{QStringLiteral("^\\s{2}$")};
-    Regex blanks{QStringLiteral("^\\s{2,}$")};
+    GuardedRegex twoBlanks{Regex(QStringLiteral("^\\s{2}$")),
+                           [](QStringView l) { return l.size() == 2; }};
+    GuardedRegex blanks{Regex(QStringLiteral("^\\s{2,}$")),
+                        [](QStringView l) { return l.size() >= 2 && l.front().isSpace(); }};
+    GuardedRegex boneyardOpen{Regex(QStringLiteral("^\\/\\*")),
+                              [](QStringView l) { return l.startsWith(u"/*"); }};
+    GuardedRegex boneyardClose{Regex(QStringLiteral("\\*\\/\\s*$")),
+                               [](QStringView l) { return containsMarks(l, u"*/"); }};
+    GuardedRegex pageBreak{Regex(QStringLiteral("^={3,}\\s*$")),
+                           [](QStringView l) { return l.startsWith(u"==="); }};
+    GuardedRegex note{Regex(QStringLiteral("^\\s*\\[{2}\\s*([^\\]\\n])+\\s*\\]{2}\\s*$")),
+                      [](QStringView l) { return containsMarks(l, u"[["); }};
+    GuardedRegex transitionTo{Regex(QStringLiteral("[^a-z]*TO:$")),
+                              [](QStringView l) { return l.endsWith(u"TO:"); }};
+    GuardedRegex parenthesis{Regex(QStringLiteral("^\\s*\\(")),
+                             [](QStringView l) { return l.contains(u'('); }};
+    GuardedRegex characterCue{Regex(QStringLiteral("^[^a-z]+(\\(cont'd\\))?$")), [](QStringView l) {
+                                  return !l.isEmpty() && !(l.front() >= u'a' && l.front() <= u'z');
+                              }};
+    GuardedRegex caretAtEnd{Regex(QStringLiteral("\\^\\s*$")),
+                            [](QStringView l) { return l.contains(u'^'); }};
+    GuardedRegex sceneHeading{
+        Regex(QStringLiteral("^(INT|EXT|EST|(I|INT)\\.?\\/(E|EXT)\\.?)[\\.\\-\\s][^\\n]+$"),
+              RegexOption::CaseInsensitive),
+        [](QStringView l) { return l.size() >= 3 && QStringLiteral("IiEe").contains(l.front()); }};
     Regex blank{QStringLiteral("^\\s*$")};
-    Regex boneyardOpen{QStringLiteral("^\\/\\*")};
-    Regex boneyardClose{QStringLiteral("\\*\\/\\s*$")};
-    Regex pageBreak{QStringLiteral("^={3,}\\s*$")};
-    Regex note{QStringLiteral("^\\s*\\[{2}\\s*([^\\]\\n])+\\s*\\]{2}\\s*$")};
-    Regex transitionTo{QStringLiteral("[^a-z]*TO:$")};
-    Regex parenthesis{QStringLiteral("^\\s*\\(")};
-    Regex characterCue{QStringLiteral("^[^a-z]+(\\(cont'd\\))?$")};
-    Regex caretAtEnd{QStringLiteral("\\^\\s*$")};
 };
 
 const Patterns &patterns()
 {
     static const Patterns compiled;
     return compiled;
-}
-
-bool isSceneHeading(const QString &line)
-{
-    static const Regex scene(
-        QStringLiteral("^(INT|EXT|EST|(I|INT)\\.?\\/(E|EXT)\\.?)[\\.\\-\\s][^\\n]+$"),
-        RegexOption::CaseInsensitive);
-    return scene.isMatch(line);
 }
 
 bool isFixedTransition(const QString &line)
@@ -252,7 +269,7 @@ const std::array<LineRule, 26> kLineRules{{
      },
      [](LineMachine &m, const Line &l) { m.sceneHeading(l.text, true); }},
     {[](const LineMachine &m, const Line &l) {
-         return m.blankLines != 0 && isSceneHeading(l.text);
+         return m.blankLines != 0 && patterns().sceneHeading.isMatch(l.text);
      },
      [](LineMachine &m, const Line &l) { m.sceneHeading(l.text, false); }},
     {[](const LineMachine &, const Line &l) { return patterns().transitionTo.isMatch(l.text); },

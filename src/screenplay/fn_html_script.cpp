@@ -5,9 +5,11 @@
 #include "screenplay/element_types.h"
 #include "screenplay/fast_fountain_parser.h"
 #include "screenplay/fn_paginator.h"
+#include "screenplay/line_ends.h"
 #include "store/log.h"
 
 #include <QDir>
+#include <algorithm>
 #include <array>
 
 namespace tl::screenplay {
@@ -16,26 +18,47 @@ namespace {
 
 const char kStyleSheetName[] = "ScriptCSS.css";
 
-// The emphasis rewrites, in order. The closing tags of the first, second and
-// fourth rows stand misnested as they are; the browser's repair of them is
-// part of the look.
-std::span<const RegexRule> emphasisRules()
+// The emphasis rewrites, in order, each with the marks a match cannot do
+// without, so that a row is tried only where it may apply. The closing tags
+// of the first, second and fourth rows stand misnested as they are; the
+// browser's repair of them is part of the look.
+struct EmphasisRow
 {
-    static const std::array<RegexRule, 7> rows{{
-        {Regex(QStringLiteral("(_\\*{3}|\\*{3}_)([^<>]+)(_\\*{3}|\\*{3}_)")),
-         QStringLiteral("<strong><em><u>$2</strong></em></u>")},
-        {Regex(QStringLiteral("(\\*{3})([^<>]+)(\\*{3})")),
-         QStringLiteral("<strong><em>$2</strong></em>")},
-        {Regex(QStringLiteral("(_\\*{2}|\\*{2}_)([^<>]+)(_\\*{2}|\\*{2}_)")),
-         QStringLiteral("<strong><u>$2</u></strong>")},
-        {Regex(QStringLiteral("(_\\*{1}|\\*{1}_)([^<>]+)(_\\*{1}|\\*{1}_)")),
-         QStringLiteral("<em><u>$2</em></u>")},
-        {Regex(QStringLiteral("(\\*{2})([^<>]+)(\\*{2})")), QStringLiteral("<strong>$2</strong>")},
+    RegexRule rule;
+    std::array<const char16_t *, 2> needsOneOf;
+};
+
+QString emphasized(QString text)
+{
+    static const std::array<EmphasisRow, 7> rows{{
+        {{Regex(QStringLiteral("(_\\*{3}|\\*{3}_)([^<>]+)(_\\*{3}|\\*{3}_)")),
+          QStringLiteral("<strong><em><u>$2</strong></em></u>")},
+         {u"_***", u"***_"}},
+        {{Regex(QStringLiteral("(\\*{3})([^<>]+)(\\*{3})")),
+          QStringLiteral("<strong><em>$2</strong></em>")},
+         {u"***", nullptr}},
+        {{Regex(QStringLiteral("(_\\*{2}|\\*{2}_)([^<>]+)(_\\*{2}|\\*{2}_)")),
+          QStringLiteral("<strong><u>$2</u></strong>")},
+         {u"_**", u"**_"}},
+        {{Regex(QStringLiteral("(_\\*{1}|\\*{1}_)([^<>]+)(_\\*{1}|\\*{1}_)")),
+          QStringLiteral("<em><u>$2</em></u>")},
+         {u"_*", u"*_"}},
+        {{Regex(QStringLiteral("(\\*{2})([^<>]+)(\\*{2})")), QStringLiteral("<strong>$2</strong>")},
+         {u"**", nullptr}},
         // A backslash before the asterisk keeps it.
-        {Regex(QStringLiteral("(?<!\\\\)(\\*{1})([^<>]+)(\\*{1})")), QStringLiteral("<em>$2</em>")},
-        {Regex(QStringLiteral("(_)([^<>_]+)(_)")), QStringLiteral("<u>$2</u>")},
+        {{Regex(QStringLiteral("(?<!\\\\)(\\*{1})([^<>]+)(\\*{1})")),
+          QStringLiteral("<em>$2</em>")},
+         {u"*", nullptr}},
+        {{Regex(QStringLiteral("(_)([^<>_]+)(_)")), QStringLiteral("<u>$2</u>")}, {u"_", nullptr}},
     }};
-    return rows;
+    for (const EmphasisRow &row : rows) {
+        const bool may =
+            std::any_of(row.needsOneOf.begin(), row.needsOneOf.end(),
+                        [&](const char16_t *marks) { return marks && containsMarks(text, marks); });
+        if (may)
+            text = row.rule.regex.replaceAll(text, row.rule.replacement);
+    }
+    return text;
 }
 
 QString valuesText(const QStringList &values)
@@ -100,8 +123,9 @@ QString elementText(const FNElement &element)
     for (const Marker &marker : markers)
         if (element.isType(marker.type))
             text = marker.regex.replaceFirst(text, QString());
+    text = emphasized(text);
     // Inline notes are the writer's, not the reader's.
-    return inlineNote.replaceAll(applyRules(text, emphasisRules()), QString());
+    return containsMarks(text, u"[[") ? inlineNote.replaceAll(text, QString()) : text;
 }
 
 bool isSpeech(const FNElement &element)
@@ -151,6 +175,11 @@ QString FNHTMLScript::htmlClassForType(const QString &type)
 QString FNHTMLScript::bodyForScript()
 {
     QString body = titleBlock(script.titlePage);
+    // Room for the text and its markup, made once.
+    qsizetype textSize = 0;
+    for (const FNElementRef &element : script.elements)
+        textSize += element->elementText.size();
+    body.reserve(body.size() + 2 * textSize + 64 * script.elements.size());
     FNPaginator paginator(script);
     m_numberOfPages = paginator.numberOfPages();
     // Dual dialogue divisions stay open across page numbers.

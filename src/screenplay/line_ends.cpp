@@ -33,4 +33,13 @@ QStringList splitAtEveryLineEnd(const QString &text)
     return lines;
 }
 
+bool containsMarks(QStringView text, QStringView marks)
+{
+    for (qsizetype at = text.indexOf(marks.front()); at >= 0;
+         at = text.indexOf(marks.front(), at + 1))
+        if (text.mid(at).startsWith(marks))
+            return true;
+    return false;
+}
+
 } // namespace tl::screenplay

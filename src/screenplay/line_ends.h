@@ -13,4 +13,9 @@ QString trimmedOfLineEnds(const QString &text);
 // boundary, so that "\r\n" holds an empty line.
 QStringList splitAtEveryLineEnd(const QString &text);
 
+// Whether the marks stand in the text: a search for the first mark, which
+// most lines lack, then a comparison where it stands. Quicker than a
+// general substring search for the two or three marks of the markup.
+bool containsMarks(QStringView text, QStringView marks);
+
 } // namespace tl::screenplay
