@@ -44,8 +44,8 @@ const std::vector<Command> &fountainCommands();
 // Prints one line to standard error and answers the status.
 int fail(const QString &message, int status = Failure);
 void printLine(const QString &line);
-// Prints a value: scalars as text, containers as JSON; everything as JSON
-// with --json.
+// Prints a value as JSON with --json, else as text: a scalar on its line, a
+// list one entry a line, a dictionary one "key: value" a line.
 void printValue(const QVariant &value, bool json);
 void printList(const QStringList &list, bool json);
 // Writes the output to -o FILE, or prints it.
@@ -53,6 +53,12 @@ int deliver(const QString &text, const QCommandLineParser &parser);
 
 // An argument naming a file, made absolute against the working folder.
 QString absolutePath(const QString &argument);
+
+enum class Inside { RootAllowed, BelowRoot };
+// An argument naming an item a command changes: its absolute path, with the
+// links of its folders resolved, when it lies in the library (or is its root,
+// where allowed); otherwise nothing, with the one-line error printed.
+std::optional<QString> itemInLibrary(const QString &argument, Inside inside);
 // Parses VALUE... for --type string|int|real|bool|date|array.
 std::optional<QVariant> parseTypedValue(const QString &type, const QStringList &values);
 

@@ -1,8 +1,10 @@
 #include "cli.h"
 #include "foundation/dates.h"
 #include "store/document_file.h"
+#include "store/library_root.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -67,28 +69,59 @@ void printLine(const QString &line)
     write(stdout, line + u'\n');
 }
 
-void printValue(const QVariant &value, bool json)
+namespace {
+
+QString compactJson(const QJsonValue &j)
+{
+    const QJsonDocument doc = j.isArray()    ? QJsonDocument(j.toArray())
+                              : j.isObject() ? QJsonDocument(j.toObject())
+                                             : QJsonDocument(QJsonArray{j});
+    QByteArray text = doc.toJson(QJsonDocument::Compact);
+    // A bare scalar prints without the array around it.
+    if (!j.isArray() && !j.isObject())
+        text = text.mid(1, text.size() - 2);
+    return QString::fromUtf8(text);
+}
+
+// A scalar as plain text; a container inside a listing as compact JSON.
+QString plainText(const QVariant &value)
 {
     const QJsonValue j = toJson(value);
-    if (json || j.isArray() || j.isObject()) {
-        const QJsonDocument doc = j.isArray()    ? QJsonDocument(j.toArray())
-                                  : j.isObject() ? QJsonDocument(j.toObject())
-                                                 : QJsonDocument(QJsonArray{j});
-        QByteArray text = doc.toJson(QJsonDocument::Compact);
-        // A bare scalar prints without the array around it.
-        if (!j.isArray() && !j.isObject())
-            text = text.mid(1, text.size() - 2);
-        printLine(QString::fromUtf8(text));
+    if (j.isBool())
+        return j.toBool() ? QStringLiteral("true") : QStringLiteral("false");
+    if (j.isDouble() && value.typeId() != QMetaType::Double)
+        return QString::number(value.toLongLong());
+    if (j.isDouble())
+        return QString::number(j.toDouble(), 'g', QLocale::FloatingPointShortest);
+    if (j.isArray() || j.isObject())
+        return compactJson(j);
+    return j.toString();
+}
+
+} // namespace
+
+void printValue(const QVariant &value, bool json)
+{
+    if (json) {
+        printLine(compactJson(toJson(value)));
         return;
     }
-    if (j.isBool())
-        printLine(j.toBool() ? QStringLiteral("true") : QStringLiteral("false"));
-    else if (j.isDouble() && value.typeId() != QMetaType::Double)
-        printLine(QString::number(value.toLongLong()));
-    else if (j.isDouble())
-        printLine(QString::number(j.toDouble(), 'g', QLocale::FloatingPointShortest));
-    else if (!j.isNull())
-        printLine(j.toString());
+    switch (value.typeId()) {
+    case QMetaType::QVariantList:
+    case QMetaType::QStringList:
+        for (const QVariant &item : value.toList())
+            printLine(plainText(item));
+        return;
+    case QMetaType::QVariantMap: {
+        const QVariantMap map = value.toMap();
+        for (auto it = map.cbegin(); it != map.cend(); ++it)
+            printLine(it.key() + QStringLiteral(": ") + plainText(it.value()));
+        return;
+    }
+    default:
+        if (value.isValid())
+            printLine(plainText(value));
+    }
 }
 
 void printList(const QStringList &list, bool json)
@@ -105,6 +138,28 @@ void printList(const QStringList &list, bool json)
 QString absolutePath(const QString &argument)
 {
     return QDir::cleanPath(QDir::current().absoluteFilePath(argument));
+}
+
+std::optional<QString> itemInLibrary(const QString &argument, Inside inside)
+{
+    const QString root = store::libraryRoot();
+    const QString path = absolutePath(argument);
+    // Links in the folders above are followed, so a link in the library
+    // that leads out of it leads out for this test too.
+    const QString parent = QFileInfo(QFileInfo(path).path()).canonicalFilePath();
+    if (parent.isEmpty() && path != root) {
+        fail(QStringLiteral("No such folder: %1").arg(QFileInfo(path).path()));
+        return std::nullopt;
+    }
+    const QString resolved = path == root ? root : parent + u'/' + QFileInfo(path).fileName();
+    const bool below = !root.isEmpty() && (resolved.startsWith(root + u'/') ||
+                                           (inside == Inside::RootAllowed && resolved == root));
+    if (!below) {
+        fail(resolved == root ? QStringLiteral("Not for the library itself: %1").arg(path)
+                              : QStringLiteral("Outside the library: %1").arg(path));
+        return std::nullopt;
+    }
+    return resolved;
 }
 
 std::optional<QVariant> parseTypedValue(const QString &type, const QStringList &values)

@@ -187,7 +187,7 @@ int runList(const QCommandLineParser &p, const Invocation &in)
 
 void describeSort(QCommandLineParser &p)
 {
-    p.addPositionalArgument("BOOK", "The book.");
+    p.addPositionalArgument("BOOK", "The book, in the library.");
     p.addPositionalArgument("INDEX", "0 title, 1 created, 2 modified, 3 custom, 4 and 6 "
                                      "descending, 5 ascending.");
 }
@@ -198,8 +198,11 @@ int runSort(const QCommandLineParser &, const Invocation &in)
     const int index = in.arguments.value(1).toInt(&isNumber);
     if (in.arguments.size() != 2 || !isNumber || index < 0 || index > 6)
         return fail("usage: tavelle sort BOOK INDEX (INDEX 0 to 6)", Usage);
+    const std::optional<QString> book = itemInLibrary(in.arguments.first(), Inside::RootAllowed);
+    if (!book)
+        return Failure;
     TLKSDocumentListViewController list;
-    list.path = absolutePath(in.arguments.first());
+    list.path = *book;
     if (!store::tl_pathIsBook(list.path))
         return fail("Not a book: " + list.path);
     list.loadDisplayParameters();
@@ -210,9 +213,25 @@ int runSort(const QCommandLineParser &, const Invocation &in)
     return Success;
 }
 
-void printNow(const QVariantMap &line)
+// One line for each report and event as it comes: JSON with --json, else
+// the kind or event name with its paths.
+void printNow(const QVariantMap &line, bool json)
 {
-    printValue(line, true);
+    if (json) {
+        printValue(line, true);
+    } else if (line.contains("report")) {
+        const QVariantMap report = line.value("report").toMap();
+        QString text = report.value("kind").toString() + u' ' + report.value("path").toString();
+        if (report.contains("newPath"))
+            text += " -> " + report.value("newPath").toString();
+        printLine(text);
+    } else {
+        QStringList fields{line.value("event").toString()};
+        const QVariantMap payload = line.value("payload").toMap();
+        for (auto it = payload.cbegin(); it != payload.cend(); ++it)
+            fields << it.key() + u'=' + it.value().toString();
+        printLine(fields.join(u' '));
+    }
     std::fflush(stdout);
 }
 
@@ -229,12 +248,13 @@ int runWatch(const QCommandLineParser &, const Invocation &in)
         return fail("Not a book: " + book);
     browser::TLKSOutlineViewController outline;
     platform::FileWatcher watcher;
-    watcher.onReport = [&outline](const platform::FileWatchReport &report) {
-        printNow(QVariantMap{{"report", report.toDictionary()}});
+    const bool json = in.json;
+    watcher.onReport = [&outline, json](const platform::FileWatchReport &report) {
+        printNow(QVariantMap{{"report", report.toDictionary()}}, json);
         outline.handleWatchReport(report);
     };
-    ScopedObserver events(QString(), [](const QString &name, const QVariantMap &payload) {
-        printNow(QVariantMap{{"event", name}, {"payload", payload}});
+    ScopedObserver events(QString(), [json](const QString &name, const QVariantMap &payload) {
+        printNow(QVariantMap{{"event", name}, {"payload", payload}}, json);
     });
     if (!watcher.watch(book))
         return fail("Cannot watch " + book);
@@ -249,8 +269,9 @@ const std::vector<Command> &browserCommands()
         {"tree", "Show the outline: smart books and books.", true, describeTree, runTree},
         {"ls", "Show the document list of a book or smart book.", true, describeList, runList},
         {"sort", "Choose a book's sort order by the menu's index.", true, describeSort, runSort},
-        {"watch", "Print changes below a book and the events they post, until interrupted.", true,
-         describeWatch, runWatch},
+        {"watch",
+         "Print changes below a book and the events they post, one a line, until interrupted.",
+         true, describeWatch, runWatch},
     };
     return commands;
 }

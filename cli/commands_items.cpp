@@ -24,45 +24,67 @@ namespace tl::cli {
 
 namespace {
 
-void describeSourceAndDestination(QCommandLineParser &p)
+const QString kUnique = QStringLiteral("unique");
+
+std::function<void(QCommandLineParser &)> describeSourceAndDestination(const char *verb)
 {
-    p.addPositionalArgument(QStringLiteral("SRC"), QStringLiteral("The item."));
-    p.addPositionalArgument(QStringLiteral("DEST"),
-                            QStringLiteral("The new path, or a book to put the item in."));
+    return [verb](QCommandLineParser &p) {
+        p.addPositionalArgument(
+            QStringLiteral("SRC"),
+            QStringLiteral("The item to %1%2.")
+                .arg(QLatin1String(verb),
+                     QLatin1String(qstrcmp(verb, "copy") == 0 ? ", from anywhere" : "")));
+        p.addPositionalArgument(
+            QStringLiteral("DEST"),
+            QStringLiteral("The new path in the library, or a book of the library to put the item "
+                           "in under its own name. A name that is taken is refused."));
+        p.addOption({kUnique, QStringLiteral("Take a free name instead (\"Name 1.md\", \"Name "
+                                             "2.md\", ...) when the name is taken.")});
+    };
 }
 
 void describePath(QCommandLineParser &p)
 {
-    p.addPositionalArgument(QStringLiteral("PATH"), QStringLiteral("The item."));
+    p.addPositionalArgument(QStringLiteral("PATH"), QStringLiteral("The item, in the library."));
 }
 
 // DEST names the new path, or an existing book to put the item in under its
-// own name; a copy takes a free name there.
-QString destinationFor(const QString &source, const QString &destination, bool uniqueName)
+// own name.
+QString destinationFor(const QString &source, const QString &destination)
 {
     if (!store::tl_pathIsBook(destination))
         return destination;
-    const QString name = QFileInfo(source).fileName();
-    return uniqueName ? store::tl_uniqueNameForFileatPath(name, destination)
-                      : destination + u'/' + name;
+    return destination + u'/' + QFileInfo(source).fileName();
 }
 
-int runMoveOrCopy(const QCommandLineParser &, const Invocation &in)
+int runMoveOrCopy(const QCommandLineParser &parser, const Invocation &in)
 {
     const bool copy = in.command == u"cp";
     if (in.arguments.size() != 2)
-        return fail(QStringLiteral("usage: tavelle %1 SRC DEST").arg(in.command), Usage);
-    const QString source = absolutePath(in.arguments[0]);
-    const QString target = destinationFor(source, absolutePath(in.arguments[1]), copy);
-    if (!QFileInfo::exists(source))
-        return fail(QStringLiteral("No such item: %1").arg(source));
-    if (QFileInfo::exists(target))
-        return fail(QStringLiteral("Already exists: %1").arg(target));
-    const bool done =
-        copy ? store::tl_copyItemToPath(source, target) : store::tl_moveItemToPath(source, target);
+        return fail(QStringLiteral("usage: tavelle %1 [--unique] SRC DEST").arg(in.command), Usage);
+    // Copies may come in from outside; everything else stays in the library.
+    const std::optional<QString> source =
+        copy ? std::optional<QString>(absolutePath(in.arguments[0]))
+             : itemInLibrary(in.arguments[0], Inside::BelowRoot);
+    const std::optional<QString> destination =
+        source ? itemInLibrary(in.arguments[1], Inside::RootAllowed) : std::nullopt;
+    if (!destination)
+        return Failure;
+    if (!QFileInfo::exists(*source) && !QFileInfo(*source).isSymLink())
+        return fail(QStringLiteral("No such item: %1").arg(*source));
+    QString target = destinationFor(*source, *destination);
+    if (QFileInfo::exists(target) || QFileInfo(target).isSymLink()) {
+        if (!parser.isSet(kUnique))
+            return fail(
+                QStringLiteral("Already exists: %1 (--unique takes a free name)").arg(target));
+        target = store::tl_uniqueNameForFileatPath(QFileInfo(target).fileName(),
+                                                   QFileInfo(target).path());
+    }
+    const bool done = copy ? store::tl_copyItemToPath(*source, target)
+                           : store::tl_moveItemToPath(*source, target);
     if (!done)
-        return fail(QStringLiteral("%1 failed: %2").arg(copy ? "Copy" : "Move", source));
-    printLine(target);
+        return fail(QStringLiteral("%1 failed: %2").arg(copy ? "Copy" : "Move", *source));
+    printValue(target, in.json);
     return Success;
 }
 
@@ -70,9 +92,11 @@ int runRemove(const QCommandLineParser &, const Invocation &in)
 {
     if (in.arguments.size() != 1)
         return fail(QStringLiteral("usage: tavelle rm PATH"), Usage);
-    const QString path = absolutePath(in.arguments[0]);
-    if (!store::tl_deleteItemAtPath(path))
-        return fail(QStringLiteral("Cannot delete: %1").arg(path));
+    const std::optional<QString> path = itemInLibrary(in.arguments[0], Inside::BelowRoot);
+    if (!path)
+        return Failure;
+    if (!store::tl_deleteItemAtPath(*path))
+        return fail(QStringLiteral("Cannot delete: %1").arg(*path));
     return Success;
 }
 
@@ -80,15 +104,17 @@ int runTrash(const QCommandLineParser &, const Invocation &in)
 {
     if (in.arguments.size() != 1)
         return fail(QStringLiteral("usage: tavelle trash PATH"), Usage);
-    const QString path = absolutePath(in.arguments[0]);
-    if (!QFileInfo::exists(path))
-        return fail(QStringLiteral("No such item: %1").arg(path));
-    const QList<store::TrashedItem> trashed = store::moveItemsToTrashAfterConfirmation({path});
+    const std::optional<QString> path = itemInLibrary(in.arguments[0], Inside::BelowRoot);
+    if (!path)
+        return Failure;
+    if (!QFileInfo::exists(*path))
+        return fail(QStringLiteral("No such item: %1").arg(*path));
+    const QList<store::TrashedItem> trashed = store::moveItemsToTrashAfterConfirmation({*path});
     if (trashed.isEmpty())
-        return QFileInfo::exists(path)
-                   ? fail(QStringLiteral("Not moved to the trash: %1").arg(path))
+        return QFileInfo::exists(*path)
+                   ? fail(QStringLiteral("Not moved to the trash: %1").arg(*path))
                    : Success;
-    printLine(trashed.first().itemInTrash);
+    printValue(trashed.first().itemInTrash, in.json);
     return Success;
 }
 
@@ -129,9 +155,11 @@ int runDuplicate(const QCommandLineParser &parser, const Invocation &in)
 {
     if (in.arguments.size() != 1)
         return fail(QStringLiteral("usage: tavelle dup PATH [--as KIND]"), Usage);
-    const QString path = absolutePath(in.arguments[0]);
-    if (!QFileInfo::exists(path))
-        return fail(QStringLiteral("No such item: %1").arg(path));
+    const std::optional<QString> path = itemInLibrary(in.arguments[0], Inside::BelowRoot);
+    if (!path)
+        return Failure;
+    if (!QFileInfo::exists(*path))
+        return fail(QStringLiteral("No such item: %1").arg(*path));
     std::function<QString(const QString &)> duplicate = store::tl_duplicateItemAtPath;
     if (parser.isSet(QStringLiteral("as"))) {
         const QString kind = parser.value(QStringLiteral("as"));
@@ -142,10 +170,10 @@ int runDuplicate(const QCommandLineParser &parser, const Invocation &in)
         if (!duplicate)
             return fail(QStringLiteral("Unknown kind: %1").arg(kind), Usage);
     }
-    const QString copy = duplicate(path);
+    const QString copy = duplicate(*path);
     if (copy.isEmpty())
-        return fail(QStringLiteral("Nothing was written for %1").arg(path));
-    printLine(copy);
+        return fail(QStringLiteral("Nothing was written for %1").arg(*path));
+    printValue(copy, in.json);
     return Success;
 }
 
@@ -153,11 +181,17 @@ int runPin(const QCommandLineParser &, const Invocation &in)
 {
     if (in.arguments.size() != 1)
         return fail(QStringLiteral("usage: tavelle pin PATH"), Usage);
-    const QString path = absolutePath(in.arguments[0]);
-    if (!QFileInfo::exists(path))
-        return fail(QStringLiteral("No such item: %1").arg(path));
-    store::tl_pinToTop(path);
-    printLine(store::tl_isPinned(path) ? QStringLiteral("pinned") : QStringLiteral("unpinned"));
+    const std::optional<QString> path = itemInLibrary(in.arguments[0], Inside::BelowRoot);
+    if (!path)
+        return Failure;
+    if (!QFileInfo::exists(*path))
+        return fail(QStringLiteral("No such item: %1").arg(*path));
+    store::tl_pinToTop(*path);
+    const bool pinned = store::tl_isPinned(*path);
+    if (in.json)
+        printValue(QVariantMap{{"path", *path}, {"pinned", pinned}}, true);
+    else
+        printLine(pinned ? QStringLiteral("pinned") : QStringLiteral("unpinned"));
     return Success;
 }
 
@@ -173,8 +207,13 @@ int runRecent(const QCommandLineParser &parser, const Invocation &in)
 {
     if (!in.arguments.isEmpty())
         return fail(QStringLiteral("usage: tavelle recent [--add PATH] [--verified]"), Usage);
-    if (parser.isSet(QStringLiteral("add")))
-        store::tl_addToRecentItems(absolutePath(parser.value(QStringLiteral("add"))));
+    if (parser.isSet(QStringLiteral("add"))) {
+        const std::optional<QString> path =
+            itemInLibrary(parser.value(QStringLiteral("add")), Inside::BelowRoot);
+        if (!path)
+            return Failure;
+        store::tl_addToRecentItems(*path);
+    }
     printList(parser.isSet(QStringLiteral("verified"))
                   ? store::TLStaticFunctions::verifiedListOfRecentItems()
                   : store::recentItems(),
@@ -187,7 +226,13 @@ struct Rule
 {
     const char *name;
     const char *arguments;
-    std::function<std::optional<QString>(const QStringList &)> apply;
+    // Where the rule reads beyond its arguments, for the help.
+    const char *note;
+    std::function<std::optional<QVariant>(const QStringList &)> apply;
+    // What is wrong with the arguments, if anything.
+    std::function<QString(const QStringList &)> check = [](const QStringList &) {
+        return QString();
+    };
 };
 
 QString standardInput()
@@ -215,21 +260,29 @@ const std::vector<Rule> &fileRules()
 {
     using namespace store;
     static const std::vector<Rule> rules{
-        {"encoding", "FILE",
-         [](const QStringList &a) -> std::optional<QString> {
+        {"encoding", "FILE", "",
+         [](const QStringList &a) -> std::optional<QVariant> {
              const QString path = absolutePath(a[0]);
              if (!QFileInfo(path).isFile())
                  return std::nullopt;
              const TextEncoding encoding = tl_textEncodingOfFile(path);
-             return QStringLiteral("%1 %2").arg(int(encoding)).arg(textEncodingName(encoding));
+             return QVariantMap{{"encoding", int(encoding)}, {"name", textEncodingName(encoding)}};
          }},
-        {"title", "", [](const QStringList &) { return tl_firstLineOfText(standardInput()); }},
-        {"mime", "EXT", [](const QStringList &a) { return tl_mimeTypeForExtension(a[0]); }},
-        {"ext", "MIME", [](const QStringList &a) { return tl_extensionForMimeType(a[0]); }},
-        {"icon", "PATH",
-         [](const QStringList &a) { return iconText(tl_iconForPath(absolutePath(a[0]))); }},
-        {"thumbnail", "PATH",
-         [](const QStringList &a) { return tl_thumbnailForPath(absolutePath(a[0])); }},
+        {"title", "", "reads the text from standard input",
+         [](const QStringList &) { return QVariant(tl_firstLineOfText(standardInput())); }},
+        {"mime", "EXT", "",
+         [](const QStringList &a) { return QVariant(tl_mimeTypeForExtension(a[0])); }},
+        {"ext", "MIME", "",
+         [](const QStringList &a) { return QVariant(tl_extensionForMimeType(a[0])); }},
+        {"icon", "PATH", "",
+         [](const QStringList &a) {
+             return QVariant(iconText(tl_iconForPath(absolutePath(a[0]))));
+         }},
+        {"thumbnail", "PATH", "",
+         [](const QStringList &a) -> std::optional<QVariant> {
+             const std::optional<QString> thumbnail = tl_thumbnailForPath(absolutePath(a[0]));
+             return thumbnail ? std::optional<QVariant>(*thumbnail) : std::nullopt;
+         }},
     };
     return rules;
 }
@@ -238,31 +291,50 @@ const std::vector<Rule> &nameRules()
 {
     using namespace store;
     static const std::vector<Rule> rules{
-        {"safe", "TEXT", [](const QStringList &a) { return tl_escapeIllegalCharacters(a[0]); }},
-        {"unique", "DIR NAME",
-         [](const QStringList &a) { return tl_uniqueNameForFileatPath(a[1], absolutePath(a[0])); }},
+        {"safe", "TEXT", "",
+         [](const QStringList &a) { return QVariant(tl_escapeIllegalCharacters(a[0])); }},
+        {"unique", "DIR NAME", "",
+         [](const QStringList &a) {
+             return QVariant(tl_uniqueNameForFileatPath(a[1], absolutePath(a[0])));
+         },
+         [](const QStringList &a) {
+             if (!QFileInfo(absolutePath(a[0])).isDir())
+                 return QStringLiteral("Not a folder: %1").arg(a[0]);
+             if (a[1].isEmpty() || a[1].contains(u'/'))
+                 return QStringLiteral("Not a file name: %1").arg(a[1]);
+             return QString();
+         }},
     };
     return rules;
+}
+
+QString ruleSyntax(const char *command, const Rule &rule)
+{
+    return QStringLiteral("tavelle %1 %2 %3")
+        .arg(QLatin1String(command), QLatin1String(rule.name), QLatin1String(rule.arguments))
+        .trimmed();
 }
 
 QString rulesUsage(const char *command, const std::vector<Rule> &rules)
 {
     QStringList lines;
     for (const Rule &rule : rules)
-        lines << QStringLiteral("tavelle %1 %2 %3")
-                     .arg(QLatin1String(command), QLatin1String(rule.name),
-                          QLatin1String(rule.arguments))
-                     .trimmed();
+        lines << ruleSyntax(command, rule);
     return QStringLiteral("usage: ") + lines.join(QStringLiteral("\n       "));
 }
 
 std::function<void(QCommandLineParser &)> describeRules(const std::vector<Rule> &(*rules)())
 {
     return [rules](QCommandLineParser &p) {
-        QStringList names;
+        QStringList forms;
         for (const Rule &r : rules())
-            names << QString::fromLatin1(r.name);
-        p.addPositionalArgument(QStringLiteral("RULE"), names.join(u", ") + u'.');
+            forms << (QStringLiteral("%1 %2")
+                          .arg(QLatin1String(r.name), QLatin1String(r.arguments))
+                          .trimmed() +
+                      (*r.note ? QStringLiteral(" (%1)").arg(QLatin1String(r.note)) : QString()));
+        p.addPositionalArgument(QStringLiteral("RULE"),
+                                QStringLiteral("The rule and its arguments, in this order: ") +
+                                    forms.join(QStringLiteral("; ")) + u'.');
         p.addPositionalArgument(QStringLiteral("ARGS"), QStringLiteral("The rule's arguments."),
                                 QStringLiteral("[ARGS...]"));
     };
@@ -272,7 +344,7 @@ std::function<int(const QCommandLineParser &, const Invocation &)>
 runRules(const std::vector<Rule> &(*rules)())
 {
     return [rules](const QCommandLineParser &, const Invocation &in) {
-        const QString usage = rulesUsage(in.command == u"file" ? "file" : "name", rules());
+        const char *command = in.command == u"file" ? "file" : "name";
         for (const Rule &rule : rules()) {
             if (in.arguments.value(0) != QLatin1String(rule.name))
                 continue;
@@ -280,14 +352,17 @@ runRules(const std::vector<Rule> &(*rules)())
             const qsizetype expected =
                 QString::fromLatin1(rule.arguments).split(u' ', Qt::SkipEmptyParts).size();
             if (arguments.size() != expected)
-                return fail(usage, Usage);
-            const std::optional<QString> result = rule.apply(arguments);
+                return fail(QStringLiteral("usage: ") + ruleSyntax(command, rule), Usage);
+            if (const QString wrong = rule.check(arguments); !wrong.isEmpty())
+                return fail(QStringLiteral("%1 (usage: %2)").arg(wrong, ruleSyntax(command, rule)),
+                            Usage);
+            const std::optional<QVariant> result = rule.apply(arguments);
             if (!result)
                 return fail(QStringLiteral("Nothing for %1").arg(arguments.join(u' ')));
             printValue(*result, in.json);
             return int(Success);
         }
-        return fail(usage, Usage);
+        return fail(rulesUsage(command, rules()), Usage);
     };
 }
 
@@ -296,10 +371,10 @@ runRules(const std::vector<Rule> &(*rules)())
 const std::vector<Command> &itemCommands()
 {
     static const std::vector<Command> commands{
-        {"mv", "Move or rename an item with its properties.", true, describeSourceAndDestination,
-         runMoveOrCopy},
-        {"cp", "Copy an item with its properties.", true, describeSourceAndDestination,
-         runMoveOrCopy},
+        {"mv", "Move or rename an item with its properties; a taken name is refused.", true,
+         describeSourceAndDestination("move"), runMoveOrCopy},
+        {"cp", "Copy an item, from anywhere, with its properties; a taken name is refused.", true,
+         describeSourceAndDestination("copy"), runMoveOrCopy},
         {"rm", "Delete an item and its properties file.", true, describePath, runRemove},
         {"trash", "Move an item and its properties file to the trash.", true, describePath,
          runTrash},

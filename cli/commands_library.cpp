@@ -35,7 +35,10 @@ int runInit(const QCommandLineParser &, const Invocation &in)
     // The library chosen here is the stored one from now on.
     store::setLibraryRootOverride({});
     shell::tl_setRootToPath(dir);
-    printLine(QStringLiteral("Library: %1").arg(store::libraryRoot()));
+    if (in.json)
+        printValue(QVariantMap{{"library", store::libraryRoot()}}, true);
+    else
+        printLine(QStringLiteral("Library: %1").arg(store::libraryRoot()));
     return Success;
 }
 
@@ -74,7 +77,7 @@ const std::vector<Command> &libraryCommands()
 {
     static const std::vector<Command> commands{
         {"init", "Make a folder the library and prepare it.", false, describeInit, runInit},
-        {"books", "List the books in a book, in Finder order.", true, describeBook, runBooks},
+        {"books", "List the books in a book, in the book's order.", true, describeBook, runBooks},
         {"walk", "List every document below a book in reading order.", true, describeBook,
          runBooks},
     };

@@ -12,7 +12,7 @@ struct PathRule
 {
     const char *name;
     bool takesBase;
-    std::function<QString(const QString &path, const QString &base)> apply;
+    std::function<QVariant(const QString &path, const QString &base)> apply;
 };
 
 const std::vector<PathRule> &pathRules()
@@ -31,9 +31,7 @@ const std::vector<PathRule> &pathRules()
         {"relative", true,
          [](const QString &p, const QString &base) { return tl_makeRelativeToPath(p, base); }},
         {"excluded", false,
-         [](const QString &p, const QString &) {
-             return tl_pathIsExcludedFromDisplay(p) ? QStringLiteral("yes") : QStringLiteral("no");
-         }},
+         [](const QString &p, const QString &) { return tl_pathIsExcludedFromDisplay(p); }},
     };
     return rules;
 }
@@ -58,11 +56,7 @@ int runPath(const QCommandLineParser &, const Invocation &in)
             continue;
         if (a.size() != (rule.takesBase ? 3 : 2))
             break;
-        const QString result = rule.apply(a[1], a.value(2));
-        if (in.json)
-            printValue(result, true);
-        else
-            printLine(result);
+        printValue(rule.apply(a[1], a.value(2)), in.json);
         return Success;
     }
     return fail(QStringLiteral("usage: tavelle path "

@@ -66,7 +66,9 @@ int runSettings(const QCommandLineParser &p, const Invocation &in)
 void describeProp(QCommandLineParser &p)
 {
     p.addPositionalArgument(QStringLiteral("ACTION"), QStringLiteral("get, set, rm or inherited."));
-    p.addPositionalArgument(QStringLiteral("PATH"), QStringLiteral("A book or document."));
+    p.addPositionalArgument(
+        QStringLiteral("PATH"),
+        QStringLiteral("A book or document; set and rm take one in the library only."));
     p.addPositionalArgument(QStringLiteral("KEY"), QStringLiteral("The property's key."));
     p.addPositionalArgument(QStringLiteral("VALUE"), QStringLiteral("The value, for set."),
                             QStringLiteral("[VALUE...]"));
@@ -80,7 +82,13 @@ int runProp(const QCommandLineParser &p, const Invocation &in)
     if (a.size() < 3)
         return fail(QStringLiteral("usage: tavelle prop get|set|rm|inherited PATH KEY [VALUE]"),
                     Usage);
-    const QString path = absolutePath(a[1]);
+    // Properties are read anywhere, but changed only in the library.
+    const bool changes = action == u"set" || action == u"rm";
+    const std::optional<QString> item = changes ? itemInLibrary(a[1], Inside::RootAllowed)
+                                                : std::optional<QString>(absolutePath(a[1]));
+    if (!item)
+        return Failure;
+    const QString &path = *item;
     const QString &key = a[2];
     if (!QFileInfo::exists(path))
         return fail(QStringLiteral("No such item: %1").arg(path));

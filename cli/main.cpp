@@ -55,7 +55,12 @@ int runCommand(const Command &command, const QStringList &arguments, bool json)
     if (!parser.parse(QStringList{QStringLiteral("tavelle ") + command.name} + arguments))
         return fail(parser.errorText(), Usage);
     if (parser.isSet(QStringLiteral("help"))) {
-        printLine(parser.helpText().trimmed());
+        // The parser names the program by the path it was started with.
+        QString help = parser.helpText().trimmed();
+        const QString started = QStringLiteral("Usage: ") + QCoreApplication::arguments().value(0);
+        if (help.startsWith(started))
+            help.replace(0, started.size(), QStringLiteral("Usage: tavelle ") + command.name);
+        printLine(help);
         return Success;
     }
     if (command.needsLibrary && tl::store::libraryRoot().isEmpty())

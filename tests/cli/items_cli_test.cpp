@@ -70,7 +70,8 @@ TEST_F(ItemsCommand, FailuresKeepEverything)
 
 TEST_F(ItemsCommand, CopyDuplicateRemoveAndTrash)
 {
-    EXPECT_EQ(run({"cp", book("Report.md"), library + "/Book"}).out, book("Report 1.md") + "\n");
+    EXPECT_EQ(run({"cp", "--unique", book("Report.md"), library + "/Book"}).out,
+              book("Report 1.md") + "\n");
     EXPECT_TRUE(QFileInfo::exists(book("Report 1.md.plist")));
     EXPECT_EQ(run({"dup", book("Report.md")}).out, book("Report copy.md") + "\n");
     EXPECT_EQ(run({"dup", book("Report.md")}).out, book("Report copy 1.md") + "\n");
@@ -112,9 +113,11 @@ TEST_F(ItemsCommand, FileRules)
         QByteArray input;
         QString out;
     } cases[] = {
-        {{"file", "encoding", home + "/windows.txt"}, {}, "12 Windows-1252\n"},
-        {{"file", "encoding", home + "/mac.txt"}, {}, "30 Mac Roman\n"},
-        {{"file", "encoding", book("Report.md")}, {}, "4 UTF-8\n"},
+        {{"file", "encoding", home + "/windows.txt"}, {}, "encoding: 12\nname: Windows-1252\n"},
+        {{"file", "encoding", home + "/mac.txt"}, {}, "encoding: 30\nname: Mac Roman\n"},
+        {{"--json", "file", "encoding", book("Report.md")},
+         {},
+         "{\"encoding\":4,\"name\":\"UTF-8\"}\n"},
         {{"file", "title"}, "---\nTitle: From YAML\n---\n", "From YAML\n"},
         {{"file", "mime", "pps"}, {}, "application/vnd.ms-powerpoint\n"},
         {{"file", "ext", "audio/mpeg"}, {}, "mp3\n"},
@@ -130,6 +133,11 @@ TEST_F(ItemsCommand, FileRules)
         EXPECT_EQ(r.out, c.out) << c.args.join(' ').toStdString();
     }
     EXPECT_EQ(run({"file", "encoding"}).exitCode, 2);
+    // Arguments in the wrong order fail with one clear line.
+    const CommandResult swapped = run({"name", "unique", "Report.md", library + "/Book"});
+    EXPECT_EQ(swapped.exitCode, 2);
+    EXPECT_EQ(swapped.out, "");
+    EXPECT_EQ(swapped.err, "Not a folder: Report.md (usage: tavelle name unique DIR NAME)\n");
     EXPECT_EQ(run({"file", "thumbnail", book("Report.md")}).exitCode, 1);
 }
 

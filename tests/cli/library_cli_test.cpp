@@ -82,7 +82,8 @@ TEST_F(LibraryCommand, PropertiesReadBackAsTheStoreReadsThem)
     EXPECT_EQ(run({"prop", "set", library, "CSS", "CSS/Handbook.css"}).exitCode, 0);
     EXPECT_EQ(run({"prop", "inherited", doc, "CSS"}).out, "CSS/Handbook.css\n");
     EXPECT_EQ(run({"prop", "set", doc, "Tags", "a", "b", "--type", "array"}).exitCode, 0);
-    EXPECT_EQ(run({"prop", "get", doc, "Tags"}).out, "[\"a\",\"b\"]\n");
+    EXPECT_EQ(run({"prop", "get", doc, "Tags"}).out, "a\nb\n");
+    EXPECT_EQ(run({"--json", "prop", "get", doc, "Tags"}).out, "[\"a\",\"b\"]\n");
     EXPECT_EQ(run({"prop", "rm", doc, "noteFontSize"}).exitCode, 0);
     EXPECT_EQ(run({"prop", "get", doc, "noteFontSize"}).out, "\n");
     const auto missing = run({"prop", "get", library + "/Nope.md", "CSS"});
@@ -141,8 +142,9 @@ TEST_F(LibraryCommand, PathRulesForScripts)
         {{"path", "escape", "Book/My Doc (1).md"}, "Book/My%20Doc%20%281%29.md"},
         {{"path", "relative", root + "/a/b/Doc.md", root + "/a/b"}, "Doc.md"},
         {{"path", "relative", root + "/a/c/Doc.md", root + "/a/b"}, "../c/Doc.md"},
-        {{"path", "excluded", "/Book/Doc.md.plist"}, "yes"},
-        {{"path", "excluded", "/Book/Doc.md"}, "no"},
+        {{"path", "excluded", "/Book/Doc.md.plist"}, "true"},
+        {{"path", "excluded", "/Book/Doc.md"}, "false"},
+        {{"--json", "path", "excluded", "/Book/Doc.md"}, "false"},
     };
     for (const Case &c : cases) {
         const auto r = run(c.args);
