@@ -9,7 +9,7 @@ QString tl_stringByReplacingHTMLEntities(const QString &text)
     // "&amp;" goes last, so "&amp;lt;" ends as "&lt;" and is not decoded
     // twice; the numeric ellipsis comes after the literal one and stays a
     // real ellipsis.
-    static const std::vector<RegexRule> rules = compiledRewrites({
+    static const RewriteTable rules = compiledRewrites({
         {Literal, "&nbsp;", " "},
         {Literal, "&lt;", "<"},
         {Literal, "&gt;", ">"},
@@ -29,7 +29,7 @@ QString tl_stringByReplacingHTMLEntities(const QString &text)
         {Expression, "&#.+?;", ""},
         {Literal, "&amp;", "&"},
     });
-    return applyRules(text, rules);
+    return applyRewrites(text, rules);
 }
 
 } // namespace tl::convert

@@ -60,7 +60,7 @@ QString tl_htmlToPlainText(const QString &text)
         return tl_plainTextRepresentation(text);
     if (!text.contains(QStringLiteral("<html")))
         return text;
-    static const std::vector<RegexRule> scripts = compiledRewrites({
+    static const RewriteTable scripts = compiledRewrites({
         {Rewrite::Expression, "<script.*?</script>", "", RegexOption::DotMatchesNewline},
         {Rewrite::Expression, "<style.*?</style>", "", RegexOption::DotMatchesNewline},
     });
@@ -70,7 +70,7 @@ QString tl_htmlToPlainText(const QString &text)
         html.remove(0, headEnd + qsizetype(qstrlen("</head>")));
     const qsizetype kept = std::min(html.size(), kLinesKeptFor);
     html = html.first(kept).replace(u'\n', QStringLiteral("<br/>\n")) + html.sliced(kept);
-    html = applyRules(html, scripts);
+    html = applyRewrites(html, scripts);
     const std::optional<QString> nodes = textOfNodes(html);
     return nodes ? nodes->trimmed() : html;
 }
@@ -78,7 +78,7 @@ QString tl_htmlToPlainText(const QString &text)
 QString tl_htmlToPlainQuick(const QString &html)
 {
     using enum Rewrite;
-    static const std::vector<RegexRule> rules = compiledRewrites({
+    static const RewriteTable rules = compiledRewrites({
         {Expression, ">\\n\\s+<", ">\n<"},
         {Literal, "</li><li>", "\n- "},
         {Literal, "<li>", "- "},
@@ -92,7 +92,7 @@ QString tl_htmlToPlainQuick(const QString &html)
         {Expression, "(?s)<script.*?>.*?</script>", ""},
         {Expression, "</?[^>]+?>", ""},
     });
-    return tl_stringByReplacingHTMLEntities(applyRules(tl_getInnerHTML(html), rules).trimmed());
+    return tl_stringByReplacingHTMLEntities(applyRewrites(tl_getInnerHTML(html), rules).trimmed());
 }
 
 } // namespace tl::convert

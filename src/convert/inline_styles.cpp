@@ -27,7 +27,7 @@ QString withoutOtherStyles(const QString &html)
 
 QString tl_htmlWithoutInlineStyles(const QString &html)
 {
-    static const std::vector<RegexRule> spans = compiledRewrites({
+    static const RewriteTable spans = compiledRewrites({
         {Expression, R"re(<span style="text-align: initial;">)re", "<span>"},
         {Expression, R"re(<span style="color: inherit;">)re", "<span>"},
         {Expression, R"re(<span style="text-align: initial; text-indent: 0em;">)re", "<span>"},
@@ -35,7 +35,7 @@ QString tl_htmlWithoutInlineStyles(const QString &html)
         {Expression, R"re(<i style="text-align: initial;">)re", "<i>"},
         {Expression, R"re(<b style="text-align: initial;">)re", "<b>"},
     });
-    static const std::vector<RegexRule> layout = compiledRewrites({
+    static const RewriteTable layout = compiledRewrites({
         {Literal, R"(<span class="Apple-converted-space">&nbsp;</span>)", " "},
         {Literal, "&nbsp;", " "},
         {Expression, R"(([^\n])(<h[1-6]))", "$1\n\n$2"},
@@ -52,7 +52,7 @@ QString tl_htmlWithoutInlineStyles(const QString &html)
         {CaselessLiteral, "</b><b>", ""},
         {CaselessLiteral, "</i><i>", ""},
     });
-    return applyRules(withoutOtherStyles(applyRules(html, spans)), layout).trimmed();
+    return applyRewrites(withoutOtherStyles(applyRewrites(html, spans)), layout).trimmed();
 }
 
 } // namespace tl::convert

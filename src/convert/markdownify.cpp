@@ -14,14 +14,16 @@ constexpr RegexOptions kDotAll = RegexOption::DotMatchesNewline;
 
 // What carries no Markdown: heads, scripts, comments, spans, fonts, divs,
 // the list and checkbox forms of the formatted view; breaks.
-std::vector<RegexRule> cleanUpRows(bool strictLineBreaks)
+RewriteTable cleanUpRows(bool strictLineBreaks)
 {
     const QString lineBreak = strictLineBreaks ? QStringLiteral("  \n") : QStringLiteral("\n");
     return compiledRewrites({
         {Expression, "<!DOCTYPE .*?>", ""},
         {Expression, R"(^\s*(<.+)$)", "$1"},
-        {Expression, R"re((-\s)?<li class="tl_checkbox">)re", "<li>[ ]\t"},
-        {Expression, R"re((-\s)?<li class="tl_checkbox_done">)re", "<li>[x]\t"},
+        {Expression, R"re((-\s)?<li class="tl_checkbox">)re", "<li>[ ]\t", RegexOption::NoOptions,
+         R"(<li class="tl_checkbox">)"},
+        {Expression, R"re((-\s)?<li class="tl_checkbox_done">)re", "<li>[x]\t",
+         RegexOption::NoOptions, R"(<li class="tl_checkbox_done">)"},
         {Expression, R"(<(ul|ol)( .*?)?>\n*)", "<$1>"},
         {Expression, R"(\n*<li( .*?)?>\n*)", "<li>"},
         {Expression, R"(<a name=.*?></a>\n?)", ""},
@@ -37,8 +39,8 @@ std::vector<RegexRule> cleanUpRows(bool strictLineBreaks)
         {Literal, "</span>", ""},
         {Literal, "</font>", ""},
         {Literal, "</div>", ""},
-        {Expression, R"(\p{Z}?<mark .*?>)", " =="},
-        {Expression, R"(\p{Z}?<mark>)", " =="},
+        {Expression, R"(\p{Z}?<mark .*?>)", " ==", RegexOption::NoOptions, "<mark "},
+        {Expression, R"(\p{Z}?<mark>)", " ==", RegexOption::NoOptions, "<mark>"},
         {Expression, R"(</mark>\p{Z}?)", "== "},
         {Literal, "<b><br></b>", ""},
         {Literal, "<i><br></i>", ""},
@@ -52,18 +54,18 @@ std::vector<RegexRule> cleanUpRows(bool strictLineBreaks)
         {Expression, "<br .*?>", "<br>"},
         {Literal, "<br>\n", lineBreak},
         {Literal, "<br>", lineBreak},
-        {Expression, "</?o:[^>]+>", ""},
+        {Expression, "</?o:[^>]+>", "", RegexOption::NoOptions, "o:"},
     });
 }
 
-const std::vector<RegexRule> &cleanUp(bool strictLineBreaks)
+const RewriteTable &cleanUp(bool strictLineBreaks)
 {
-    static const std::vector<RegexRule> tables[] = {cleanUpRows(false), cleanUpRows(true)};
+    static const RewriteTable tables[] = {cleanUpRows(false), cleanUpRows(true)};
     return tables[strictLineBreaks];
 }
 
 // Underlined text has no Markdown form: "u" elements stay.
-std::vector<RegexRule> emphasisRows(bool underscore)
+RewriteTable emphasisRows(bool underscore)
 {
     const QString strong = underscore ? QStringLiteral("__") : QStringLiteral("**");
     const QString weak = underscore ? QStringLiteral("_") : QStringLiteral("*");
@@ -71,31 +73,31 @@ std::vector<RegexRule> emphasisRows(bool underscore)
     // they are.
     return compiledRewrites({
         {Expression, R"(<b( .*?)?>\s*?\n*)", strong},
-        {Expression, R"(\n?\s*?</b>)", strong},
+        {Expression, R"(\n?\s*?</b>)", strong, RegexOption::NoOptions, "</b>"},
         {Expression, R"(<strong( .*?)?>\s*?\n*)", strong},
-        {Expression, R"(\n?\s*?</strong>)", strong},
+        {Expression, R"(\n?\s*?</strong>)", strong, RegexOption::NoOptions, "</strong>"},
         {Expression, R"(<i( .*?)?>\s*?\n*)", weak},
-        {Expression, R"(\n?\s*?</i>)", weak},
+        {Expression, R"(\n?\s*?</i>)", weak, RegexOption::NoOptions, "</i>"},
         {Expression, R"(<em( .*?)?>\s*?\n*)", weak},
-        {Expression, R"(\n?\s*?</em>)", weak},
+        {Expression, R"(\n?\s*?</em>)", weak, RegexOption::NoOptions, "</em>"},
         {Expression, R"(<strike( .*?)?>\s*?\n?)", "~~"},
-        {Expression, R"(\n?\s*?</strike>)", "~~"},
+        {Expression, R"(\n?\s*?</strike>)", "~~", RegexOption::NoOptions, "</strike>"},
         {Expression, R"(<del( .*?)?>\s*?\n?)", "~~"},
-        {Expression, R"(\n?\s*?</del>)", "~~"},
+        {Expression, R"(\n?\s*?</del>)", "~~", RegexOption::NoOptions, "</del>"},
         {Expression, R"(<hr( .*?)?>\s*)", "\n----\n\n"},
         {Expression, R"(<blockquote( .*?)?>\n*)", "\n<blockquote>"},
     });
 }
 
-const std::vector<RegexRule> &emphasis(bool underscore)
+const RewriteTable &emphasis(bool underscore)
 {
-    static const std::vector<RegexRule> tables[] = {emphasisRows(false), emphasisRows(true)};
+    static const RewriteTable tables[] = {emphasisRows(false), emphasisRows(true)};
     return tables[underscore];
 }
 
-const std::vector<RegexRule> &code()
+const RewriteTable &code()
 {
-    static const std::vector<RegexRule> rules = compiledRewrites({
+    static const RewriteTable rules = compiledRewrites({
         {CaselessLiteral, "<pre><code>", "~~~~\n"},
         {CaselessLiteral, "</code></pre>", "~~~~\n"},
         {CaselessLiteral, "<p><code>", "`"},
@@ -107,35 +109,35 @@ const std::vector<RegexRule> &code()
 }
 
 // List items outside any list.
-const std::vector<RegexRule> &strayItems()
+const RewriteTable &strayItems()
 {
-    static const std::vector<RegexRule> rules = compiledRewrites({
+    static const RewriteTable rules = compiledRewrites({
         {CaselessLiteral, "<li>", "-\t"},
         {CaselessLiteral, "</li>", "\n"},
     });
     return rules;
 }
 
-const std::vector<RegexRule> &headingEnds()
+const RewriteTable &headingEnds()
 {
-    static const std::vector<RegexRule> rules = compiledRewrites({
+    static const RewriteTable rules = compiledRewrites({
         {Expression, R"(</h\d?>\n*)", "\n\n"},
     });
     return rules;
 }
 
-const std::vector<RegexRule> &checkboxInputs()
+const RewriteTable &checkboxInputs()
 {
-    static const std::vector<RegexRule> rules = compiledRewrites({
+    static const RewriteTable rules = compiledRewrites({
         {Expression, R"re((-\s)?<input .*?type="checkbox" .*?checked.*?>)re", "- [x] "},
         {Expression, R"re((-\s)?<input .*?type="checkbox".*?>)re", "- [ ] "},
     });
     return rules;
 }
 
-const std::vector<RegexRule> &tidy()
+const RewriteTable &tidy()
 {
-    static const std::vector<RegexRule> rules = compiledRewrites({
+    static const RewriteTable rules = compiledRewrites({
         {Expression, R"(^\s*$)", "\n", RegexOption::AnchorsMatchLines},
         {Expression, R"(\n\n+)", "\n\n"},
     });
@@ -168,21 +170,21 @@ QString markdownifyHTML(const QString &html, const MarkdownifyOptions &options)
     if (html.isEmpty())
         return QString();
     QString text = tl_stringByReplacingHTMLEntities(bodyOf(html));
-    text = applyRules(text, cleanUp(options.strictLineBreaks));
+    text = applyRewrites(text, cleanUp(options.strictLineBreaks));
     text = replacedWhileMatching(text, detail::paragraphLoop());
-    text = applyRules(text, emphasis(options.underscoreEmphasis));
+    text = applyRewrites(text, emphasis(options.underscoreEmphasis));
     text = replacedWhileMatching(text, detail::quotationLoop());
-    text = applyRules(text, code());
+    text = applyRewrites(text, code());
     text = replacedWhileMatching(text, detail::listLoop());
-    text = applyRules(text, strayItems());
+    text = applyRewrites(text, strayItems());
     text = replacedWhileMatching(text, detail::headingLoop());
-    text = applyRules(text, headingEnds());
+    text = applyRewrites(text, headingEnds());
     text = replacedWhileMatching(text, detail::tableLoop());
     text = replacedWhileMatching(text, detail::linkLoop());
     text = replacedWhileMatching(text, detail::imageLoop());
     text = replacedWhileMatching(text, detail::definitionListLoop());
-    text = applyRules(text, checkboxInputs());
-    return applyRules(text, tidy()).trimmed();
+    text = applyRewrites(text, checkboxInputs());
+    return applyRewrites(text, tidy()).trimmed();
 }
 
 } // namespace tl::convert

@@ -79,7 +79,7 @@ QString heading(const RegexMatch &m, QStringView text)
 QString table(const RegexMatch &m, QStringView text)
 {
     static const Regex headerCell(QStringLiteral(R"(<th(\b[^>]*)>)"), RegexOption::CaseInsensitive);
-    static const std::vector<RegexRule> cells = compiledRewrites({
+    static const RewriteTable cells = compiledRewrites({
         {Expression, R"(</td>\s*<td\b[^>]*>)", " | ", kDotAll},
         {Expression, R"(</td>\s*</tr>)", "\n", kDotAll},
         {Expression, R"(<tr\b[^>]*>\s*<td\b[^>]*>)", "", kDotAll},
@@ -106,7 +106,7 @@ QString table(const RegexMatch &m, QStringView text)
         else
             alignments.append(QStringLiteral(" ----------- "));
     }
-    QString rows = applyRules(content, cells);
+    QString rows = applyRewrites(content, cells);
     rows.replace(QStringLiteral("</thead>"), alignments.join(u'|') + u'\n');
     rows.replace(QStringLiteral("\n\n"), QStringLiteral("\n"));
     return QStringLiteral("\n\n") + rows.trimmed() + QStringLiteral("\n\n");
@@ -127,13 +127,13 @@ QString image(const RegexMatch &m, QStringView text)
 
 QString definitionList(const RegexMatch &m, QStringView text)
 {
-    static const std::vector<RegexRule> terms = compiledRewrites({
+    static const RewriteTable terms = compiledRewrites({
         {Expression, "<dt.*?>", "\n"},
         {Literal, "</dt>", "\n"},
         {Expression, "<dd.*?>", ": "},
         {Literal, "</dd>", "\n"},
     });
-    return u'\n' + applyRules(m.capturedString(text, 1), terms) + u'\n';
+    return u'\n' + applyRewrites(m.capturedString(text, 1), terms) + u'\n';
 }
 
 } // namespace

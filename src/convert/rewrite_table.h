@@ -22,9 +22,23 @@ struct RewriteRow
     QString find;
     QString replace;
     RegexOptions options = RegexOption::NoOptions;
+    // Text that every match of an expression holds: a text without it is not
+    // searched. For expressions that begin with something optional, which
+    // would otherwise be tried at every blank or tag.
+    QString holds = {};
 };
 
-// Compile once (into a function-local static) and hand to applyRules().
-std::vector<RegexRule> compiledRewrites(std::initializer_list<RewriteRow> rows);
+struct CompiledRewrite
+{
+    RegexRule rule;
+    QString holds;
+    Qt::CaseSensitivity holdsCase;
+};
+using RewriteTable = std::vector<CompiledRewrite>;
+
+// Compile once (into a function-local static).
+RewriteTable compiledRewrites(std::initializer_list<RewriteRow> rows);
+// Each row in turn replaces all its matches.
+QString applyRewrites(const QString &text, const RewriteTable &table);
 
 } // namespace tl::convert
