@@ -143,7 +143,7 @@ bool printsNothing(const FNElement &element)
 } // namespace
 
 FNHTMLScript::FNHTMLScript(const FNScript &script)
-    : font(QStringLiteral("Courier"), 13), script(script)
+    : font{QStringLiteral("Courier"), 13}, script(script)
 {
 }
 

@@ -2,8 +2,6 @@
 
 #include "screenplay/fn_script.h"
 
-#include <QFont>
-
 namespace tl::screenplay {
 
 // A script as one self-contained HTML page in the look of a printed
@@ -25,7 +23,12 @@ public:
     // The pages the body was worked out with (0 before the first).
     int numberOfPages() const { return m_numberOfPages; }
 
-    QFont font; // "Courier" 13; the page does not read it
+    // The font the script is set in; the page does not read it.
+    struct Font
+    {
+        QString family;
+        int pointSize;
+    } font;
     FNScript script;
     std::optional<QString> bodyText;
 
