@@ -80,11 +80,12 @@ std::span<const RegexRule> pipeline()
 // Line ends inside multi-line notes survive the pipeline as a marker.
 QString protectNoteLineEnds(QString text, const Regex &note)
 {
-    for (const RegexMatch &m : note.allMatches(text)) {
-        const QString passage = m.capturedString(text, 1);
+    QStringList passages;
+    for (const RegexMatch &m : note.allMatches(text))
+        passages.append(m.capturedString(text, 1));
+    for (const QString &passage : passages)
         text.replace(passage, QString(passage).replace(kNewline, QLatin1String("@@@@@")),
                      Qt::CaseInsensitive);
-    }
     return text;
 }
 

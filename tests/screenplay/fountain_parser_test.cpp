@@ -135,6 +135,14 @@ TEST(FountainParser, FieldsOfTaggedElements)
     EXPECT_EQ(elements.at(3)->elementText, "THE END");
 }
 
+TEST(FountainParser, MultiLineNotesKeepTheirLineEnds)
+{
+    const auto elements = FountainParser::parseBodyOfString(
+        QStringLiteral("Rain.\n\n/* one\ntwo */\n\n[[three\nfour]]\n\n/* five\nsix */\n\nSun."));
+    EXPECT_EQ(dump(elements), "Action: Rain.\nBoneyard:  one\ntwo \nComment: three\nfour\n"
+                              "Boneyard:  five\nsix \nAction: Sun.");
+}
+
 TEST(FountainParser, EscapesComeBackInTheText)
 {
     const auto elements =
