@@ -74,7 +74,9 @@ QString withoutCheckboxParagraphs(const QString &html)
     static const Regex paragraph(
         QStringLiteral(R"re(<li class="(tl_checkbox.*?)"><p>(.*?)</p></li>)re"),
         RegexOption::DotMatchesNewline);
+    static const RegexTemplate item(paragraph, QStringLiteral(R"(<li class="$1">$2</li>)"));
     static const Regex blank(QStringLiteral(R"re((<li class="tl_checkbox.*?>) )re"));
+    static const RegexTemplate tag(blank, QStringLiteral("$1"));
     static const QStringMatcher start(u"<li class=\"tl_checkbox");
     static const QStringMatcher opening(u"\"><p>");
     static const QStringMatcher closing(u"</p></li>");
@@ -104,15 +106,14 @@ QString withoutCheckboxParagraphs(const QString &html)
         if (!match || match->start() != 0)
             continue;
         result += QStringView(html).sliced(copied, at - copied);
-        result +=
-            paragraph.expandTemplate(*match, stretch, QStringLiteral(R"(<li class="$1">$2</li>)"));
+        item.expandInto(result, *match, stretch);
         copied = at + match->length();
     }
     if (copied == 0)
         result = html;
     else
         result += QStringView(html).sliced(copied);
-    return blank.replaceAll(result, QStringLiteral("$1"));
+    return blank.replaceAll(result, tag);
 }
 
 // The two work files of one run, removed when the run ends.
@@ -177,12 +178,13 @@ QString multiMarkdownCompatibleAnchor(const QString &heading)
     static const Regex bracket(QStringLiteral(R"(\[(.+?)\])"), RegexOption::AnchorsMatchLines);
     static const Regex foreign(QStringLiteral(R"([^a-zA-Z0-9\.:\-_])"));
     static const Regex dashes(QStringLiteral(R"(\-+)"));
+    static const RegexTemplate dash(dashes, QStringLiteral("-"));
     if (heading.endsWith(u']')) {
         const QList<RegexMatch> matches = bracket.allMatches(heading);
         if (!matches.isEmpty())
             return store::percentEncodedForPath(matches.last().capturedString(heading, 1));
     }
-    return dashes.replaceAll(foreign.replaceAll(heading, QString()), QStringLiteral("-")).toLower();
+    return dashes.replaceAll(foreign.replaceAll(heading, QString()), dash).toLower();
 }
 
 QString tl_markdownWithPandoc(const QString &markdown, bool withTitleBlock, bool withContents)

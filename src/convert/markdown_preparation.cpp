@@ -83,6 +83,7 @@ QString preparedForDefaultConverter(QString text, LazyCodeRanges &code)
     static const Regex headingAnchor(QStringLiteral(R"(^#+ ?(.+?)(\[).+?(\])([\s#]*)$)"),
                                      RegexOption::AnchorsMatchLines);
     static const Regex checkbox(QStringLiteral(R"((- \[.\])\s+?)"));
+    static const RegexTemplate oneBlank(checkbox, QStringLiteral("$1 "));
 
     text = notesMovedToDefinitions(text, code);
     if (!setting(keys::UseMMDCompatibleAnchors)) {
@@ -96,7 +97,7 @@ QString preparedForDefaultConverter(QString text, LazyCodeRanges &code)
                                            {4, QString()}});
             });
     }
-    return checkbox.replaceAll(text, QStringLiteral("$1 "));
+    return checkbox.replaceAll(text, oneBlank);
 }
 
 } // namespace

@@ -72,6 +72,8 @@ QString withoutIndexMarks(const QString &text)
 QString withDiagramScripts(const QString &text)
 {
     static const Regex diagramStart(QStringLiteral(R"((?m:(^```mermaid.+?$)))"));
+    static const RegexTemplate darkDiagram(diagramStart,
+                                           QStringLiteral("$1\n%%{init: {'theme': 'dark'} }%%"));
     if (!text.contains(QStringLiteral("```mermaid")))
         return text;
     QString result = text + QStringLiteral("\n\n<script src=\"%1\"></script>\n"
@@ -79,8 +81,7 @@ QString withDiagramScripts(const QString &text)
                                            "</script>")
                                 .arg(mermaidScriptURL());
     if (setting(tl::keys::setting::DarkTheme) && !setting(keys::AvoidDarkThemeForDocuments))
-        result =
-            diagramStart.replaceAll(result, QStringLiteral("$1\n%%{init: {'theme': 'dark'} }%%"));
+        result = diagramStart.replaceAll(result, darkDiagram);
     return result;
 }
 

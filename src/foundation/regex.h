@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace tl {
 
@@ -64,6 +65,8 @@ private:
     bool valid(int n) const { return n >= 0 && n < groups.size(); }
 };
 
+class RegexTemplate;
+
 class Regex
 {
 public:
@@ -96,14 +99,14 @@ public:
     QList<RegexMatch> allMatches(QStringView text) const;
     qsizetype count(QStringView text) const;
 
-    // Replacement templates follow ICU: $n (as many digits as name an existing
-    // group), ${name}, "\" escapes the next character, \uhhhh and \Uhhhhhhhh.
-    // A template that names no existing group, or a "$" followed by neither a
-    // digit nor "{", is invalid: the operation logs and changes nothing.
+    // Replacement templates (see RegexTemplate) come taken apart already, or
+    // as text taken apart for this one call. An invalid template changes
+    // nothing. Replace operations answer `text` itself (shared, not copied)
+    // when nothing matches.
     QString expandTemplate(const RegexMatch &match, QStringView text, const QString &templ) const;
-    // Replace operations answer `text` itself (shared, not copied) when
-    // nothing matches.
+    QString replaceAll(const QString &text, const RegexTemplate &templ) const;
     QString replaceAll(const QString &text, const QString &templ) const;
+    QString replaceFirst(const QString &text, const RegexTemplate &templ) const;
     QString replaceFirst(const QString &text, const QString &templ) const;
 
     // Edits every match of the original text. The editor is called from the
@@ -122,6 +125,7 @@ public:
     // text size. The loop stops, logging, when a replacement leaves the text
     // unchanged (it would find the same match forever), after
     // maxReplaceRounds(text) rounds, or when the text grows past a bound.
+    QString replaceWhileMatching(const QString &text, const RegexTemplate &templ) const;
     QString replaceWhileMatching(const QString &text, const QString &templ) const;
     QString replaceWhileMatching(const QString &text, const MatchReplacer &replacer) const;
     static qsizetype maxReplaceRounds(qsizetype textLength);
@@ -136,12 +140,39 @@ private:
     std::shared_ptr<const Compiled> d;
 };
 
+// A replacement template taken apart once, for the expression it was made
+// for. It follows ICU: $n (as many digits as name an existing group),
+// ${name}, "\" escapes the next character, \uhhhh and \Uhhhhhhhh. A template
+// that names no existing group, or a "$" followed by neither a digit nor
+// "{", is invalid: it logs one line and expands to nothing.
+class RegexTemplate
+{
+public:
+    RegexTemplate(); // invalid
+    RegexTemplate(const Regex &regex, const QString &templ);
+
+    bool isValid() const;
+    // Appends the expansion for one match of `text`.
+    void expandInto(QString &out, const RegexMatch &match, QStringView text) const;
+    QString expanded(const RegexMatch &match, QStringView text) const;
+
+    struct Piece;
+
+private:
+    std::shared_ptr<const std::vector<Piece>> d;
+};
+
 // One row of an ordered rule table: the table is applied top to bottom, each
-// row replacing all its matches.
+// row replacing all its matches. The replacement is taken apart when the
+// row is made.
 struct RegexRule
 {
+    RegexRule(Regex regex, const QString &replacement)
+        : regex(std::move(regex)), replacement(this->regex, replacement)
+    {
+    }
     Regex regex;
-    QString replacement;
+    RegexTemplate replacement;
 };
 QString applyRules(const QString &text, std::span<const RegexRule> rules);
 

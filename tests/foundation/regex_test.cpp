@@ -267,10 +267,13 @@ TEST(Regex, TemplatesExpandAsIcuDoes)
         bool icuOk = false;
         const QString icu = icuReplaceAll(c.pattern, text, templ, &icuOk);
         EXPECT_EQ(icuOk, c.expected != nullptr);
+        const tl::RegexTemplate parsed(re, templ);
+        EXPECT_EQ(parsed.isValid(), c.expected != nullptr);
         if (c.expected) {
             const QString expected = QString::fromUtf16(c.expected);
             EXPECT_EQ(icu, expected);
             EXPECT_EQ(re.replaceAll(text, templ), expected);
+            EXPECT_EQ(re.replaceAll(text, parsed), expected);
             const auto m = re.match(text);
             ASSERT_TRUE(m);
             EXPECT_EQ(text.first(m->start()) + re.expandTemplate(*m, text, templ) +
