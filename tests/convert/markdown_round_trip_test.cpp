@@ -38,11 +38,14 @@ protected:
     }
 };
 
-TEST_F(MarkdownRoundTrip, DefaultConverter)
+// Either converter renders these so that the same Markdown comes back. The
+// rendering puts a blank line before a sub-list, which stays on the way back,
+// so nested lists are written with it: a tight item would come back loose.
+// An ordered sub-list, which the rendering sets beside its item, comes back
+// as an item of its own.
+const std::vector<tltest::TextCase> &documents()
 {
-    setSetting("MarkdownConverter", 0);
-    setSetting("useMarkdownStrictly", true);
-    expectRoundTrips({
+    static const std::vector<tltest::TextCase> cases{
         {"headings", "# One\n\n## Two\n\n###### Six", "# One\n\n## Two\n\n###### Six"},
         {"emphasis", "Some *weak*, **strong** and ~~struck~~ text.",
          "Some *weak*, **strong** and ~~struck~~ text."},
@@ -50,11 +53,10 @@ TEST_F(MarkdownRoundTrip, DefaultConverter)
         {"ordered", "1. a\n2. b\n3. c", "1.\ta\n 2.\tb\n 3.\tc"},
         {"nested", "-\ta\n\n\t- b\n\t\t- c\n-\td", "-\ta\n\n\t- b\n\t\t- c\n-\td"},
         {"bullets in ordered", "1.\ta\n\n\t- b\n\t- c\n2.\td", "1.\ta\n\n\t- b\n\t- c\n 2.\td"},
-        {"nested tasks", "- [ ]\ta\n\n\t- [x] b\n- [ ]\tc", "- [ ]\t\na\n\n\t- [x]\tb\n- [ ]\tc"},
         {"tasks", "- [ ] open\n- [x] done", "- [ ]\topen\n- [x]\tdone"},
         {"quotation", "> a quotation", "> a quotation"},
-        {"code block", "Text:\n\n```\ncode here\n  indented\n```",
-         "Text:\n\n~~~~\ncode here\n  indented\n~~~~"},
+        {"code block", "Some code follows.\n\n```\ncode here\n  indented\n```",
+         "Some code follows.\n\n~~~~\ncode here\n  indented\n~~~~"},
         {"inline code", "Use `x < y` here.", "Use `x < y` here."},
         {"table", "| A | B |\n|:--|--:|\n| 1 | 2 |",
          "A  |  B \n :---------- | ----------: \n 1  |  2"},
@@ -62,7 +64,25 @@ TEST_F(MarkdownRoundTrip, DefaultConverter)
         {"nested quotation", "> a\n\n> > b", "> a\n\n> > b"},
         {"link", "A [link](https://example.org/a) here.", "A [link](https://example.org/a) here."},
         {"image", "![](pic.png)", "![](pic.png)"},
+    };
+    return cases;
+}
+
+TEST_F(MarkdownRoundTrip, DefaultConverter)
+{
+    setSetting("MarkdownConverter", 0);
+    setSetting("useMarkdownStrictly", true);
+    expectRoundTrips(documents());
+    expectRoundTrips({
+        {"nested tasks", "- [ ]\ta\n\n\t- [x] b\n- [ ]\tc", "- [ ]\t\na\n\n\t- [x]\tb\n- [ ]\tc"},
     });
+}
+
+TEST_F(MarkdownRoundTrip, MultiMarkdown)
+{
+    setSetting("MarkdownConverter", 1);
+    setSetting("useMarkdownStrictly", true);
+    expectRoundTrips(documents());
 }
 
 } // namespace
