@@ -134,7 +134,7 @@ BuiltPage plainTextRepresentationPage(const QString &path, const QString &text)
 {
     BuiltPage built;
     const QString stored = convert::tl_stripMarkdownFromHTML(text);
-    const QString markdown = store::tl_htmlToPlainText(text);
+    const QString markdown = markdownOfRepresentation(text);
     if (markdown.isEmpty()) {
         // Nothing to render from: show what the file holds, and never write it.
         built.page = pageOfHTML(convert::formattedDocAdjustedToTheme(stored), fileURL(path), true);
@@ -152,6 +152,13 @@ BuiltPage plainTextRepresentationPage(const QString &path, const QString &text)
 }
 
 } // namespace
+
+QString markdownOfRepresentation(const QString &fileText)
+{
+    const qsizetype start = fileText.indexOf(QStringLiteral("<!-- Plain Text Representation:\n"));
+    const qsizetype end = start < 0 ? -1 : fileText.indexOf(QStringLiteral("-->"), start);
+    return store::tl_htmlToPlainText(end < 0 ? fileText : fileText.left(end + 3));
+}
 
 QString plainTextRepresentationFile(const QString &path, const QString &markdown)
 {

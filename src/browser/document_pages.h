@@ -32,6 +32,10 @@ BuiltPage buildFormattedPage(const PageRequest &request);
 // source in the head comment, then its rendering.
 QString plainTextRepresentationFile(const QString &path, const QString &markdown);
 
+// The Markdown source a formatted document carries: tl_htmlToPlainText of
+// the head comment alone, as the page behind it has comments of its own.
+QString markdownOfRepresentation(const QString &fileText);
+
 // The eml page's font markers filled in for the document's font.
 QString withMailFontMarkers(const QString &html, const QString &face, int size);
 

@@ -116,11 +116,11 @@ void TLKSDocumentViewController::selectNewDocument(const QString &selected,
         searchKey = key;
         showDocument();
     } else if (presentingToggledView) {
-        // The same document in its other view: back to its own view first.
+        // The same document in its other view: back to its own view.
         presentingToggledView = false;
-        Scheduler::main().schedule(
-            QStringLiteral("document reselect %1").arg(quintptr(this)), kRetryDelay,
-            [this, selected, newSearchKey] { selectNewDocument(selected, newSearchKey); });
+        searchKey = key;
+        Scheduler::main().schedule(QStringLiteral("document reselect %1").arg(quintptr(this)),
+                                   kRetryDelay, [this] { showDocument(); });
         return;
     } else if (anchor.isEmpty() && key == searchKey && viewThatIsVisible == FormattedView) {
         reloadCurrentDocument();
@@ -200,6 +200,10 @@ void TLKSDocumentViewController::showDocument()
         loadPlainText();
     else if (viewThatIsVisible == FormattedView && !path.isEmpty())
         loadFormattedPage();
+    // A kind whose converter is missing or failed shows as a preview.
+    if (viewThatIsVisible == FormattedView && !path.isEmpty() && formattedPage.html.isEmpty() &&
+        formattedPage.url.isEmpty())
+        viewThatIsVisible = PreviewView;
     applyLockRule();
     readOffsets();
     if (!path.isEmpty() && QFileInfo::exists(path))
@@ -216,7 +220,7 @@ void TLKSDocumentViewController::loadPlainText()
     const QString extension = store::lowerCasedExtension(path);
     if (extension == u"html" &&
         !store::tl_propertyForKey(path, QLatin1String(P::Markdown)).toString().isEmpty()) {
-        text = store::tl_htmlToPlainText(text);
+        text = markdownOfRepresentation(text);
     } else if (isHTMLKind(path) && convert::tl_generatorIsTavelle(text)) {
         const QString inner = convert::tl_getInnerHTML(text);
         text = setting(S::ShowHTMLHeader) ? convert::tl_createFormattedDocWithBody(path, inner)
