@@ -1,0 +1,199 @@
+#include "../store/library_fixture.h"
+#include "browser/document_list.h"
+#include "browser/document_list_model.h"
+#include "browser/event_bridge.h"
+#include "browser/smart_books.h"
+#include "foundation/events.h"
+#include "foundation/path_string.h"
+#include "model_test_support.h"
+#include "platform/file_ops.h"
+#include "store/recent_items.h"
+
+#include <QCoreApplication>
+#include <QMimeData>
+#include <QPersistentModelIndex>
+#include <QSignalSpy>
+#include <QUrl>
+
+namespace {
+
+using tl::browser::DocumentListModel;
+using tl::browser::TLKSDocumentListViewController;
+
+QDateTime day(int n)
+{
+    return QDateTime(QDate(2020, 1, n), QTime(12, 0), Qt::UTC);
+}
+
+class DocumentListModelTest : public tltest::LibraryTest
+{
+protected:
+    void SetUp() override
+    {
+        LibraryTest::SetUp();
+        book = makeFolder(inRoot("Book"));
+        for (const char *name : {"b.md", "c.txt", "a.txt"})
+            doc(QLatin1String(name));
+        list.path = book;
+        model = std::make_unique<DocumentListModel>(list);
+        list.loadDisplayParameters();
+        list.getDocumentsInFolder();
+        checked = std::make_unique<tltest::CheckedModel>(model.get());
+    }
+    void TearDown() override
+    {
+        checked.reset();
+        model.reset();
+        LibraryTest::TearDown();
+        EXPECT_TRUE(tltest::CheckedModel::complaints().isEmpty())
+            << tltest::CheckedModel::complaints().join("\n").toStdString();
+    }
+    QString doc(const QString &name, int createdDay = 1)
+    {
+        const QString p = makeFile(book + "/" + name);
+        writePlist(p + ".plist", QVariantMap{{"CreationDate", day(createdDay)}});
+        return p;
+    }
+    QStringList shown() const
+    {
+        QStringList rows;
+        for (int row = 0; row < model->rowCount(); ++row)
+            rows << model->index(row).data().toString();
+        return rows;
+    }
+
+    QString book;
+    TLKSDocumentListViewController list;
+    std::unique_ptr<DocumentListModel> model;
+    std::unique_ptr<tltest::CheckedModel> checked;
+};
+
+TEST_F(DocumentListModelTest, HeadersAndRowsInDisplayOrderWithTheirRoles)
+{
+    EXPECT_EQ(shown(), (QStringList{"3 DOCUMENTS", "a", "b", "c"}));
+    const QModelIndex header = model->index(0);
+    EXPECT_TRUE(header.data(DocumentListModel::IsHeaderRole).toBool());
+    EXPECT_FALSE(model->flags(header) & Qt::ItemIsSelectable);
+    const QModelIndex a = model->indexForPath(book + "/a.txt");
+    ASSERT_EQ(a.row(), 1);
+    EXPECT_EQ(model->pathAt(a), book + "/a.txt");
+    EXPECT_FALSE(a.data(DocumentListModel::IsHeaderRole).toBool());
+    EXPECT_FALSE(a.data(DocumentListModel::PinnedRole).toBool());
+    EXPECT_TRUE(a.data(DocumentListModel::DateRole).toDateTime().isValid());
+    EXPECT_EQ(a.data(DocumentListModel::RecordRole).toMap().value("title"), "a.txt");
+}
+
+TEST_F(DocumentListModelTest, ANewFileIsInsertedWithoutAReset)
+{
+    const QPersistentModelIndex c = model->indexForPath(book + "/c.txt");
+    list.documentModifiedOnDisk(doc("bb.txt"));
+    EXPECT_EQ(shown(), (QStringList{"4 DOCUMENTS", "a", "b", "bb", "c"}));
+    EXPECT_EQ(checked->resets, 0);
+    EXPECT_EQ(checked->inserted, 1);
+    EXPECT_GE(checked->changed, 1) << "the header counts anew";
+    EXPECT_EQ(model->pathAt(c), book + "/c.txt");
+}
+
+TEST_F(DocumentListModelTest, ARenamedFileTakesItsNewPlaceWithoutAReset)
+{
+    const QPersistentModelIndex b = model->indexForPath(book + "/b.md");
+    ASSERT_TRUE(tl::platform::moveItem(book + "/a.txt", book + "/d.txt"));
+    list.documentMoved(book + "/a.txt", book + "/d.txt");
+    EXPECT_EQ(shown(), (QStringList{"3 DOCUMENTS", "b", "c", "d"}));
+    EXPECT_EQ(checked->resets, 0);
+    EXPECT_EQ(model->pathAt(b), book + "/b.md");
+}
+
+TEST_F(DocumentListModelTest, ANewSortOrderMovesRows)
+{
+    list.sortAscending = false;
+    list.sortDocuments();
+    list.rowsChanged();
+    EXPECT_EQ(shown(), (QStringList{"3 DOCUMENTS", "c", "b", "a"}));
+    EXPECT_EQ(checked->resets, 0);
+    EXPECT_GE(checked->moved, 2);
+    EXPECT_EQ(checked->inserted + checked->removed, 0);
+}
+
+TEST_F(DocumentListModelTest, TheLastRowGoesWithItsHeader)
+{
+    for (const char *name : {"a.txt", "b.md", "c.txt"}) {
+        QFile::remove(book + "/" + name);
+        list.documentDeletedFromDisk(book + "/" + name);
+    }
+    EXPECT_EQ(model->rowCount(), 0);
+    EXPECT_EQ(checked->resets, 0);
+}
+
+TEST_F(DocumentListModelTest, AChangedRowIsReportedAsChanged)
+{
+    const QString a = book + "/a.txt";
+    writePlist(a + ".plist", QVariantMap{{"CreationDate", day(1)}, {"cellColor", "red"}});
+    list.documentModifiedOnDisk(a + ".plist");
+    EXPECT_EQ(checked->resets, 0);
+    EXPECT_EQ(checked->changed, 1);
+    EXPECT_EQ(model->indexForPath(a).data(DocumentListModel::ColorLabelRole).toString(), "red");
+}
+
+TEST_F(DocumentListModelTest, AnotherBookResetsTheModel)
+{
+    const QString other = makeFolder(inRoot("Other"));
+    makeFile(other + "/x.txt");
+    list.handleOpenBookNotification(other, 0);
+    EXPECT_EQ(checked->resets, 1);
+    EXPECT_EQ(shown(), (QStringList{"DOCUMENTS", "x"}));
+}
+
+TEST_F(DocumentListModelTest, DraggedRowsCarryFileURLsAndReorderTheManualOrder)
+{
+    const std::unique_ptr<QMimeData> data(
+        model->mimeData({model->indexForPath(book + "/a.txt"), model->index(0)}));
+    ASSERT_TRUE(data);
+    EXPECT_EQ(data->urls(), QList<QUrl>{QUrl::fromLocalFile(book + "/a.txt")});
+
+    EXPECT_FALSE(model->moveRows({}, 1, 1, {}, 4)) << "only a manual order takes a drag";
+    list.selectSortOrder(3);
+    list.rowsChanged();
+    checked->resetCounts();
+    const QStringList before = shown();
+    ASSERT_TRUE(model->moveRows({}, 1, 1, {}, 4));
+    EXPECT_EQ(shown(), (QStringList{before[0], before[2], before[3], before[1]}));
+    EXPECT_EQ(checked->moved, 1);
+    const QVariantMap properties = readPlist(book + "/BookProperties.plist");
+    QStringList notes;
+    for (const QVariant &name : properties.value("Notes").toList())
+        notes << name.toString();
+    EXPECT_EQ(notes.first(), tl::path::lastComponent(model->pathAt(model->index(1))));
+    EXPECT_FALSE(model->moveRows({}, 1, 1, {}, 0)) << "never above the header";
+}
+
+TEST_F(DocumentListModelTest, ASmartBookIsGatheredOffTheMainThread)
+{
+    for (const char *name : {"a.txt", "c.txt"})
+        tl::store::tl_addToRecentItems(book + "/" + name);
+    QSignalSpy loading(model.get(), &DocumentListModel::loadingChanged);
+    list.smartBookType = tl::browser::RecentItems;
+    list.path = QStringLiteral("Recent Items");
+    model->reloadBookInBackground();
+    EXPECT_TRUE(model->isLoading());
+    model->waitForLoading();
+    EXPECT_FALSE(model->isLoading());
+    EXPECT_EQ(shown(), (QStringList{"2 DOCUMENTS", "c", "a"}));
+    ASSERT_EQ(loading.size(), 2);
+    EXPECT_TRUE(loading[0].at(0).toBool());
+    EXPECT_FALSE(loading[1].at(0).toBool());
+}
+
+TEST_F(DocumentListModelTest, TheBridgeDeliversFileEventsOnTheMainThread)
+{
+    tl::browser::EventBridge bridge;
+    model->connectToBridge(bridge);
+    const QString added = doc("added.txt");
+    tl::NotificationCenter::defaultCenter().post(tl::events::FileModifiedOnDisk, {{"path", added}});
+    EXPECT_EQ(checked->inserted, 0) << "delivery is queued";
+    QCoreApplication::processEvents();
+    EXPECT_EQ(checked->inserted, 1);
+    EXPECT_TRUE(model->indexForPath(added).isValid());
+}
+
+} // namespace
