@@ -144,14 +144,17 @@ std::optional<QString> itemInLibrary(const QString &argument, Inside inside)
 {
     const QString root = store::libraryRoot();
     const QString path = absolutePath(argument);
-    // Links in the folders above are followed, so a link in the library
-    // that leads out of it leads out for this test too.
-    const QString parent = QFileInfo(QFileInfo(path).path()).canonicalFilePath();
-    if (parent.isEmpty() && path != root) {
-        fail(QStringLiteral("No such folder: %1").arg(QFileInfo(path).path()));
+    // Links are followed, so a link in the library that leads out of it
+    // leads out for this test too: a folder's own files lie inside it, and
+    // any other item's beside it.
+    const QFileInfo item(path);
+    const QString parent = QFileInfo(item.path()).canonicalFilePath();
+    if (!item.isDir() && parent.isEmpty()) {
+        fail(QStringLiteral("No such folder: %1").arg(item.path()));
         return std::nullopt;
     }
-    const QString resolved = path == root ? root : parent + u'/' + QFileInfo(path).fileName();
+    const QString resolved =
+        item.isDir() ? item.canonicalFilePath() : parent + u'/' + item.fileName();
     const bool below = !root.isEmpty() && (resolved.startsWith(root + u'/') ||
                                            (inside == Inside::RootAllowed && resolved == root));
     if (!below) {

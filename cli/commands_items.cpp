@@ -72,19 +72,20 @@ int runMoveOrCopy(const QCommandLineParser &parser, const Invocation &in)
         return Failure;
     if (!QFileInfo::exists(*source) && !QFileInfo(*source).isSymLink())
         return fail(QStringLiteral("No such item: %1").arg(*source));
-    QString target = destinationFor(*source, *destination);
-    if (QFileInfo::exists(target) || QFileInfo(target).isSymLink()) {
+    // The destination is resolved, so a name inside it stays in the library.
+    std::optional<QString> target = destinationFor(*source, *destination);
+    if (QFileInfo::exists(*target) || QFileInfo(*target).isSymLink()) {
         if (!parser.isSet(kUnique))
             return fail(
-                QStringLiteral("Already exists: %1 (--unique takes a free name)").arg(target));
-        target = store::tl_uniqueNameForFileatPath(QFileInfo(target).fileName(),
-                                                   QFileInfo(target).path());
+                QStringLiteral("Already exists: %1 (--unique takes a free name)").arg(*target));
+        target = store::tl_uniqueNameForFileatPath(QFileInfo(*target).fileName(),
+                                                   QFileInfo(*target).path());
     }
-    const bool done = copy ? store::tl_copyItemToPath(*source, target)
-                           : store::tl_moveItemToPath(*source, target);
+    const bool done = copy ? store::tl_copyItemToPath(*source, *target)
+                           : store::tl_moveItemToPath(*source, *target);
     if (!done)
         return fail(QStringLiteral("%1 failed: %2").arg(copy ? "Copy" : "Move", *source));
-    printValue(target, in.json);
+    printValue(*target, in.json);
     return Success;
 }
 

@@ -182,6 +182,11 @@ TEST_F(CommandConventions, ChangesStayInTheLibrary)
         {{"prop", "set", x, "CSS", "y"}, "Outside the library: " + x},
         {{"prop", "rm", x, "CSS"}, "Outside the library: " + x},
         {{"sort", outside, "1"}, "Outside the library: " + outside},
+        {{"sort", library + "/Book/Door", "1"}, "Outside the library: " + library + "/Book/Door"},
+        {{"prop", "set", library + "/Book/Door", "CSS", "y"},
+         "Outside the library: " + library + "/Book/Door"},
+        {{"cp", book("Report.md"), library + "/Book/Door"},
+         "Outside the library: " + library + "/Book/Door"},
         {{"recent", "--add", x}, "Outside the library: " + x},
     };
     for (const Case &c : cases) {
