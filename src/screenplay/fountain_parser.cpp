@@ -12,25 +12,25 @@ namespace {
 
 const QString kNewline = QStringLiteral("\n");
 
-// The first block and where the text goes on behind it, after leading line
-// ends are taken off; nothing when the text has no blank line.
+// The text with leading line ends taken off, and its first block with its
+// own line end when a blank line ends it; nothing is a title page then.
 struct TopBlock
 {
-    QString text;  // the leading line ends taken off
-    QString block; // with its own line end
+    QString text;
+    QString block;
     bool isTitlePage = false;
 };
 
-std::optional<TopBlock> topBlockOf(const QString &text)
+TopBlock topBlockOf(const QString &text)
 {
     static const Regex leadingLineEnds(QStringLiteral("^\\n+"));
     static const Regex titlePage(QStringLiteral("^([^\\n]+:(([ \\t]*|\\n)[^\\n]+\\n)+)+\\n"));
     TopBlock top{leadingLineEnds.replaceAll(text, QString()), {}, false};
     const qsizetype blankLine = top.text.indexOf(QLatin1String("\n\n"));
-    if (blankLine < 0)
-        return std::nullopt;
-    top.block = top.text.left(blankLine + 1);
-    top.isTitlePage = titlePage.isMatch(top.block + kNewline);
+    if (blankLine >= 0) {
+        top.block = top.text.left(blankLine + 1);
+        top.isTitlePage = titlePage.isMatch(top.block + kNewline);
+    }
     return top;
 }
 
@@ -155,26 +155,17 @@ void markDualDialogue(FNElementList &elements)
 
 QString bodyOfString(const QString &text)
 {
-    const std::optional<TopBlock> top = topBlockOf(text);
-    if (!top)
-        return QStringLiteral("\n\n%1\n\n").arg(text);
-    QString body = top->text;
-    if (top->isTitlePage)
-        body.replace(top->block, QString());
+    const TopBlock top = topBlockOf(text);
+    QString body = top.text;
+    if (top.isTitlePage)
+        body.replace(top.block, QString());
     return QStringLiteral("\n\n%1\n\n").arg(body);
 }
 
 QString titlePageOfString(const QString &text)
 {
-    const std::optional<TopBlock> top = topBlockOf(text);
-    if (!top || !top->isTitlePage)
-        return {};
-    QString block = top->block;
-    while (block.startsWith(kNewline))
-        block.remove(0, 1);
-    while (block.endsWith(kNewline))
-        block.chop(1);
-    return block;
+    const TopBlock top = topBlockOf(text);
+    return top.isTitlePage ? trimmedOfLineEnds(top.block) : QString();
 }
 
 FNElementList parseBodyOfString(const QString &text)

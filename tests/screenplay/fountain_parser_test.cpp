@@ -98,6 +98,7 @@ struct BlockCase
 
 const BlockCase kBlockCases[] = {
     {"Rain.", "\n\nRain.\n\n", ""},
+    {"\n\n\nRain.", "\n\nRain.\n\n", ""},
     {"\n\nRain.\n\nSun.", "\n\nRain.\n\nSun.\n\n", ""},
     {"Title: Brick\nAuthor: Rian\n\nRain.", "\n\n\nRain.\n\n", "Title: Brick\nAuthor: Rian"},
     {"Contact:\n  Quill\n\nRain.", "\n\n\nRain.\n\n", "Contact:\n  Quill"},
