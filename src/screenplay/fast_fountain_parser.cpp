@@ -15,8 +15,8 @@ namespace {
 
 const QString kNewline = QStringLiteral("\n");
 
-// Rule 24's "a next line exists and is not empty" needs the neighbour; the
-// rest look at the line alone.
+// A line and what the rules ask of it; only a cue looks at its neighbour,
+// which must be a line with text.
 struct Line
 {
     const QString &text;
