@@ -37,7 +37,6 @@ const Case kCases[] = {
     {"a hyphen after a blank is no break", "aaaa -" + QString(62, u'b'), 250, 3},
     {"text wraps word by word",
      "The lamp turns and the rain runs down the glass of the old lighthouse.", 250, 3},
-    {"no width sets no limit", QString(500, u'a') + "\nb", 0, 2},
 };
 
 TEST(CourierLines, CountsLinesAsATypesetterBreaksThem)
