@@ -2,6 +2,7 @@
 #include "cli.h"
 #include "platform/alerts.h"
 #include "platform/settings.h"
+#include "server/control/connection_details.h"
 #include "server/control/server_control.h"
 #include "server/control/server_preferences.h"
 #include "server/control/server_settings.h"
@@ -110,7 +111,11 @@ int runServe(const QCommandLineParser &p, const Invocation &in)
         return Failure;
 
     const server::ServerPaneState pane = server::TLServerPreferences::updateConnectionDetails();
-    printLine(pane.connectionDetails);
+    // Narrowed to an interface, the server is reached at its addresses only.
+    printLine(!p.value(QStringLiteral("interface")).isEmpty()
+                  ? server::listeningDetailsText(server::tavelleServerAddresses(),
+                                                 server::tavelleServerPort())
+                  : pane.connectionDetails);
     printLine(QString());
     printLine(QStringLiteral("%1: %2").arg(QLatin1String(server::kUserTitle), pane.user));
     printLine(QStringLiteral("%1: %2").arg(QLatin1String(server::kPasswordTitle), pane.password));

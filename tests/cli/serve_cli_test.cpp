@@ -87,6 +87,13 @@ TEST_F(ServeCommand, ServesWithTheGivenCredentialsUntilTerminated)
     EXPECT_TRUE(output.contains("\nUser: Tavelle\nPassword: open-sesame\n"))
         << output.toStdString();
     ASSERT_GE(port(), 8655);
+    // Listening on the loopback address alone, that is the one address shown.
+    EXPECT_TRUE(
+        output.startsWith(QStringLiteral("Use the credentials above to connect to one of the "
+                                         "given server addresses.\n\nhttp://127.0.0.1:%1\n\n")
+                              .arg(port())
+                              .toUtf8()))
+        << output.toStdString();
     const QString url = QStringLiteral("http://127.0.0.1:%1/Book/new.txt").arg(port());
     QFile upload(home + "/upload.txt");
     ASSERT_TRUE(upload.open(QIODevice::WriteOnly));

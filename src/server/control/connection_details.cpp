@@ -14,17 +14,33 @@ bool isEthernetOrWiFiInterface(const QString &name)
            name.startsWith(QLatin1String("wl"));
 }
 
+namespace {
+const char kIntroduction[] =
+    "Use the credentials above to connect to one of the given server addresses.";
+} // namespace
+
 QString connectionDetailsText(const QString &hostName, quint64 port,
                               const QList<NetworkInterface> &interfaces)
 {
-    QString text = QStringLiteral(
-        "Use the credentials above to connect to one of the given server addresses.");
+    QString text = QLatin1String(kIntroduction);
     text += QStringLiteral("\n\nhttp://%1:%2").arg(hostName).arg(port);
     for (const NetworkInterface &interface : interfaces) {
         if (interface.ipv4Address.isEmpty() || !isEthernetOrWiFiInterface(interface.name) ||
             !(interface.up || interface.running) || interface.loopback)
             continue;
         text += QStringLiteral("\nhttp://%1:%2").arg(interface.ipv4Address).arg(port);
+    }
+    return text;
+}
+
+QString listeningDetailsText(const QStringList &addresses, quint64 port)
+{
+    QString text = QLatin1String(kIntroduction) + QLatin1Char('\n');
+    for (const QString &address : addresses) {
+        const QString host = address.contains(QLatin1Char(':'))
+                                 ? QLatin1Char('[') + address + QLatin1Char(']')
+                                 : address;
+        text += QStringLiteral("\nhttp://%1:%2").arg(host).arg(port);
     }
     return text;
 }

@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 // How a client reaches the server: the host name and the addresses of the
 // machine's wired and wireless interfaces.
@@ -24,6 +25,10 @@ bool isEthernetOrWiFiInterface(const QString &name);
 // the order given.
 QString connectionDetailsText(const QString &hostName, quint64 port,
                               const QList<NetworkInterface> &interfaces);
+
+// The same introduction, then one address per line for a server that
+// listens on the given addresses only.
+QString listeningDetailsText(const QStringList &addresses, quint64 port);
 
 // The machine's host name, ending in ".local".
 QString localHostName();

@@ -109,6 +109,11 @@ uint16_t tavelleServerPort()
     return state().httpServer ? state().httpServer->listeningPort() : 0;
 }
 
+QStringList tavelleServerAddresses()
+{
+    return state().httpServer ? state().httpServer->listeningAddresses() : QStringList();
+}
+
 void installServerControl()
 {
     tl::shell::ShellHooks &hooks = tl::shell::shellHooks();

@@ -23,6 +23,8 @@ void terminateTavelleServer();
 bool tavelleServerIsRunning();
 // The bound port while running, else 0.
 uint16_t tavelleServerPort();
+// The addresses listened on while running, else none.
+QStringList tavelleServerAddresses();
 
 // Puts launch, terminate and the running test into the shell's hooks, so
 // the start of the application and a change of root start and stop it.

@@ -155,9 +155,13 @@ bool HTTPServer::listen(std::error_code &error)
             port = listener->acceptor.local_endpoint().port();
         listeners.push_back(std::move(listener));
     }
+    QStringList bound;
+    for (const auto &listener : listeners)
+        bound << QString::fromStdString(listener->acceptor.local_endpoint().address().to_string());
     m_listeners = std::move(listeners);
     std::lock_guard lock(m_mutex);
     m_listeningPort = port;
+    m_listeningAddresses = bound;
     return true;
 }
 
@@ -256,6 +260,7 @@ void HTTPServer::stop(bool keepExistingConnections)
             std::lock_guard lock(m_mutex);
             m_isRunning = false;
             m_listeningPort = 0;
+            m_listeningAddresses.clear();
         }
         if (!keepExistingConnections) {
             std::vector<std::shared_ptr<HTTPConnection>> connections;
@@ -279,6 +284,12 @@ uint16_t HTTPServer::listeningPort() const
 {
     std::lock_guard lock(m_mutex);
     return m_isRunning || m_listeningPort ? m_listeningPort : 0;
+}
+
+QStringList HTTPServer::listeningAddresses() const
+{
+    std::lock_guard lock(m_mutex);
+    return m_listeningAddresses;
 }
 
 size_t HTTPServer::numberOfHTTPConnections() const

@@ -5,7 +5,7 @@
 
 #include <QMap>
 #include <QString>
-
+#include <QStringList>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -24,8 +24,8 @@ class SerialQueue;
 class HTTPServer
 {
 public:
-    using ConnectionFactory =
-        std::function<std::shared_ptr<HTTPConnection>(std::shared_ptr<AsyncSocket> socket, HTTPConfig config)>;
+    using ConnectionFactory = std::function<std::shared_ptr<HTTPConnection>(
+        std::shared_ptr<AsyncSocket> socket, HTTPConfig config)>;
     using PublisherFactory = std::function<std::unique_ptr<ServicePublisher>()>;
 
     HTTPServer();
@@ -45,6 +45,8 @@ public:
 
     // The bound port while running, else 0.
     uint16_t listeningPort() const;
+    // The addresses listened on while running ("0.0.0.0" or "::" for all).
+    QStringList listeningAddresses() const;
     size_t numberOfHTTPConnections() const;
     size_t numberOfWebSocketConnections() const { return 0; }
 
@@ -103,6 +105,7 @@ private:
     mutable std::mutex m_mutex;
     uint16_t m_port = 0;
     uint16_t m_listeningPort = 0;
+    QStringList m_listeningAddresses;
     QString m_interface;
     QString m_documentRoot;
     ConnectionFactory m_factory;
