@@ -208,6 +208,19 @@ TEST_F(ConnectionTest, UnknownNonceFails)
     EXPECT_EQ(r->status, 401);
 }
 
+TEST_F(ConnectionTest, EmptyNonceNeverPasses)
+{
+    Harness h(root);
+    DigestClient client;
+    client.realm = "webdav@tavelle.local";
+    client.nonce = "";
+    for (int i = 0; i < 2; ++i) {
+        const auto r = h.exchange(get(
+            "/small.txt", "Authorization: " + client.authorization("GET", "/small.txt") + "\r\n"));
+        EXPECT_EQ(r->status, 401) << "request " << i;
+    }
+}
+
 TEST_F(ConnectionTest, UriFieldMustEqualTheRequestTarget)
 {
     Harness h(root);
@@ -580,6 +593,7 @@ TEST_F(ConnectionTest, HeaderReadTimesOutAfter30SecondsWithoutAnswer)
 TEST_F(ConnectionTest, BodyArrivesInPiecesOfAtMost524288Bytes)
 {
     Harness h(root);
+    h.connection->requireAuthentication = false;
     const QByteArray body = pattern(1200000);
     h.send(get("/echo", "Content-Length: 1200000\r\n", "POST") + body);
     EXPECT_EQ(h.connection->preparedSize, 1200000u);
@@ -588,15 +602,100 @@ TEST_F(ConnectionTest, BodyArrivesInPiecesOfAtMost524288Bytes)
     EXPECT_EQ(h.connection->receivedBody, body);
     EXPECT_EQ(h.connection->finishedBodies, 1);
     QByteArray out = h.output();
-    EXPECT_EQ(takeResponse(out)->status, 401) << "the body is read before authentication";
+    EXPECT_EQ(takeResponse(out)->body.size(), body.size());
     EXPECT_FALSE(h.socket->isDisconnected());
 }
 
-TEST_F(ConnectionTest, BodyReadsHaveNoTimeOut)
+TEST_F(ConnectionTest, BodyOfARequestThatFailsAuthenticationIsNeverRead)
+{
+    for (const QByteArray &framing : {QByteArray("Content-Length: 1200000\r\n"),
+                                      QByteArray("Transfer-Encoding: chunked\r\n")}) {
+        Harness h(root);
+        h.send(get("/echo", framing + "Expect: 100-continue\r\n", "PUT"));
+        QByteArray out = h.output();
+        const auto r = takeResponse(out);
+        ASSERT_TRUE(r) << framing.toStdString();
+        EXPECT_EQ(r->status, 401);
+        EXPECT_TRUE(r->hasHeader("WWW-Authenticate"));
+        EXPECT_EQ(r->header("Connection"), "close");
+        EXPECT_TRUE(out.isEmpty()) << "no 100 Continue";
+        EXPECT_FALSE(h.connection->preparedSize.has_value());
+        EXPECT_TRUE(h.socket->isDisconnected());
+    }
+}
+
+TEST_F(ConnectionTest, EmptyBodyOfARequestThatFailsAuthenticationKeepsTheConnection)
+{
+    // The first request of a digest client that sends its body only once
+    // it knows the challenge.
+    Harness h(root);
+    const auto r = h.exchange(get("/echo", "Content-Length: 0\r\n", "PUT"));
+    ASSERT_TRUE(r);
+    EXPECT_EQ(r->status, 401);
+    EXPECT_FALSE(r->hasHeader("Connection"));
+    EXPECT_FALSE(h.socket->isDisconnected());
+}
+
+TEST_F(ConnectionTest, AuthenticatedBodyIsReadAndTheNonceCountUsedOnce)
 {
     Harness h(root);
+    DigestClient client;
+    ASSERT_EQ(authorizedExchange(h, client, "/small.txt")->status, 200);
+    const auto r = h.exchange(
+        get("/echo",
+            "Authorization: " + client.authorization("PUT", "/echo") + "\r\nContent-Length: 5\r\n",
+            "PUT") +
+        "hello");
+    ASSERT_TRUE(r);
+    EXPECT_EQ(r->status, 200);
+    EXPECT_EQ(r->body, "hello");
+}
+
+TEST_F(ConnectionTest, ExpectContinueIsAnsweredOnceTheRequestMayGoOn)
+{
+    Harness h(root);
+    DigestClient client;
+    ASSERT_EQ(authorizedExchange(h, client, "/small.txt")->status, 200);
+    h.send(get("/echo",
+               "Authorization: " + client.authorization("PUT", "/echo") +
+                   "\r\nContent-Length: 5\r\nExpect: 100-Continue\r\n",
+               "PUT"));
+    EXPECT_EQ(h.output(), "HTTP/1.1 100 Continue\r\n\r\n");
+    const auto r = h.exchange("hello");
+    ASSERT_TRUE(r);
+    EXPECT_EQ(r->status, 200);
+    EXPECT_EQ(r->body, "hello");
+
+    // HTTP/1.0 knows no interim answers.
+    h.connection->requireAuthentication = false;
+    h.send(get("/echo", "Content-Length: 2\r\nExpect: 100-continue\r\nConnection: keep-alive\r\n",
+               "PUT", "HTTP/1.0"));
+    EXPECT_TRUE(h.output().isEmpty());
+}
+
+TEST_F(ConnectionTest, BodyReadsTimeOutAfter30SecondsWithoutProgress)
+{
+    Harness h(root);
+    h.connection->requireAuthentication = false;
     h.send(get("/echo", "Content-Length: 10\r\n", "POST") + "abc");
-    EXPECT_FALSE(h.socket->timerArmed(FakeSocket::Timer::read));
+    ASSERT_TRUE(h.socket->timerArmed(FakeSocket::Timer::read));
+    EXPECT_EQ(h.socket->timerSeconds(FakeSocket::Timer::read), HTTPConnection::kBodyReadTimeout);
+    const int armed = h.socket->timerArmings(FakeSocket::Timer::read);
+    h.send("de");
+    EXPECT_GT(h.socket->timerArmings(FakeSocket::Timer::read), armed)
+        << "progress starts the time again";
+    h.socket->fireTimer(FakeSocket::Timer::read);
+    h.queue->drain();
+    EXPECT_TRUE(h.socket->isDisconnected());
+    EXPECT_TRUE(h.died);
+
+    Harness chunked(root);
+    chunked.connection->requireAuthentication = false;
+    chunked.send(get("/echo", "Transfer-Encoding: chunked\r\n", "POST") + "5\r\nab");
+    ASSERT_TRUE(chunked.socket->timerArmed(FakeSocket::Timer::read));
+    chunked.socket->fireTimer(FakeSocket::Timer::read);
+    chunked.queue->drain();
+    EXPECT_TRUE(chunked.socket->isDisconnected());
 }
 
 TEST_F(ConnectionTest, ChunkedBodyIsDecoded)
@@ -643,6 +742,7 @@ TEST_F(ConnectionTest, BadChunkFramingGets400)
     for (const Case &c : cases) {
         LogCatcher log;
         Harness h(root);
+        h.connection->requireAuthentication = false;
         const auto r = h.exchange(get("/echo", "Transfer-Encoding: chunked\r\n", "POST") + c.body);
         ASSERT_TRUE(r) << c.body.toStdString();
         EXPECT_EQ(r->status, 400);
@@ -655,6 +755,7 @@ TEST_F(ConnectionTest, ChunkLimitsCloseWithoutAnswer)
 {
     {
         Harness h(root);
+        h.connection->requireAuthentication = false;
         h.send(get("/echo", "Transfer-Encoding: chunked\r\n", "POST") + QByteArray(199, '0') +
                "1\r\n");
         EXPECT_TRUE(h.socket->isDisconnected()) << "a size line over 200 bytes";
@@ -664,6 +765,7 @@ TEST_F(ConnectionTest, ChunkLimitsCloseWithoutAnswer)
     for (int i = 0; i < 101; ++i)
         trailers += "X-T" + QByteArray::number(i) + ": v\r\n";
     Harness h(root);
+    h.connection->requireAuthentication = false;
     h.send(get("/echo", "Transfer-Encoding: chunked\r\n", "POST") + "1\r\na\r\n0\r\n" + trailers);
     EXPECT_TRUE(h.socket->isDisconnected()) << "trailer lines count with the header lines";
     EXPECT_TRUE(h.socket->written().isEmpty());

@@ -104,6 +104,12 @@ const StatusCase kCases[] = {
     {"unlock", "UNLOCK", "/Book/note.txt", "Lock-Token: <urn:uuid:1>\r\n", {}, 204},
     {"unlock_without_token", "UNLOCK", "/Book/note.txt", {}, {}, 400},
     {"unlock_missing", "UNLOCK", "/missing", "Lock-Token: <urn:uuid:1>\r\n", {}, 404},
+    // The library root itself is never deleted, moved or overwritten.
+    {"delete_root", "DELETE", "/", {}, {}, 403},
+    {"move_root", "MOVE", "/", destination("/Other/Library"), {}, 403},
+    {"move_onto_root", "MOVE", "/Book", destination("/"), {}, 403},
+    {"copy_onto_root", "COPY", "/Book", destination("/") + "Depth: infinity\r\n", {}, 403},
+    {"put_onto_root", "PUT", "/", {}, "x", 403},
 };
 
 class WebDAVStatusTest : public WebDAVTest, public ::testing::WithParamInterface<StatusCase>
@@ -118,7 +124,8 @@ TEST_P(WebDAVStatusTest, AnswersTheStatus)
     const auto r = request(c.method, c.uri, c.headers, c.body, c.withLength);
     ASSERT_TRUE(r);
     EXPECT_EQ(r->status, c.status) << r->raw.toStdString();
-    // Nothing is ever written beside the library.
+    // Nothing is ever written beside the library, and the library stays.
+    EXPECT_TRUE(QFileInfo(root).isDir());
     EXPECT_FALSE(QFileInfo::exists(root + "/../Outside.txt"));
     EXPECT_FALSE(QFileInfo::exists(root + "2"));
 }

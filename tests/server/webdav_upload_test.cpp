@@ -70,17 +70,65 @@ TEST_F(WebDAVTest, FailedLargeUploadLeavesNoSpooledFile)
     EXPECT_FALSE(exists("Missing"));
 }
 
-TEST_F(WebDAVTest, LargeBodyOfAnotherMethodIsReadFromItsFile)
+TEST_F(WebDAVTest, ChunkedBodyOfAnotherMethodIsReadFromItsFile)
 {
-    // A PROPFIND body padded past the limit still names its one property.
+    const QByteArray body = "<D:lockinfo xmlns:D=\"DAV:\"><D:lockscope><D:exclusive/></D:lockscope>"
+                            "<D:locktype><D:write/></D:locktype></D:lockinfo>";
+    const auto r = request("LOCK", "/Book/note.txt", "Depth: 0\r\nTransfer-Encoding: chunked\r\n",
+                           chunked(body, 40));
+    ASSERT_EQ(r->status, 200);
+    EXPECT_TRUE(r->body.contains("<D:lockscope><D:exclusive/></D:lockscope>"));
+    EXPECT_TRUE(uploads().isEmpty());
+}
+
+TEST_F(WebDAVTest, ParsedBodyOfExactlyTheLimitIsRead)
+{
+    const QByteArray start =
+        "<D:propfind xmlns:D=\"DAV:\"><D:prop><D:getcontentlength/></D:prop></D:propfind>";
     const QByteArray body =
-        "<D:propfind xmlns:D=\"DAV:\"><D:prop><D:getcontentlength/></D:prop></D:propfind>" +
-        QByteArray(server::RequestBody::kMaxInMemorySize, ' ');
+        start + QByteArray(server::DAVConnection::kMaxParsedBodySize - start.size(), ' ');
     const auto r = request("PROPFIND", "/Book/note.txt", "Depth: 0\r\n", body);
     ASSERT_EQ(r->status, 207);
     EXPECT_TRUE(r->body.contains("<D:getcontentlength>5</D:getcontentlength>"));
     EXPECT_FALSE(r->body.contains("resourcetype"));
+}
+
+TEST_F(WebDAVTest, ParsedBodiesOverTheLimitGet413WithoutBeingRead)
+{
+    const QByteArray over = QByteArray::number(server::DAVConnection::kMaxParsedBodySize + 1);
+    const QByteArray heads[] = {
+        head("PROPFIND", "/Book", "Depth: 0\r\nContent-Length: " + over + "\r\n\r\n"),
+        head("LOCK", "/Book/note.txt", "Depth: 0\r\nContent-Length: " + over + "\r\n\r\n"),
+        head("LOCK", "/Book/note.txt", "Depth: 0\r\nTransfer-Encoding: chunked\r\n\r\n") +
+            chunked(pattern(server::DAVConnection::kMaxParsedBodySize + 1), 65536),
+        // No PROPPATCH is served: its body is refused before it is read.
+        head("PROPPATCH", "/Book", "Content-Length: " + over + "\r\n\r\n"),
+    };
+    const int statuses[] = {413, 413, 413, 400};
+    for (size_t i = 0; i < std::size(heads); ++i) {
+        Harness<server::DAVConnection> h(root);
+        const auto r = h.exchange(heads[i]);
+        ASSERT_TRUE(r) << i;
+        EXPECT_EQ(r->status, statuses[i]) << i;
+        EXPECT_EQ(r->header("Connection"), "close") << i;
+        EXPECT_TRUE(h.socket->isDisconnected()) << i;
+        EXPECT_TRUE(uploads().isEmpty()) << i;
+    }
+    EXPECT_EQ(read("Book/note.txt"), "hello");
+}
+
+TEST_F(WebDAVTest, UnauthenticatedUploadIsNeverSpooled)
+{
+    Harness<server::DAVConnection> h(root);
+    h.send("PUT /Book/big.bin HTTP/1.1\r\nHost: " + QByteArray(kHost) +
+           "\r\nContent-Length: 5000000\r\n\r\n" + pattern(600000));
+    QByteArray out = h.output();
+    const auto r = takeResponse(out);
+    ASSERT_TRUE(r);
+    EXPECT_EQ(r->status, 401);
     EXPECT_TRUE(uploads().isEmpty());
+    EXPECT_TRUE(h.socket->isDisconnected());
+    EXPECT_FALSE(exists("Book/big.bin"));
 }
 
 TEST_F(WebDAVTest, ClientGoneMidUploadLeavesNoSpooledFile)

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QByteArray>
-
 #include <cstdint>
 #include <memory>
 #include <system_error>
@@ -23,9 +22,9 @@ public:
 
 // Why a socket closed by itself.
 enum class SocketErrc {
-    timedOut = 1,         // a read or write time-out passed
-    maxLengthExceeded,    // no separator within the most bytes a read allows
-    closedByPeer,         // the peer closed while a read waited for more
+    timedOut = 1,      // a read or write time-out passed
+    maxLengthExceeded, // no separator within the most bytes a read allows
+    closedByPeer,      // the peer closed while a read waited for more
 };
 const std::error_category &socketCategory();
 std::error_code make_error_code(SocketErrc e);
@@ -44,8 +43,10 @@ public:
 
     // Reads through the separator (which is part of the data). Fails when the
     // separator does not end within maxLength bytes; 0 means no limit.
-    virtual void readDataToData(const QByteArray &separator, double timeout, size_t maxLength, long tag) = 0;
-    // Reads exactly length bytes.
+    virtual void readDataToData(const QByteArray &separator, double timeout, size_t maxLength,
+                                long tag) = 0;
+    // Reads exactly length bytes. Its time-out counts from the last bytes
+    // that arrived, so a long read that keeps moving never times out.
     virtual void readDataToLength(size_t length, double timeout, long tag) = 0;
     virtual void writeData(const QByteArray &data, double timeout, long tag) = 0;
 

@@ -104,7 +104,8 @@ bool HTTPConnection::isAuthenticated()
         if (auth.nonce().isNull() || auth.nc().isNull() || auth.cnonce().isNull() ||
             auth.qop().isNull() || auth.response().isNull() || auth.realm().isNull())
             return false;
-        if (m_nonce != auth.nonce()) {
+        // A nonce must be one the server made: the connection's first holds none.
+        if (m_nonce.isEmpty() || m_nonce != auth.nonce()) {
             if (!hasRecentNonce(auth.nonce()))
                 return false;
             m_nonce = auth.nonce();
@@ -139,10 +140,13 @@ bool HTTPConnection::isAuthenticated()
     return password && *password == credentials.mid(colon + 1);
 }
 
-void HTTPConnection::handleAuthenticationFailed()
+void HTTPConnection::handleAuthenticationFailed(bool unreadBody)
 {
     HTTPMessage response(401, {}, HTTPVersion1_1);
     response.setHeaderField(QStringLiteral("Content-Length"), QStringLiteral("0"));
+    // A body left unread cannot be told from the next request.
+    if (unreadBody)
+        response.setHeaderField(QStringLiteral("Connection"), QStringLiteral("close"));
     if (useDigestAccessAuthentication()) {
         response.setHeaderField(QStringLiteral("WWW-Authenticate"),
                                 QStringLiteral("Digest realm=\"%1\", qop=\"auth\", nonce=\"%2\"")
@@ -151,7 +155,7 @@ void HTTPConnection::handleAuthenticationFailed()
         response.setHeaderField(QStringLiteral("WWW-Authenticate"),
                                 QStringLiteral("Basic realm=\"%1\"").arg(realm()));
     }
-    sendErrorResponse(response, kTagResponse);
+    sendErrorResponse(response, unreadBody ? kTagFinalResponse : kTagResponse);
 }
 
 } // namespace server

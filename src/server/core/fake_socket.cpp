@@ -52,7 +52,9 @@ void FakeSocket::completeWrites()
     transportDidWrite({});
 }
 
-void FakeSocket::transportRead(size_t) {}
+void FakeSocket::transportRead(size_t)
+{
+}
 
 void FakeSocket::transportWrite(const std::vector<QByteArray> &pieces)
 {
@@ -74,14 +76,24 @@ void FakeSocket::transportClose()
 
 void FakeSocket::armTimer(Timer timer, double seconds, uint64_t generation)
 {
-    m_timers[int(timer)] = {true, seconds, generation};
+    TimerState &state = m_timers[int(timer)];
+    state = {true, seconds, generation, state.armings + 1};
 }
 
-void FakeSocket::cancelTimer(Timer timer) { m_timers[int(timer)].armed = false; }
+void FakeSocket::cancelTimer(Timer timer)
+{
+    m_timers[int(timer)].armed = false;
+}
 
-bool FakeSocket::timerArmed(Timer timer) const { return m_timers[int(timer)].armed; }
+bool FakeSocket::timerArmed(Timer timer) const
+{
+    return m_timers[int(timer)].armed;
+}
 
-double FakeSocket::timerSeconds(Timer timer) const { return m_timers[int(timer)].seconds; }
+double FakeSocket::timerSeconds(Timer timer) const
+{
+    return m_timers[int(timer)].seconds;
+}
 
 void FakeSocket::fireTimer(Timer timer)
 {

@@ -14,7 +14,8 @@ class FakeSocket : public StreamSocket
 public:
     using Timer = StreamSocket::Timer;
 
-    static std::shared_ptr<FakeSocket> create(std::shared_ptr<SerialQueue> queue, uint16_t port = 8080);
+    static std::shared_ptr<FakeSocket> create(std::shared_ptr<SerialQueue> queue,
+                                              uint16_t port = 8080);
 
     // Peer side. Both post to the queue; run it to deliver.
     void feed(const QByteArray &bytes);
@@ -35,6 +36,8 @@ public:
 
     bool timerArmed(Timer timer) const;
     double timerSeconds(Timer timer) const;
+    // How often the timer was armed, restarts included.
+    int timerArmings(Timer timer) const { return m_timers[int(timer)].armings; }
     void fireTimer(Timer timer);
 
     uint16_t localPort() const override { return m_port; }
@@ -55,6 +58,7 @@ private:
         bool armed = false;
         double seconds = 0;
         uint64_t generation = 0;
+        int armings = 0;
     };
 
     uint16_t m_port;

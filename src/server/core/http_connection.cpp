@@ -110,6 +110,11 @@ void HTTPConnection::prepareForBodyWithSize(uint64_t)
 {
 }
 
+uint64_t HTTPConnection::maximumBodySize(const QString &, const QString &)
+{
+    return UINT64_MAX;
+}
+
 void HTTPConnection::processBodyData(const QByteArray &)
 {
 }
@@ -168,7 +173,8 @@ void HTTPConnection::replyToHTTPRequest()
         handleResourceNotFound();
         return;
     }
-    if (isPasswordProtected(uri) && !isAuthenticated()) {
+    if (isPasswordProtected(uri) &&
+        !(m_requestAuthenticated ? *m_requestAuthenticated : isAuthenticated())) {
         handleAuthenticationFailed();
         return;
     }
@@ -230,6 +236,17 @@ void HTTPConnection::handleVersionNotSupported(const QString &version)
     HTTPMessage response(505, {}, HTTPVersion1_1);
     response.setHeaderField(QStringLiteral("Content-Length"), QStringLiteral("0"));
     sendErrorResponse(response, kTagResponse);
+}
+
+void HTTPConnection::handleRequestEntityTooLarge()
+{
+    tl::logLine(
+        QStringLiteral("HTTP Server: Error 413 - Request Entity Too Large (%1)").arg(requestURI()));
+    HTTPMessage response(413, {}, HTTPVersion1_1);
+    response.setHeaderField(QStringLiteral("Content-Length"), QStringLiteral("0"));
+    response.setHeaderField(QStringLiteral("Connection"), QStringLiteral("close"));
+    // The rest of the body stays unread, so the connection closes after this.
+    sendErrorResponse(response, kTagFinalResponse);
 }
 
 void HTTPConnection::handleResourceNotFound()

@@ -50,6 +50,7 @@ public:
     static constexpr long kTagRequestChunkTrailer = 14;
     static constexpr long kTagRequestChunkFooter = 15;
     // Write tags.
+    static constexpr long kTagContinueResponse = 20;
     static constexpr long kTagPartialResponseHeader = 21;
     static constexpr long kTagPartialResponseBody = 22;
     static constexpr long kTagChunkedResponseHeader = 30;
@@ -67,6 +68,9 @@ public:
     static constexpr size_t kPieceSize = 524288;
     static constexpr double kHeaderReadTimeout = 30;
     static constexpr double kHeadWriteTimeout = 30;
+    // Counted from the last bytes that arrived, so a slow body that keeps
+    // coming is never cut off.
+    static constexpr double kBodyReadTimeout = 30;
     static constexpr double kNoTimeout = -1;
     static constexpr double kNonceLifetime = 300;
     // The content length that stands for a chunked request body.
@@ -114,6 +118,9 @@ public:
                                                                 const QString &path);
     // contentLength is kChunkedContentLength for a chunked body.
     virtual void prepareForBodyWithSize(uint64_t contentLength);
+    // The most bytes of a body the connection takes for the method; a
+    // larger one gets 413 without being read.
+    virtual uint64_t maximumBodySize(const QString &method, const QString &path);
     // One piece of the request body, at most kPieceSize bytes.
     virtual void processBodyData(const QByteArray &data);
     virtual void finishBody();
@@ -152,6 +159,8 @@ private:
     void readChunkTrailer(const QByteArray &data);
     void readChunkFooter(const QByteArray &data);
     void readBody(const QByteArray &data);
+    bool mayReadBody(const QString &method, const QString &uri);
+    bool expectsContinue() const;
     void replyToHTTPRequest();
     bool isWebSocketRequest() const;
     bool shouldDie() const;
@@ -168,7 +177,8 @@ private:
     void handleInvalidRequest();
     void handleUnknownMethod(const QString &method);
     void handleVersionNotSupported(const QString &version);
-    void handleAuthenticationFailed();
+    void handleAuthenticationFailed(bool unreadBody = false);
+    void handleRequestEntityTooLarge();
     void handleResourceNotFound();
     void sendErrorResponse(HTTPMessage &response, long tag);
 
@@ -189,6 +199,9 @@ private:
     MultipartRanges m_multipart;
     size_t m_rangeIndex = 0;
 
+    // Known before the body is read, so that it is read only when it may be.
+    std::optional<bool> m_requestAuthenticated;
+    uint64_t m_requestBodyLimit = UINT64_MAX;
     bool m_requestChunked = false;
     uint64_t m_requestContentLength = 0;
     uint64_t m_requestContentLengthReceived = 0;

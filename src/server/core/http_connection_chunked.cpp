@@ -23,9 +23,9 @@ void HTTPConnection::readChunkSizeLine(const QByteArray &data)
     m_requestChunkSizeReceived = 0;
     if (m_requestChunkSize > 0) {
         m_socket->readDataToLength(size_t(std::min<uint64_t>(m_requestChunkSize, kPieceSize)),
-                                   kNoTimeout, kTagRequestChunkData);
+                                   kBodyReadTimeout, kTagRequestChunkData);
     } else {
-        m_socket->readDataToData(AsyncSocket::CRLFData(), kNoTimeout, kMaxHeaderLineLength,
+        m_socket->readDataToData(AsyncSocket::CRLFData(), kBodyReadTimeout, kMaxHeaderLineLength,
                                  kTagRequestChunkFooter);
     }
 }
@@ -34,15 +34,19 @@ void HTTPConnection::readChunkData(const QByteArray &data)
 {
     m_requestContentLengthReceived += uint64_t(data.size());
     m_requestChunkSizeReceived += uint64_t(data.size());
+    if (m_requestContentLengthReceived > m_requestBodyLimit) {
+        handleRequestEntityTooLarge();
+        return;
+    }
     processBodyData(data);
     if (!m_socket)
         return;
     const uint64_t left = m_requestChunkSize - m_requestChunkSizeReceived;
     if (left > 0)
-        m_socket->readDataToLength(size_t(std::min<uint64_t>(left, kPieceSize)), kNoTimeout,
+        m_socket->readDataToLength(size_t(std::min<uint64_t>(left, kPieceSize)), kBodyReadTimeout,
                                    kTagRequestChunkData);
     else
-        m_socket->readDataToLength(2, kNoTimeout, kTagRequestChunkTrailer);
+        m_socket->readDataToLength(2, kBodyReadTimeout, kTagRequestChunkTrailer);
 }
 
 void HTTPConnection::readChunkTrailer(const QByteArray &data)
@@ -52,7 +56,7 @@ void HTTPConnection::readChunkTrailer(const QByteArray &data)
         handleInvalidRequest();
         return;
     }
-    m_socket->readDataToData(AsyncSocket::CRLFData(), kNoTimeout, kMaxChunkLineLength,
+    m_socket->readDataToData(AsyncSocket::CRLFData(), kBodyReadTimeout, kMaxChunkLineLength,
                              kTagRequestChunkSize);
 }
 
@@ -63,7 +67,7 @@ void HTTPConnection::readChunkFooter(const QByteArray &data)
         return;
     }
     if (data.size() > 2) {
-        m_socket->readDataToData(AsyncSocket::CRLFData(), kNoTimeout, kMaxHeaderLineLength,
+        m_socket->readDataToData(AsyncSocket::CRLFData(), kBodyReadTimeout, kMaxHeaderLineLength,
                                  kTagRequestChunkFooter);
     } else {
         finishBody();

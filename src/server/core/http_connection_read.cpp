@@ -17,6 +17,8 @@ void HTTPConnection::startReadingRequest()
     m_request = std::make_unique<HTTPMessage>();
     m_numHeaderLines = 0;
     m_sentResponseHeaders = false;
+    m_requestAuthenticated.reset();
+    m_requestBodyLimit = UINT64_MAX;
     if (m_socket)
         m_socket->readDataToData(AsyncSocket::CRLFData(), kHeaderReadTimeout, kMaxHeaderLineLength,
                                  kTagRequestHeader);
@@ -124,18 +126,53 @@ void HTTPConnection::readHeaderLine(const QByteArray &data)
         replyToHTTPRequest();
         return;
     }
+    if (!mayReadBody(method, uri))
+        return;
     m_requestContentLengthReceived = 0;
     prepareForBodyWithSize(m_requestContentLength);
     if (m_requestChunked) {
-        m_socket->readDataToData(AsyncSocket::CRLFData(), kNoTimeout, kMaxChunkLineLength,
+        m_socket->readDataToData(AsyncSocket::CRLFData(), kBodyReadTimeout, kMaxChunkLineLength,
                                  kTagRequestChunkSize);
     } else if (m_requestContentLength > 0) {
         m_socket->readDataToLength(size_t(std::min<uint64_t>(m_requestContentLength, kPieceSize)),
-                                   kNoTimeout, kTagRequestBody);
+                                   kBodyReadTimeout, kTagRequestBody);
     } else {
         finishBody();
         replyToHTTPRequest();
     }
+}
+
+// A body is read only for a request that may be answered: the credentials
+// are checked first, then the size, and a client that waits for leave to
+// send its body is told to go on.
+bool HTTPConnection::mayReadBody(const QString &method, const QString &uri)
+{
+    if (!m_requestChunked && m_requestContentLength == 0)
+        return true;
+    if (isPasswordProtected(uri)) {
+        m_requestAuthenticated = isAuthenticated();
+        if (!*m_requestAuthenticated) {
+            handleAuthenticationFailed(true);
+            return false;
+        }
+    }
+    m_requestBodyLimit = maximumBodySize(method, uri);
+    if (!m_requestChunked && m_requestContentLength > m_requestBodyLimit) {
+        handleRequestEntityTooLarge();
+        return false;
+    }
+    if (expectsContinue())
+        write(QByteArrayLiteral("HTTP/1.1 100 Continue\r\n\r\n"), kHeadWriteTimeout,
+              kTagContinueResponse);
+    return true;
+}
+
+// HTTP/1.0 knows no interim answers.
+bool HTTPConnection::expectsContinue() const
+{
+    const QString expect = m_request->headerField(QStringLiteral("Expect"));
+    return m_request->version() == HTTPVersion1_1 && !expect.isNull() &&
+           expect.compare(QLatin1String("100-continue"), Qt::CaseInsensitive) == 0;
 }
 
 void HTTPConnection::readBody(const QByteArray &data)
@@ -146,7 +183,7 @@ void HTTPConnection::readBody(const QByteArray &data)
         return;
     if (m_requestContentLengthReceived < m_requestContentLength) {
         const uint64_t left = m_requestContentLength - m_requestContentLengthReceived;
-        m_socket->readDataToLength(size_t(std::min<uint64_t>(left, kPieceSize)), kNoTimeout,
+        m_socket->readDataToLength(size_t(std::min<uint64_t>(left, kPieceSize)), kBodyReadTimeout,
                                    kTagRequestBody);
     } else {
         finishBody();

@@ -33,7 +33,10 @@ const std::error_category &socketCategory()
     return category;
 }
 
-std::error_code make_error_code(SocketErrc e) { return {int(e), socketCategory()}; }
+std::error_code make_error_code(SocketErrc e)
+{
+    return {int(e), socketCategory()};
+}
 
 const QByteArray &AsyncSocket::CRLFData()
 {
@@ -41,11 +44,16 @@ const QByteArray &AsyncSocket::CRLFData()
     return crlf;
 }
 
-StreamSocket::StreamSocket(std::shared_ptr<SerialQueue> queue) : m_queue(std::move(queue)) {}
+StreamSocket::StreamSocket(std::shared_ptr<SerialQueue> queue) : m_queue(std::move(queue))
+{
+}
 
 StreamSocket::~StreamSocket() = default;
 
-void StreamSocket::setDelegate(std::weak_ptr<SocketDelegate> delegate) { m_delegate = std::move(delegate); }
+void StreamSocket::setDelegate(std::weak_ptr<SocketDelegate> delegate)
+{
+    m_delegate = std::move(delegate);
+}
 
 size_t StreamSocket::queuedWriteByteCount() const
 {
@@ -57,7 +65,8 @@ size_t StreamSocket::queuedWriteByteCount() const
 
 // ---- reading ----
 
-void StreamSocket::readDataToData(const QByteArray &separator, double timeout, size_t maxLength, long tag)
+void StreamSocket::readDataToData(const QByteArray &separator, double timeout, size_t maxLength,
+                                  long tag)
 {
     if (m_closed || m_closeAfterWriting || separator.isEmpty())
         return;
@@ -179,12 +188,24 @@ char *StreamSocket::prepareReadSpace(size_t size)
     return m_buffer.data() + m_readBase;
 }
 
+void StreamSocket::noteProgress()
+{
+    // A read of a length waits the time-out from the last bytes on.
+    if (m_readTimerArmed && !m_reads.empty() && !m_reads.front().toData) {
+        m_readTimerArmed = false;
+        ++m_readTimerGeneration;
+        cancelTimer(Timer::read);
+    }
+}
+
 void StreamSocket::transportDidRead(size_t received, const std::error_code &error, bool endOfStream)
 {
     m_transportReading = false;
     if (m_closed)
         return;
     m_buffer.resize(m_readBase + qsizetype(received));
+    if (received > 0)
+        noteProgress();
     if (endOfStream) {
         // The end of the stream is a state, not an error: the queued reads decide.
         m_eof = true;
@@ -204,6 +225,8 @@ void StreamSocket::appendReceived(const QByteArray &bytes)
         m_begin = 0;
     }
     m_buffer.append(bytes);
+    if (!bytes.isEmpty())
+        noteProgress();
     if (m_transportReading) {
         m_transportReading = false;
         pumpReads();
@@ -316,7 +339,10 @@ void StreamSocket::timerDidFire(Timer timer, uint64_t generation)
     closeWithError(SocketErrc::timedOut);
 }
 
-void StreamSocket::disconnect() { closeWithError({}); }
+void StreamSocket::disconnect()
+{
+    closeWithError({});
+}
 
 void StreamSocket::disconnectAfterWriting()
 {

@@ -18,7 +18,8 @@ public:
     ~StreamSocket() override;
 
     void setDelegate(std::weak_ptr<SocketDelegate> delegate) override;
-    void readDataToData(const QByteArray &separator, double timeout, size_t maxLength, long tag) override;
+    void readDataToData(const QByteArray &separator, double timeout, size_t maxLength,
+                        long tag) override;
     void readDataToLength(size_t length, double timeout, long tag) override;
     void writeData(const QByteArray &data, double timeout, long tag) override;
     void disconnect() override;
@@ -76,6 +77,7 @@ private:
     enum class Outcome { done, needMore, maxedOut };
 
     Outcome extract(const ReadOp &op, QByteArray &out);
+    void noteProgress();
     void scheduleReadPump();
     void pumpReads();
     void scheduleWritePump();

@@ -14,7 +14,37 @@ bool statPath(const QString &path, struct stat &info)
     return ::stat(QFile::encodeName(path).constData(), &info) == 0;
 }
 
+// The path with the links of its longest existing part resolved, or empty.
+QByteArray resolvedPath(QByteArray path)
+{
+    QByteArray rest;
+    char resolved[PATH_MAX];
+    while (!::realpath(path.constData(), resolved)) {
+        const qsizetype slash = path.lastIndexOf('/');
+        if ((errno != ENOENT && errno != ENOTDIR) || slash < 0)
+            return {};
+        rest.prepend(path.mid(slash));
+        path.truncate(slash);
+        if (path.isEmpty())
+            path = "/";
+    }
+    const QByteArray result(resolved);
+    if (result == "/")
+        return rest.isEmpty() ? result : rest;
+    return result + rest;
+}
+
 } // namespace
+
+bool staysBelowRoot(const QString &path, const QString &root)
+{
+    const QByteArray resolvedRoot = resolvedPath(QFile::encodeName(root));
+    const QByteArray resolved = resolvedPath(QFile::encodeName(path));
+    if (resolvedRoot.isEmpty() || resolved.isEmpty())
+        return false;
+    return resolved == resolvedRoot || resolved.startsWith(resolvedRoot + '/') ||
+           resolvedRoot == "/";
+}
 
 QString mapURIToFilePath(const QString &documentRoot, const QString &uri, bool allowDirectory,
                          const QStringList &indexNames, QString &failure)
@@ -36,7 +66,7 @@ QString mapURIToFilePath(const QString &documentRoot, const QString &uri, bool a
             fullPath += QLatin1Char('/');
     }
     const QString rootWithSlash = root.endsWith(QLatin1Char('/')) ? root : root + QLatin1Char('/');
-    if (!relativePath || !fullPath.startsWith(rootWithSlash)) {
+    if (!relativePath || !fullPath.startsWith(rootWithSlash) || !staysBelowRoot(fullPath, root)) {
         failure = QStringLiteral("Request for file outside document root");
         return {};
     }

@@ -58,13 +58,13 @@ std::shared_ptr<HTTPResponse> DAVConnection::httpResponseForMethod(const QString
         return std::make_shared<PUTResponse>(
             filePath, headers, PUTResponse::BodyFile{m_requestContentBody.filePath()});
     }
+    const QString rootPath = standardizePath(config().documentRoot);
     if (method == QLatin1String("DELETE"))
-        return std::make_shared<DELETEResponse>(filePath);
+        return std::make_shared<DELETEResponse>(filePath, rootPath);
 
     const auto body = m_requestContentBody.readAll();
     if (!body)
         return nullptr;
-    const QString rootPath = standardizePath(config().documentRoot);
     return DAVResponse::create(
         {method, headers, *body, filePath.mid(rootPath.size() + 1), rootPath});
 }
@@ -75,6 +75,14 @@ void DAVConnection::prepareForBodyWithSize(uint64_t contentLength)
         m_requestContentBody.prepare(std::nullopt);
     else
         m_requestContentBody.prepare(contentLength);
+}
+
+uint64_t DAVConnection::maximumBodySize(const QString &method, const QString &path)
+{
+    // Parsed bodies are held whole, parsed into a tree and kept as text.
+    if (isOneOf(method, {"PROPFIND", "LOCK"}))
+        return kMaxParsedBodySize;
+    return HTTPConnection::maximumBodySize(method, path);
 }
 
 void DAVConnection::processBodyData(const QByteArray &data)

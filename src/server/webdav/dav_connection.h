@@ -13,11 +13,15 @@ class DAVConnection : public HTTPConnection
 public:
     using HTTPConnection::HTTPConnection;
 
+    // The most bytes of a body that is parsed (PROPFIND, LOCK).
+    static constexpr uint64_t kMaxParsedBodySize = 1048576;
+
     bool supportsMethod(const QString &method, const QString &path) override;
     bool expectsRequestBodyFromMethod(const QString &method, const QString &path) override;
     std::shared_ptr<HTTPResponse> httpResponseForMethod(const QString &method,
                                                         const QString &path) override;
     void prepareForBodyWithSize(uint64_t contentLength) override;
+    uint64_t maximumBodySize(const QString &method, const QString &path) override;
     void processBodyData(const QByteArray &data) override;
     void finishBody() override;
     void finishResponse() override;

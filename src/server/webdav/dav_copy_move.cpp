@@ -1,6 +1,7 @@
 // COPY and MOVE: within the library only, and never over an existing item.
 #include "platform/file_ops.h"
 #include "server/core/http_url.h"
+#include "server/core/uri_mapping.h"
 #include "server/webdav/dav_files.h"
 #include "server/webdav/dav_response.h"
 #include "store/log.h"
@@ -26,7 +27,7 @@ std::optional<QString> destinationPath(const DAVRequest &request)
         return std::nullopt;
     const QString path =
         standardizePath(appendPathComponent(standardizePath(request.rootPath), *decoded));
-    if (!isBelowRoot(path, request.rootPath))
+    if (!isBelowRoot(path, request.rootPath) || !staysBelowRoot(path, request.rootPath))
         return std::nullopt;
     return path;
 }
@@ -47,6 +48,14 @@ bool DAVResponse::copyOrMove(const DAVRequest &request)
     if (!isBelowRoot(source, request.rootPath) || !itemExistsAtPath(source))
         return false;
     const auto destination = destinationPath(request);
+    // The library itself is neither moved nor replaced.
+    const QString root = standardizePath(request.rootPath);
+    if ((isMove && source == root) || (destination && *destination == root)) {
+        tl::logLine(
+            QStringLiteral("Refusing to move or replace the document root \"%1\"").arg(root));
+        m_status = 403;
+        return true;
+    }
     // An existing destination is never overwritten, whatever "Overwrite" says.
     if (!destination || itemExistsAtPath(*destination))
         return false;

@@ -11,10 +11,11 @@ namespace server {
 
 namespace {
 
-std::optional<DAVItemInfo> statItem(int directory, const char *name)
+std::optional<DAVItemInfo> statItem(int directory, const char *name, bool followLinks)
 {
     struct statx info;
-    if (::statx(directory, name, 0, STATX_BASIC_STATS | STATX_BTIME, &info) != 0 &&
+    if ((!followLinks ||
+         ::statx(directory, name, 0, STATX_BASIC_STATS | STATX_BTIME, &info) != 0) &&
         ::statx(directory, name, AT_SYMLINK_NOFOLLOW, STATX_BASIC_STATS | STATX_BTIME, &info) != 0)
         return std::nullopt;
     DAVItemInfo item;
@@ -30,12 +31,23 @@ std::optional<DAVItemInfo> statItem(int directory, const char *name)
 
 std::optional<DAVItemInfo> davItemInfo(const QString &path)
 {
-    return statItem(AT_FDCWD, QFile::encodeName(path).constData());
+    return statItem(AT_FDCWD, QFile::encodeName(path).constData(), true);
 }
 
-std::optional<DAVItemInfo> davItemInfoAt(int directory, const char *name)
+std::optional<DAVItemInfo> davItemInfoAt(int directory, const char *name, bool followLinks)
 {
-    return statItem(directory, name);
+    return statItem(directory, name, followLinks);
+}
+
+bool isSymbolicLinkAt(int directory, const char *name)
+{
+    struct stat info;
+    return ::fstatat(directory, name, &info, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(info.st_mode);
+}
+
+bool isSymbolicLinkAtPath(const QString &path)
+{
+    return isSymbolicLinkAt(AT_FDCWD, QFile::encodeName(path).constData());
 }
 
 bool itemExistsAtPath(const QString &path)

@@ -20,8 +20,12 @@ struct DAVItemInfo
 
 // Symbolic links are followed; a dangling one is described as itself.
 std::optional<DAVItemInfo> davItemInfo(const QString &path);
-// The same for an entry of an open directory.
-std::optional<DAVItemInfo> davItemInfoAt(int directory, const char *name);
+// The same for an entry of an open directory; without followLinks a link is
+// described as itself.
+std::optional<DAVItemInfo> davItemInfoAt(int directory, const char *name, bool followLinks);
+// Whether the entry of an open directory is a symbolic link.
+bool isSymbolicLinkAt(int directory, const char *name);
+bool isSymbolicLinkAtPath(const QString &path);
 
 // Whether anything, even a dangling symbolic link, is at path.
 bool itemExistsAtPath(const QString &path);

@@ -1,5 +1,6 @@
 // PROPFIND: the four properties of a resource and, with Depth 1, of each
 // entry of its folder, in the order the file system lists them.
+#include "server/core/uri_mapping.h"
 #include "server/webdav/dav_files.h"
 #include "server/webdav/dav_response.h"
 #include "server/webdav/dav_xml.h"
@@ -249,9 +250,19 @@ void appendResponse(QByteArray &out, QByteArrayView escapedPrefix, QByteArrayVie
     out.truncate(to.end() - out.constData());
 }
 
+// Whether an entry is a symbolic link that leads out of the library; such a
+// link is described as itself, so nothing of what lies outside shows.
+bool leadsOutside(int directory, const dirent &entry, const QString &path, const QString &rootPath)
+{
+    if (entry.d_type != DT_LNK &&
+        (entry.d_type != DT_UNKNOWN || !isSymbolicLinkAt(directory, entry.d_name)))
+        return false;
+    return !staysBelowRoot(path + QLatin1Char('/') + QFile::decodeName(entry.d_name), rootPath);
+}
+
 // One response per entry of the folder; a file has no entries.
 void appendEntries(QByteArray &out, const QString &path, const QByteArray &hrefPath,
-                   unsigned properties)
+                   unsigned properties, const QString &rootPath)
 {
     // Were the folder's own href no UTF-8, none of its entries' would be.
     if (!hrefPath.isValidUtf8())
@@ -269,7 +280,8 @@ void appendEntries(QByteArray &out, const QString &path, const QByteArray &hrefP
     while (const dirent *entry = ::readdir(directory)) {
         if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0)
             continue;
-        if (const auto item = davItemInfoAt(fd, entry->d_name))
+        const bool followLinks = !leadsOutside(fd, *entry, path, rootPath);
+        if (const auto item = davItemInfoAt(fd, entry->d_name, followLinks))
             appendResponse(out, prefix, entry->d_name, *item, properties);
     }
     ::closedir(directory);
@@ -300,7 +312,7 @@ bool DAVResponse::propfind(const DAVRequest &request)
         hrefPath.prepend('/');
     appendResponse(xml, {}, hrefPath, *item, properties);
     if (depth == QLatin1String("1"))
-        appendEntries(xml, path, hrefPath, properties);
+        appendEntries(xml, path, hrefPath, properties, request.rootPath);
     xml += "</D:multistatus>";
     setXMLBody(std::move(xml));
     m_status = 207;

@@ -6,11 +6,11 @@
 
 namespace server {
 
-// DELETE: removes the item, a folder with all it holds.
+// DELETE: removes the item, a folder with all it holds; never the root.
 class DELETEResponse : public DAVStatusResponse
 {
 public:
-    explicit DELETEResponse(const QString &filePath);
+    DELETEResponse(const QString &filePath, const QString &rootPath);
 };
 
 } // namespace server

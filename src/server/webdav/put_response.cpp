@@ -24,7 +24,10 @@ PUTResponse::PUTResponse(const QString &filePath, const HTTPHeaderList &headers,
     if (!accepts(filePath, headers))
         return;
     const bool existed = itemExistsAtPath(filePath);
-    finish(filePath, existed, writeFileIntoExistingFolder(filePath, bodyData));
+    // An upload replaces a symbolic link rather than writing through it.
+    const bool written = (!isSymbolicLinkAtPath(filePath) || tl::platform::removeItem(filePath)) &&
+                         writeFileIntoExistingFolder(filePath, bodyData);
+    finish(filePath, existed, written);
 }
 
 PUTResponse::PUTResponse(const QString &filePath, const HTTPHeaderList &headers,
@@ -48,8 +51,8 @@ bool PUTResponse::accepts(const QString &filePath, const HTTPHeaderList &headers
         m_status = 400;
         return false;
     }
-    // A folder is never replaced by an upload.
-    if (isDirectoryAtPath(filePath)) {
+    // A folder is never replaced by an upload; a link to one is.
+    if (isDirectoryAtPath(filePath) && !isSymbolicLinkAtPath(filePath)) {
         finish(filePath, true, false);
         return false;
     }
