@@ -1,38 +1,32 @@
 #include "server/core/responses/http_async_file_response.h"
 
 #include "server/core/http_connection.h"
-#include "server/core/responses/http_file_response.h"
-
-#include <QFile>
-
-#include <fcntl.h>
-#include <pthread.h>
-#include <unistd.h>
 
 #include <cerrno>
+#include <pthread.h>
+#include <unistd.h>
 
 namespace server {
 
 std::shared_ptr<HTTPAsyncFileResponse> HTTPAsyncFileResponse::create(const QString &filePath,
                                                                      HTTPConnection *connection)
 {
-    uint64_t length = 0;
-    if (!examineRegularFile(filePath, length))
+    const auto length = ResponseFile::examine(filePath);
+    if (!length)
         return nullptr;
-    return std::shared_ptr<HTTPAsyncFileResponse>(new HTTPAsyncFileResponse(filePath, length, connection));
+    return std::shared_ptr<HTTPAsyncFileResponse>(
+        new HTTPAsyncFileResponse(filePath, *length, connection));
 }
 
 HTTPAsyncFileResponse::HTTPAsyncFileResponse(const QString &filePath, uint64_t length,
                                              HTTPConnection *connection)
-    : m_filePath(filePath), m_fileLength(length), m_connection(connection)
+    : m_file(filePath, [this] { tellAborted(); }), m_fileLength(length), m_connection(connection)
 {
 }
 
 HTTPAsyncFileResponse::~HTTPAsyncFileResponse()
 {
     stopThread();
-    if (m_fd >= 0)
-        ::close(m_fd);
 }
 
 void HTTPAsyncFileResponse::stopThread()
@@ -47,9 +41,12 @@ void HTTPAsyncFileResponse::stopThread()
         m_thread.join();
 }
 
-void HTTPAsyncFileResponse::connectionDidClose() { stopThread(); }
+void HTTPAsyncFileResponse::connectionDidClose()
+{
+    stopThread();
+}
 
-void HTTPAsyncFileResponse::abort()
+void HTTPAsyncFileResponse::tellAborted()
 {
     HTTPConnection *connection;
     {
@@ -58,20 +55,12 @@ void HTTPAsyncFileResponse::abort()
     }
     if (connection)
         connection->responseDidAbort(this);
-    m_aborted = true;
 }
 
 bool HTTPAsyncFileResponse::openFileIfNeeded()
 {
-    if (m_aborted)
+    if (!m_file.openIfNeeded())
         return false;
-    if (m_fd >= 0)
-        return true;
-    m_fd = ::open(QFile::encodeName(m_filePath).constData(), O_RDONLY | O_CLOEXEC);
-    if (m_fd < 0) {
-        abort();
-        return false;
-    }
     std::lock_guard lock(m_mutex);
     if (!m_stopping && !m_thread.joinable())
         m_thread = std::thread([this] { run(); });
@@ -104,7 +93,7 @@ QByteArray HTTPAsyncFileResponse::readDataOfLength(size_t length)
     std::unique_lock lock(m_mutex);
     if (m_failed) {
         lock.unlock();
-        abort();
+        m_file.abort();
         return {};
     }
     if (!m_ready.isEmpty() && m_readyOffset == m_fileOffset) {
@@ -120,12 +109,14 @@ QByteArray HTTPAsyncFileResponse::readDataOfLength(size_t length)
         m_fileOffset += uint64_t(piece.size());
         // Read the next piece ahead while this one is sent.
         if (m_ready.isEmpty() && m_fileOffset < m_fileLength && !m_wanted && !m_inFlight)
-            requestLocked(m_fileOffset, size_t(std::min<uint64_t>(m_lastWanted, m_fileLength - m_fileOffset)));
+            requestLocked(m_fileOffset,
+                          size_t(std::min<uint64_t>(m_lastWanted, m_fileLength - m_fileOffset)));
         return piece;
     }
     m_ready.clear();
     m_notifyWhenReady = true;
-    const bool coming = (m_inFlight && m_inFlight->offset == m_fileOffset && m_inFlight->generation == m_generation) ||
+    const bool coming = (m_inFlight && m_inFlight->offset == m_fileOffset &&
+                         m_inFlight->generation == m_generation) ||
                         (m_wanted && m_wanted->offset == m_fileOffset);
     if (!coming)
         requestLocked(m_fileOffset, wanted);
@@ -149,7 +140,8 @@ void HTTPAsyncFileResponse::run()
         size_t got = 0;
         bool failed = false;
         while (got < request.length) {
-            const ssize_t n = ::pread(m_fd, bytes.data() + got, request.length - got, off_t(request.offset + got));
+            const ssize_t n = ::pread(m_file.descriptor(), bytes.data() + got, request.length - got,
+                                      off_t(request.offset + got));
             if (n < 0 && errno == EINTR)
                 continue;
             if (n <= 0) {

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "server/core/http_response.h"
+#include "server/core/responses/response_file.h"
 
 #include <QString>
-
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -24,7 +24,8 @@ class HTTPAsyncFileResponse : public HTTPResponse
 {
 public:
     // Nothing when the file cannot be examined or is no regular file.
-    static std::shared_ptr<HTTPAsyncFileResponse> create(const QString &filePath, HTTPConnection *connection);
+    static std::shared_ptr<HTTPAsyncFileResponse> create(const QString &filePath,
+                                                         HTTPConnection *connection);
     ~HTTPAsyncFileResponse() override;
 
     uint64_t contentLength() override { return m_fileLength; }
@@ -35,22 +36,20 @@ public:
     bool isAsynchronous() override { return true; }
     void connectionDidClose() override;
 
-    const QString &filePath() const { return m_filePath; }
+    const QString &filePath() const { return m_file.path(); }
 
 private:
     HTTPAsyncFileResponse(const QString &filePath, uint64_t length, HTTPConnection *connection);
     bool openFileIfNeeded();
-    void abort();
+    void tellAborted();
     void requestLocked(uint64_t offset, size_t length);
     void run();
     void stopThread();
 
-    QString m_filePath;
+    ResponseFile m_file;
     uint64_t m_fileLength;
     uint64_t m_fileOffset = 0;
     size_t m_lastWanted = 0;
-    int m_fd = -1;
-    bool m_aborted = false;
 
     struct Request
     {

@@ -9,7 +9,10 @@ HTTPDataResponse::HTTPDataResponse(QByteArray data, int status, HTTPHeaderList h
 {
 }
 
-void HTTPDataResponse::setOffset(uint64_t offset) { m_offset = std::min<uint64_t>(offset, m_data.size()); }
+void HTTPDataResponse::setOffset(uint64_t offset)
+{
+    m_offset = std::min<uint64_t>(offset, m_data.size());
+}
 
 QByteArray HTTPDataResponse::readDataOfLength(size_t length)
 {
@@ -17,7 +20,8 @@ QByteArray HTTPDataResponse::readDataOfLength(size_t length)
     const qsizetype take = qsizetype(std::min<uint64_t>(length, left));
     if (take == 0)
         return {};
-    QByteArray piece = (m_offset == 0 && take == m_data.size()) ? m_data : m_data.mid(qsizetype(m_offset), take);
+    QByteArray piece =
+        (m_offset == 0 && take == m_data.size()) ? m_data : m_data.mid(qsizetype(m_offset), take);
     m_offset += uint64_t(take);
     return piece;
 }

@@ -2,82 +2,43 @@
 
 #include "server/core/http_connection.h"
 
-#include <QFile>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cerrno>
+#include <unistd.h>
 
 namespace server {
 
-bool examineRegularFile(const QString &filePath, uint64_t &length)
+std::shared_ptr<HTTPFileResponse> HTTPFileResponse::create(const QString &filePath,
+                                                           HTTPConnection *connection)
 {
-    const QByteArray encoded = QFile::encodeName(filePath);
-    if (encoded.isEmpty() || encoded.contains('\0'))
-        return false;
-    // stat() and open() both follow symbolic links through the whole path, so
-    // the file examined and the file read are the link's target.
-    struct stat info;
-    if (::stat(encoded.constData(), &info) != 0 || !S_ISREG(info.st_mode))
-        return false;
-    length = uint64_t(info.st_size);
-    return true;
-}
-
-std::shared_ptr<HTTPFileResponse> HTTPFileResponse::create(const QString &filePath, HTTPConnection *connection)
-{
-    uint64_t length = 0;
-    if (!examineRegularFile(filePath, length))
+    const auto length = ResponseFile::examine(filePath);
+    if (!length)
         return nullptr;
-    return std::shared_ptr<HTTPFileResponse>(new HTTPFileResponse(filePath, length, connection));
+    return std::shared_ptr<HTTPFileResponse>(new HTTPFileResponse(filePath, *length, connection));
 }
 
-HTTPFileResponse::HTTPFileResponse(const QString &filePath, uint64_t length, HTTPConnection *connection)
-    : m_connection(connection), m_filePath(filePath), m_fileLength(length)
+HTTPFileResponse::HTTPFileResponse(const QString &filePath, uint64_t length,
+                                   HTTPConnection *connection)
+    : m_connection(connection), m_file(filePath,
+                                       [this] {
+                                           if (m_connection)
+                                               m_connection->responseDidAbort(this);
+                                       }),
+      m_fileLength(length)
 {
-}
-
-HTTPFileResponse::~HTTPFileResponse()
-{
-    if (m_fd >= 0)
-        ::close(m_fd);
-}
-
-void HTTPFileResponse::abort()
-{
-    if (m_connection)
-        m_connection->responseDidAbort(this);
-    m_aborted = true;
-}
-
-bool HTTPFileResponse::openFileIfNeeded()
-{
-    if (m_aborted)
-        return false;
-    if (m_fd >= 0)
-        return true;
-    m_fd = ::open(QFile::encodeName(m_filePath).constData(), O_RDONLY | O_CLOEXEC);
-    if (m_fd < 0) {
-        abort();
-        return false;
-    }
-    return true;
 }
 
 void HTTPFileResponse::setOffset(uint64_t offset)
 {
-    if (!openFileIfNeeded())
+    if (!m_file.openIfNeeded())
         return;
     m_fileOffset = offset;
-    if (::lseek(m_fd, off_t(offset), SEEK_SET) == off_t(-1))
-        abort();
+    if (::lseek(m_file.descriptor(), off_t(offset), SEEK_SET) == off_t(-1))
+        m_file.abort();
 }
 
 QByteArray HTTPFileResponse::readDataOfLength(size_t length)
 {
-    if (!openFileIfNeeded())
+    if (!m_file.openIfNeeded())
         return {};
     const uint64_t left = m_fileLength - std::min(m_fileOffset, m_fileLength);
     const size_t wanted = size_t(std::min<uint64_t>(length, left));
@@ -90,10 +51,10 @@ QByteArray HTTPFileResponse::readDataOfLength(size_t length)
         m_buffer.resize(qsizetype(wanted));
     ssize_t got;
     do {
-        got = ::read(m_fd, m_buffer.data(), wanted);
+        got = ::read(m_file.descriptor(), m_buffer.data(), wanted);
     } while (got < 0 && errno == EINTR);
     if (got <= 0) {
-        abort();
+        m_file.abort();
         return {};
     }
     m_buffer.resize(qsizetype(got));

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "server/core/http_response.h"
+#include "server/core/responses/response_file.h"
 
 #include <QString>
-
 #include <memory>
 
 namespace server {
@@ -18,8 +18,8 @@ class HTTPFileResponse : public HTTPResponse
 {
 public:
     // Nothing when the file cannot be examined or is no regular file.
-    static std::shared_ptr<HTTPFileResponse> create(const QString &filePath, HTTPConnection *connection);
-    ~HTTPFileResponse() override;
+    static std::shared_ptr<HTTPFileResponse> create(const QString &filePath,
+                                                    HTTPConnection *connection);
 
     uint64_t contentLength() override { return m_fileLength; }
     uint64_t offset() override { return m_fileOffset; }
@@ -27,24 +27,16 @@ public:
     QByteArray readDataOfLength(size_t length) override;
     bool isDone() override { return m_fileOffset == m_fileLength; }
 
-    const QString &filePath() const { return m_filePath; }
+    const QString &filePath() const { return m_file.path(); }
 
-protected:
+private:
     HTTPFileResponse(const QString &filePath, uint64_t length, HTTPConnection *connection);
-    void abort();
-    bool openFileIfNeeded();
 
     HTTPConnection *m_connection;
-    QString m_filePath;
+    ResponseFile m_file;
     uint64_t m_fileLength;
     uint64_t m_fileOffset = 0;
-    int m_fd = -1;
-    bool m_aborted = false;
     QByteArray m_buffer;
 };
-
-// The size of the file the path leads to, through symbolic links; false when
-// it cannot be examined or is no regular file.
-bool examineRegularFile(const QString &filePath, uint64_t &length);
 
 } // namespace server
