@@ -46,7 +46,8 @@ if [ -z "$port" ]; then
 fi
 
 # litmus answers non-zero whenever a test fails; the comparison decides.
-timeout 600 litmus --keep-going "http://127.0.0.1:$port/" Tavelle litmus >"$work/litmus.out" 2>&1 || true
+# It runs in the work folder, where it leaves its debug.log and child.log.
+(cd "$work" && timeout 600 litmus --keep-going "http://127.0.0.1:$port/" Tavelle litmus) >"$work/litmus.out" 2>&1 || true
 
 # "suite number.name result" per test, the result pass (warnings included),
 # FAIL or SKIPPED. litmus redraws each line with carriage returns, and a
