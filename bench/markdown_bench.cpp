@@ -3,12 +3,10 @@
 // run: what the preparation, the post-processing and the envelope add.
 #include "convert/discount.h"
 #include "convert/markdown_to_html.h"
+#include "isolated_home.h"
 
-#include <QCoreApplication>
-#include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 #include <chrono>
-#include <cstdlib>
 
 namespace {
 
@@ -80,14 +78,5 @@ BENCHMARK(BM_MarkdownToHTMLAgainstDiscount)
 
 int main(int argc, char **argv)
 {
-    // The settings, caches and work files of a run stay in a folder of its own.
-    QTemporaryDir home;
-    for (const char *variable :
-         {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "TMPDIR"})
-        setenv(variable, home.path().toUtf8().constData(), 1);
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return runBenchmarksInIsolatedHome(argc, argv);
 }

@@ -2,15 +2,14 @@
 // file from HTML into Markdown in the same run.
 #include "convert/html_to_markdown.h"
 #include "convert/markdown_to_html.h"
+#include "isolated_home.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 #include <chrono>
-#include <cstdlib>
 
 namespace {
 
@@ -112,14 +111,5 @@ BENCHMARK(BM_MarkdownifyAgainstPandoc)
 
 int main(int argc, char **argv)
 {
-    // The settings and work files of a run stay in a folder of its own.
-    QTemporaryDir home;
-    for (const char *variable :
-         {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "TMPDIR"})
-        setenv(variable, home.path().toUtf8().constData(), 1);
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return runBenchmarksInIsolatedHome(argc, argv);
 }
