@@ -45,9 +45,10 @@ struct ScanResult
     qsizetype hiddenDoneTasks = 0;
 };
 
+// Smart book rows hold titles where other rows hold absolute paths.
 QString rowKey(const ListRow &row)
 {
-    return QStringLiteral("%1:%2").arg(row.smartType).arg(row.path);
+    return row.smartType == 0 ? row.path : QStringLiteral("%1:%2").arg(row.smartType).arg(row.path);
 }
 
 bool isBookRow(const ListRow &row)
@@ -122,13 +123,19 @@ void DocumentListModel::connectToBridge(EventBridge &bridge)
 
 QList<DocumentListModel::Entry> DocumentListModel::currentEntries() const
 {
+    // Headers are known by their section, so "3 DOCUMENTS" turning into
+    // "4 DOCUMENTS" is a changed row; rows by their item.
+    const QString smartHeader = m_list.smartBooksHeader();
+    const QString booksHeader = m_list.booksHeader();
+    QList<ListEntry> listed = m_list.entries();
     QList<Entry> result;
-    int section = 0;
-    for (const ListEntry &entry : m_list.entries()) {
-        if (entry.row)
-            result << Entry{rowKey(*entry.row), {}, entry.row};
-        else
-            result << Entry{QStringLiteral("#%1").arg(section++), entry.header, std::nullopt};
+    result.reserve(listed.size());
+    for (ListEntry &entry : listed) {
+        QString key = entry.row                     ? rowKey(*entry.row)
+                      : entry.header == smartHeader ? QStringLiteral("#smart")
+                      : entry.header == booksHeader ? QStringLiteral("#books")
+                                                    : QStringLiteral("#documents");
+        result << Entry{std::move(key), std::move(entry.header), std::move(entry.row)};
     }
     return result;
 }
@@ -148,9 +155,33 @@ void DocumentListModel::syncWithList()
         Q_EMIT emptyListTextChanged(m_list.emptyListText());
         return;
     }
-    // Headers are keyed by section number; a section that comes or goes
-    // renumbers the ones behind it, so headers match by their section word.
+    const bool sameRows = fresh.size() == m_entries.size() &&
+                          std::equal(fresh.begin(), fresh.end(), m_entries.begin(),
+                                     [](const Entry &a, const Entry &b) { return a.key == b.key; });
+    if (!sameRows)
+        reshapeTo(fresh);
+    // Changed rows, and new rows in their places.
+    for (qsizetype i = 0; i < fresh.size(); ++i) {
+        if (i >= m_entries.size() || m_entries[i].key != fresh[i].key) {
+            beginInsertRows({}, int(i), int(i));
+            m_entries.insert(i, fresh[i]);
+            endInsertRows();
+        } else if (!m_entries[i].sameContent(fresh[i])) {
+            m_entries[i] = fresh[i];
+            if (fresh[i].row)
+                m_previews.remove(fresh[i].row->path);
+            Q_EMIT dataChanged(index(int(i)), index(int(i)));
+        }
+    }
+    const QString emptyAfter = m_entries.isEmpty() ? m_list.emptyListText() : QString();
+    if (emptyAfter != emptyBefore)
+        Q_EMIT emptyListTextChanged(emptyAfter);
+}
+
+void DocumentListModel::reshapeTo(const QList<Entry> &fresh)
+{
     QSet<QString> freshKeys;
+    freshKeys.reserve(fresh.size());
     for (const Entry &e : fresh)
         freshKeys.insert(e.key);
 
@@ -170,6 +201,7 @@ void DocumentListModel::syncWithList()
     }
     // 2. The rows that stay, in their new order.
     QSet<QString> keptKeys;
+    keptKeys.reserve(m_entries.size());
     for (const Entry &e : m_entries)
         keptKeys.insert(e.key);
     qsizetype position = 0;
@@ -186,22 +218,6 @@ void DocumentListModel::syncWithList()
         }
         ++position;
     }
-    // 3. New rows in their places, 4. changed rows.
-    for (qsizetype i = 0; i < fresh.size(); ++i) {
-        if (i >= m_entries.size() || m_entries[i].key != fresh[i].key) {
-            beginInsertRows({}, int(i), int(i));
-            m_entries.insert(i, fresh[i]);
-            endInsertRows();
-        } else if (!m_entries[i].sameContent(fresh[i])) {
-            m_entries[i] = fresh[i];
-            if (fresh[i].row)
-                m_previews.remove(fresh[i].row->path);
-            Q_EMIT dataChanged(index(int(i)), index(int(i)));
-        }
-    }
-    const QString emptyAfter = m_entries.isEmpty() ? m_list.emptyListText() : QString();
-    if (emptyAfter != emptyBefore)
-        Q_EMIT emptyListTextChanged(emptyAfter);
 }
 
 QModelIndex DocumentListModel::indexForPath(const QString &path) const

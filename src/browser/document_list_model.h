@@ -88,6 +88,9 @@ Q_SIGNALS:
 private:
     struct Entry;
     void syncWithList();
+    // Removes the rows that are gone and puts the rest in the new order; the
+    // caller inserts the new ones.
+    void reshapeTo(const QList<Entry> &fresh);
     QList<Entry> currentEntries() const;
     QString previewOf(const QString &path) const;
 

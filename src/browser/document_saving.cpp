@@ -136,7 +136,9 @@ void TLKSDocumentViewController::writeTextToFile()
     const QString text = textToSave();
     if (path.isEmpty() && text.isEmpty())
         return;
-    const bool changed = hashOf(text) != md5hash || (path.isEmpty() && !text.isEmpty());
+    const QString hash = hashOf(text);
+    const store::TextEncoding hashedIn = stringEncoding;
+    const bool changed = hash != md5hash || (path.isEmpty() && !text.isEmpty());
     if (!changed && !force) {
         logLine(QStringLiteral("text unchanged"));
         setWindowEdited(false);
@@ -157,7 +159,7 @@ void TLKSDocumentViewController::writeTextToFile()
         }
     }
     if (!path.isEmpty())
-        afterSaving(text, originalPath);
+        afterSaving(stringEncoding == hashedIn ? hash : hashOf(text), originalPath);
 }
 
 bool TLKSDocumentViewController::saveNewDocument(const QString &text)
@@ -276,9 +278,9 @@ bool TLKSDocumentViewController::saveExistingDocument(const QString &text)
     return true;
 }
 
-void TLKSDocumentViewController::afterSaving(const QString &text, const QString &originalPath)
+void TLKSDocumentViewController::afterSaving(const QString &hash, const QString &originalPath)
 {
-    md5hash = hashOf(text);
+    md5hash = hash;
     modDateOfPresentedDocument = platform::modificationDate(path).value_or(QDateTime());
     if (!originalPath.isEmpty() && originalPath != path)
         post(events::FileMoved,

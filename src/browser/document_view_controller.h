@@ -193,7 +193,8 @@ private:
     bool saveNewDocument(const QString &text);
     bool renameToFirstLine(const QString &text, const QString &firstLine);
     bool saveExistingDocument(const QString &text);
-    void afterSaving(const QString &text, const QString &originalPath);
+    // What every path that wrote does; the hash is of the text as written.
+    void afterSaving(const QString &hash, const QString &originalPath);
     // Moves the document itself: the view's own rename, never queued.
     bool moveShownDocument(const QString &target);
     void adoptPath(const QString &newPath);

@@ -5,6 +5,7 @@
 #include <QHash>
 #include <QMetaObject>
 #include <functional>
+#include <mutex>
 
 namespace tl::browser {
 
@@ -87,23 +88,37 @@ const QHash<QString, Emitter> &emitters()
 
 } // namespace
 
-EventBridge::EventBridge(NotificationCenter &center, QObject *parent) : QObject(parent)
+struct EventBridge::Target
 {
+    std::mutex mutex;
+    EventBridge *bridge = nullptr;
+};
+
+EventBridge::EventBridge(NotificationCenter &center, QObject *parent)
+    : QObject(parent), m_target(std::make_shared<Target>())
+{
+    m_target->bridge = this;
     // The observer may run on any thread: it only queues the delivery on the
     // bridge's own thread, where the signals go out.
     m_observer = std::make_unique<ScopedObserver>(
         QString(),
-        [this](const QString &name, const QVariantMap &payload) {
-            QMetaObject::invokeMethod(
-                this, [this, name, payload] { deliver(name, payload); }, Qt::QueuedConnection);
+        [target = m_target](const QString &name, const QVariantMap &payload) {
+            std::lock_guard lock(target->mutex);
+            if (EventBridge *bridge = target->bridge)
+                QMetaObject::invokeMethod(
+                    bridge, [bridge, name, payload] { bridge->deliver(name, payload); },
+                    Qt::QueuedConnection);
         },
         center);
 }
 
 EventBridge::~EventBridge()
 {
-    // Stops new deliveries; queued ones die with the object.
     m_observer.reset();
+    // An observer already running elsewhere finds no bridge; deliveries
+    // queued before die with the object.
+    std::lock_guard lock(m_target->mutex);
+    m_target->bridge = nullptr;
 }
 
 void EventBridge::deliver(const QString &name, const QVariantMap &payload)

@@ -53,6 +53,10 @@ Q_SIGNALS:
 private:
     void deliver(const QString &name, const QVariantMap &payload);
 
+    struct Target;
+    // Shared with the observer, which may be running on another thread
+    // while the bridge goes away.
+    std::shared_ptr<Target> m_target;
     std::unique_ptr<ScopedObserver> m_observer;
 };
 
