@@ -97,7 +97,9 @@ QString tl_plainTextRepresentation(const QString &html)
     if (start < 0)
         return html;
     const qsizetype from = start + kRepresentationStart.size();
-    const qsizetype end = html.lastIndexOf(QStringLiteral("-->"));
+    // The source ends at the first closing mark: its own are escaped, and the
+    // page behind it has comments of its own (the generator's among them).
+    const qsizetype end = html.indexOf(QStringLiteral("-->"), from);
     QString source = end >= from ? html.mid(from, end - from) : html;
     source.replace(QStringLiteral("\\-\\-\\>"), QStringLiteral("-->"));
     return source.trimmed();

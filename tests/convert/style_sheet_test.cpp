@@ -130,9 +130,11 @@ TEST_F(StyleSheets, UpdatingTheEmbeddedSheetWritesOnlyOnChange)
 
 TEST_F(StyleSheets, PlainTextRepresentationRoundTrip)
 {
-    const QString stored = withPlainTextRepresentation("a --> b", "<html></html>");
-    EXPECT_EQ(stored, "<!-- Plain Text Representation:\na \\-\\-\\> b \n-->\n\n<html></html>");
-    EXPECT_EQ(tl_stripMarkdownFromHTML(stored), "<html></html>");
+    const QString page = "<html><head><!-- Generator: Tavelle 1.0 --></head></html>";
+    const QString stored = withPlainTextRepresentation("a --> b", page);
+    EXPECT_EQ(stored, "<!-- Plain Text Representation:\na \\-\\-\\> b \n-->\n\n" + page);
+    EXPECT_EQ(tl_stripMarkdownFromHTML(stored), page);
+    // The page's own comments after the source are not part of it.
     EXPECT_EQ(tl_plainTextRepresentation(stored), "a --> b");
 }
 
