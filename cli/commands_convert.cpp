@@ -1,4 +1,4 @@
-// render, md prepare, css, html2md, html2text: the conversion of Markdown
+// render, md prepare, css, html2md, html2text, preview: the conversion of Markdown
 // documents and the way back from HTML, for scripts, exports and debugging
 // a document.
 #include "cli.h"
@@ -7,6 +7,7 @@
 #include "convert/html_to_text.h"
 #include "convert/markdown_preparation.h"
 #include "convert/markdown_to_html.h"
+#include "convert/note_preview.h"
 #include "convert/style_sheet.h"
 #include "platform/settings.h"
 #include "screenplay/script_page.h"
@@ -135,6 +136,17 @@ int htmlToText(const QCommandLineParser &parser, const Invocation &in)
     });
 }
 
+int preview(const QCommandLineParser &, const Invocation &in)
+{
+    if (in.arguments.size() != 1)
+        return fail(QStringLiteral("preview takes one PATH"), Usage);
+    const QString path = absolutePath(in.arguments.first());
+    if (!QFileInfo::exists(path))
+        return fail(QStringLiteral("No such item: %1").arg(path));
+    printValue(convert::tl_previewOfNoteWithTitle(path, QFileInfo(path).fileName()), in.json);
+    return Success;
+}
+
 void describeHtmlSource(QCommandLineParser &parser)
 {
     parser.addPositionalArgument(QStringLiteral("PATH"),
@@ -188,6 +200,11 @@ const std::vector<Command> &convertCommands()
                                QStringLiteral("The rougher, faster text of previews.")});
          },
          htmlToText},
+        {"preview", "The short text the document list shows under a document's title", false,
+         [](QCommandLineParser &parser) {
+             parser.addPositionalArgument(QStringLiteral("PATH"), QStringLiteral("Document."));
+         },
+         preview},
     };
     return commands;
 }

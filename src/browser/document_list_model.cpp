@@ -13,6 +13,7 @@
 
 #include <QFileInfo>
 #include <QMimeData>
+#include <QMutex>
 #include <QUrl>
 
 namespace tl::browser {
@@ -29,6 +30,25 @@ struct DocumentListModel::Entry
     bool sameContent(const Entry &other) const
     {
         return header == other.header && row == other.row;
+    }
+};
+
+// The paths whose previews are wanted, shared with the job that makes them:
+// a job takes all that are waiting when it starts.
+struct DocumentListModel::PreviewQueue
+{
+    QMutex mutex;
+    QStringList paths;
+
+    void add(const QString &path)
+    {
+        QMutexLocker lock(&mutex);
+        paths << path;
+    }
+    QStringList takeAll()
+    {
+        QMutexLocker lock(&mutex);
+        return std::exchange(paths, {});
     }
 };
 
@@ -72,8 +92,12 @@ Q_DECLARE_METATYPE(tl::browser::ScanResult)
 namespace tl::browser {
 
 DocumentListModel::DocumentListModel(TLKSDocumentListViewController &list, QObject *parent)
-    : QAbstractListModel(parent), m_list(list), m_loader(std::make_unique<CoalescingWorker>())
+    : QAbstractListModel(parent), m_list(list), m_loader(std::make_unique<CoalescingWorker>()),
+      m_previewer(std::make_unique<CoalescingWorker>()),
+      m_previewQueue(std::make_shared<PreviewQueue>())
 {
+    connect(m_previewer.get(), &CoalescingWorker::finished, this,
+            [this](const QVariant &value) { previewsMade(value.toMap()); });
     m_list.rowsChanged = [this] { syncWithList(); };
     m_entries = currentEntries();
     m_shownBook = m_list.path;
@@ -151,6 +175,8 @@ void DocumentListModel::syncWithList()
         m_shownBook = m_list.path;
         m_shownType = m_list.smartBookType;
         m_previews.clear();
+        m_previewsAsked.clear();
+        m_previewQueue->takeAll();
         endResetModel();
         Q_EMIT emptyListTextChanged(m_list.emptyListText());
         return;
@@ -168,8 +194,10 @@ void DocumentListModel::syncWithList()
             endInsertRows();
         } else if (!m_entries[i].sameContent(fresh[i])) {
             m_entries[i] = fresh[i];
-            if (fresh[i].row)
+            if (fresh[i].row) {
                 m_previews.remove(fresh[i].row->path);
+                m_previewsAsked.remove(fresh[i].row->path);
+            }
             Q_EMIT dataChanged(index(int(i)), index(int(i)));
         }
     }
@@ -289,14 +317,40 @@ int DocumentListModel::rowCount(const QModelIndex &parent) const
     return parent.isValid() ? 0 : int(m_entries.size());
 }
 
+void DocumentListModel::waitForPreviews()
+{
+    m_previewer->waitForIdle();
+}
+
 QString DocumentListModel::previewOf(const QString &path) const
 {
     const auto cached = m_previews.constFind(path);
     if (cached != m_previews.constEnd())
         return *cached;
-    const QString preview = listPreview(path);
-    m_previews.insert(path, preview);
-    return preview;
+    if (!m_previewsAsked.contains(path)) {
+        m_previewsAsked.insert(path);
+        m_previewQueue->add(path);
+        m_previewer->request([queue = m_previewQueue] {
+            QVariantMap previews;
+            for (const QString &wanted : queue->takeAll())
+                previews.insert(wanted, listPreview(wanted));
+            return QVariant(previews);
+        });
+    }
+    return {};
+}
+
+void DocumentListModel::previewsMade(const QVariantMap &previews)
+{
+    for (auto it = previews.cbegin(); it != previews.cend(); ++it) {
+        // A preview for a row of a book no longer shown is dropped.
+        if (!m_previewsAsked.remove(it.key()))
+            continue;
+        m_previews.insert(it.key(), it.value().toString());
+        const QModelIndex row = indexForPath(it.key());
+        if (row.isValid())
+            Q_EMIT dataChanged(row, row, {PreviewRole});
+    }
 }
 
 QVariant DocumentListModel::data(const QModelIndex &index, int role) const

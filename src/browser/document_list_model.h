@@ -4,7 +4,9 @@
 
 #include <QAbstractListModel>
 #include <QHash>
+#include <QSet>
 #include <QStringList>
+#include <memory>
 
 // The document list as an item model: group headers and rows in display
 // order. Every change of the controller's rows reaches the views as the
@@ -61,6 +63,8 @@ public:
     void reloadBookInBackground();
     bool isLoading() const;
     void waitForLoading();
+    // Blocks until the previews asked for are made; for shutdown and tests.
+    void waitForPreviews();
 
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
@@ -99,7 +103,14 @@ private:
     QString m_shownBook;
     int m_shownType = -1;
     std::unique_ptr<CoalescingWorker> m_loader;
+    // Previews are made off the main thread: a row shows none until its
+    // preview arrives, then changes.
+    struct PreviewQueue;
+    void previewsMade(const QVariantMap &previews);
+    std::unique_ptr<CoalescingWorker> m_previewer;
+    std::shared_ptr<PreviewQueue> m_previewQueue;
     mutable QHash<QString, QString> m_previews;
+    mutable QSet<QString> m_previewsAsked;
 };
 
 } // namespace tl::browser

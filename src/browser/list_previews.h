@@ -11,9 +11,9 @@ namespace tl::browser {
 // is on; smart book and context rows keep their titles.
 QString listTitle(const store::ListRow &row);
 
-// The first lines of a text document below its title, as many as the
-// inherited showPreviewForNotes asks for, joined by blanks; empty for
-// other kinds and when no preview is wanted.
+// The first lines of a document's preview, as many as the inherited
+// showPreviewForNotes asks for; empty for books and when no preview is
+// wanted. Reads and converts files: call it off the main thread.
 QString listPreview(const QString &path);
 
 } // namespace tl::browser

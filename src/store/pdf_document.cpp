@@ -1,5 +1,6 @@
 #include "store/pdf_document.h"
 
+#include <limits>
 #include <poppler-qt6.h>
 
 namespace tl::store {
@@ -20,14 +21,19 @@ std::unique_ptr<Poppler::Document> openDocument(const QString &path)
 
 QString pdfText(const QString &path)
 {
+    return pdfPageTexts(path, std::numeric_limits<int>::max()).join(u'\n');
+}
+
+QStringList pdfPageTexts(const QString &path, int count)
+{
     const std::unique_ptr<Poppler::Document> document = openDocument(path);
     if (!document)
         return {};
     QStringList pages;
-    for (int i = 0; i < document->numPages(); ++i)
+    for (int i = 0; i < std::min(count, document->numPages()); ++i)
         if (const std::unique_ptr<Poppler::Page> page = document->page(i))
             pages << page->text(QRectF());
-    return pages.join(u'\n');
+    return pages;
 }
 
 QImage pdfFirstPageImage(const QString &path, QSize bounds)

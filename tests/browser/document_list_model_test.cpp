@@ -184,6 +184,28 @@ TEST_F(DocumentListModelTest, ASmartBookIsGatheredOffTheMainThread)
     EXPECT_FALSE(loading[1].at(0).toBool());
 }
 
+TEST_F(DocumentListModelTest, PreviewsArriveFromAWorkerWhereTheBookAsksForThem)
+{
+    tltest::writeFile(book + "/a.txt", "a\nfirst line\nsecond line\nthird line");
+    tltest::writeFile(book + "/b.md", "b\n\nbody");
+    const QModelIndex b = model->indexForPath(book + "/b.md");
+    EXPECT_EQ(b.data(DocumentListModel::PreviewRole).toString(), "");
+    model->waitForPreviews();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(b.data(DocumentListModel::PreviewRole).toString(), "") << "none asked for";
+
+    writePlist(book + "/BookProperties.plist", QVariantMap{{"showPreviewForNotes", "2"}});
+    QSignalSpy changed(model.get(), &QAbstractItemModel::dataChanged);
+    const QModelIndex a = model->indexForPath(book + "/a.txt");
+    EXPECT_EQ(a.data(DocumentListModel::PreviewRole).toString(), "")
+        << "the list is not kept waiting";
+    model->waitForPreviews();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(a.data(DocumentListModel::PreviewRole).toString(), "first line\nsecond line");
+    ASSERT_EQ(changed.size(), 1);
+    EXPECT_EQ(changed.first().at(0).toModelIndex(), a);
+}
+
 TEST_F(DocumentListModelTest, TheBridgeDeliversFileEventsOnTheMainThread)
 {
     tl::browser::EventBridge bridge;
