@@ -146,8 +146,10 @@ void TLKSOutlineViewController::scheduleOwn(const QString &name, std::function<v
     const QString key = QStringLiteral("%1 %2").arg(name).arg(quintptr(this));
     m_pendingKeys.insert(key);
     Scheduler::main().schedule(key, kFollowUpDelay, [this, key, work = std::move(work)] {
-        m_pendingKeys.remove(key);
         work();
+        // The same work may have been asked for again meanwhile.
+        if (!Scheduler::main().isPending(key))
+            m_pendingKeys.remove(key);
     });
 }
 

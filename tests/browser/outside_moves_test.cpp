@@ -295,4 +295,24 @@ TEST_F(OutsideSaves, KnownItemsStillMoveAndHidingOneRemovesIt)
     EXPECT_EQ(posted.count(tl::events::FileMoved), 0);
 }
 
+// Follow-ups asked for again while their run is under way still end with
+// the controller: none runs after it.
+TEST_F(OutsideSaves, NoFollowUpOutlivesTheController)
+{
+    const QString doc = inRoot("Book/Doc.md");
+    {
+        TLKSOutlineViewController shortLived;
+        tl::platform::FileWatchReport setAside;
+        setAside.kind = tl::platform::FileWatchReport::Kind::Moved;
+        setAside.path = doc;
+        setAside.newPath = doc + "~";
+        shortLived.handleWatchReport(setAside);
+        shortLived.presentedSubitemDidChangeAtURL(doc);
+        clock->advance(TLKSOutlineViewController::kFollowUpDelay + 0.01);
+        EXPECT_EQ(tl::Scheduler::main().runDue(), 2);
+    }
+    clock->advance(1.0);
+    EXPECT_EQ(tl::Scheduler::main().runDue(), 0);
+}
+
 } // namespace
