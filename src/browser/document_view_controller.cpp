@@ -115,6 +115,7 @@ void TLKSDocumentViewController::selectNewDocument(const QString &selected,
         presentingToggledView = false;
         searchKey = key;
         showDocument();
+        addToHistory(path);
     } else if (presentingToggledView) {
         // The same document in its other view: back to its own view.
         presentingToggledView = false;
@@ -454,6 +455,7 @@ void TLKSDocumentViewController::adoptPath(const QString &newPath)
 {
     if (newPath == path)
         return;
+    renameInHistory(path, newPath);
     path = newPath;
     parentPath = path::deletingLastComponent(newPath);
     if (m_state->session)

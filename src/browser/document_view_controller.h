@@ -153,6 +153,14 @@ public:
     // on file changes, follows moves of its document, shows selected documents.
     void startObserving();
 
+    // The documents this view showed, for its back and forward buttons:
+    // selections add to it, renames and moves change their entries.
+    const QStringList &backForwardList() const { return m_history; }
+    bool canGoBack() const;
+    bool canGoForward() const;
+    void goBack();
+    void goForward();
+
     // The save timer's scheduler key, for tests.
     QString saveTimerKey() const;
 
@@ -168,6 +176,8 @@ Q_SIGNALS:
     // The document got a path: a new document's first save, or a rename.
     void pathChanged(const QString &path);
     void windowEditedChanged(bool edited);
+    // The back and forward buttons may need another state.
+    void backForwardChanged();
     // Only the formatted page needs loading again (same document, same view).
     void formattedPageChanged();
     // The plain text changed under the view (a check box toggled on disk,
@@ -203,6 +213,12 @@ private:
     std::unique_ptr<State> m_state;
     bool m_windowEdited = false;
     QString m_frameURL;
+    QStringList m_history;
+    qsizetype m_historyIndex = -1;
+
+    void addToHistory(const QString &path);
+    void renameInHistory(const QString &from, const QString &to);
+    void showFromHistory(qsizetype index);
 };
 
 // The alert texts of the document view.

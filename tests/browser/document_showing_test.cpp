@@ -279,3 +279,47 @@ TEST_F(DocumentShowing, AnchorsAndSearchKeysAreTakenFromTheSelection)
 }
 
 } // namespace
+
+namespace {
+
+class DocumentHistory : public tltest::DocumentViewTest
+{
+};
+
+TEST_F(DocumentHistory, BackAndForwardFollowSelectionsRenamesAndNewDocuments)
+{
+    const QString a = document("a.txt", "not a title");
+    const QString b = document("b.txt", "b");
+    view->selectNewDocument(a);
+    view->selectNewDocument(b);
+    EXPECT_EQ(view->backForwardList(), (QStringList{a, b}));
+    EXPECT_TRUE(view->canGoBack());
+    EXPECT_FALSE(view->canGoForward());
+
+    view->goBack();
+    EXPECT_EQ(view->path, a);
+    EXPECT_TRUE(view->canGoForward());
+
+    // The first line renames b while it is in the list.
+    view->goForward();
+    type("bee");
+    view->writeTextToFile();
+    EXPECT_EQ(view->backForwardList(), (QStringList{a, book + "/bee.txt"}));
+
+    view->newDocumentInBook(book);
+    type("Fresh");
+    view->writeTextToFile();
+    EXPECT_EQ(view->backForwardList().last(), book + "/Fresh.txt");
+
+    // A selection after going back drops what lay ahead; gone documents are passed over.
+    view->goBack();
+    EXPECT_EQ(view->path, book + "/bee.txt");
+    view->selectNewDocument(a);
+    EXPECT_EQ(view->backForwardList(), (QStringList{a, book + "/bee.txt", a}));
+    QFile::remove(book + "/bee.txt");
+    view->goBack();
+    EXPECT_EQ(view->path, a);
+    EXPECT_EQ(view->backForwardList().indexOf(a), 0);
+}
+
+} // namespace
