@@ -130,6 +130,14 @@ TEST(TextEncodingDecoders, EveryByteAndPairAsTheReferenceReadsThem)
     }
 }
 
+TEST(TextEncodingDecoders, LineEndsAndLettersAtEveryPlaceOfABlock)
+{
+    for (int shift = 0; shift < 40; ++shift)
+        for (const char *piece :
+             {"\r\n\xE9", "\xE9\r\n", "\xC3\xA9\xC3\xA8 \xC3\xA0", "\xC3\xA9\xE9"})
+            expectSameAsReference(asciiRun(shift) + piece + asciiRun(20));
+}
+
 TEST(TextEncodingDecoders, GeneratedTextsAsTheReferenceReadsThem)
 {
     // Pieces at the edges of UTF-8: the shortest and longest forms of each
