@@ -1,6 +1,6 @@
-#include "../store/library_fixture.h"
 #include "browser/outline_controller.h"
 #include "browser/outline_item.h"
+#include "document_view_test_support.h"
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
 #include "foundation/path_string.h"
@@ -293,6 +293,36 @@ TEST_F(OutsideSaves, KnownItemsStillMoveAndHidingOneRemovesIt)
     tl::Scheduler::main().runDue();
     EXPECT_TRUE(posted.posted(tl::events::FileDeletedFromDisk, inRoot("Book/Renamed.md")));
     EXPECT_EQ(posted.count(tl::events::FileMoved), 0);
+}
+
+// The whole way: a sync client replaces the document on screen, and the
+// view shows the new text under the same path.
+class OutsideSaveOfTheShownDocument : public tltest::DocumentViewTest
+{
+};
+
+TEST_F(OutsideSaveOfTheShownDocument, IsShownAnewUnderItsOwnPath)
+{
+    const QString path = document("Shared.txt", "old");
+    show(path);
+    view->startObserving();
+    TLKSOutlineViewController outline;
+    tl::platform::FileWatcher watcher;
+    watcher.onReport = [&outline](const tl::platform::FileWatchReport &r) {
+        outline.handleWatchReport(r);
+    };
+    ASSERT_TRUE(watcher.watch(root_));
+
+    const QString temporary = book + "/.Shared.txt.Xq3b7Z";
+    writeNewFile(temporary, "new from elsewhere");
+    tl::platform::setModificationDate(temporary, oldDate().addSecs(60));
+    renameOver(temporary, path);
+    watcher.readEvents();
+    advance(1.0);
+
+    EXPECT_EQ(view->path, path);
+    EXPECT_EQ(view->plainText, "new from elsewhere");
+    EXPECT_EQ(tltest::readFile(path), "new from elsewhere");
 }
 
 // Follow-ups asked for again while their run is under way still end with
