@@ -25,6 +25,7 @@ protected:
         secret.close();
         ASSERT_TRUE(QFile::link(outside + "/secret.txt", path("out-file")));
         ASSERT_TRUE(QFile::link(outside, path("out-dir")));
+        ASSERT_TRUE(QFile::link(outside + "/Folder", path("Book/deep-out")));
         ASSERT_TRUE(QFile::link(path("Book/note.txt"), path("in-link")));
     }
 
@@ -68,6 +69,8 @@ const OutsideCase kOutsideCases[] = {
     {"propfind_file", "PROPFIND", "/out-dir/secret.txt", "Depth: 0\r\n", {}},
     {"put_onto_link", "PUT", "/out-file", {}, "overwritten"},
     {"put_through_folder", "PUT", "/out-dir/new.txt", {}, "new"},
+    {"put_through_deeper_link", "PUT", "/Book/deep-out/new.txt", {}, "new"},
+    {"mkcol_through_deeper_link", "MKCOL", "/Book/deep-out/Missing/New", {}, {}},
     {"mkcol_through_folder", "MKCOL", "/out-dir/New", {}, {}},
     {"delete_through_folder", "DELETE", "/out-dir/secret.txt", {}, {}},
     {"delete_folder_link", "DELETE", "/out-dir/Folder", {}, {}},
@@ -101,6 +104,7 @@ TEST_P(OutsideMethodTest, AnswersNotFoundAndTouchesNothing)
     ASSERT_TRUE(r);
     EXPECT_EQ(r->status, 404) << r->raw.toStdString();
     EXPECT_EQ(outsideEntries(), QStringList({"Folder", "secret.txt"}));
+    EXPECT_TRUE(QDir(outside + "/Folder").isEmpty());
     EXPECT_EQ(QFileInfo(outside + "/secret.txt").size(), kSecretSize);
     EXPECT_EQ(read("Book/note.txt"), "hello");
     EXPECT_FALSE(exists("copied.txt") || exists("moved.txt"));

@@ -3,6 +3,9 @@
 #include "server/core/http_url.h"
 
 #include <QFile>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
 #include <sys/stat.h>
 
 namespace server {
@@ -38,8 +41,29 @@ QByteArray resolvedPath(QByteArray path)
 
 bool staysBelowRoot(const QString &path, const QString &root)
 {
-    const QByteArray resolvedRoot = resolvedPath(QFile::encodeName(root));
-    const QByteArray resolved = resolvedPath(QFile::encodeName(path));
+    // Only what lies below the root can lead out of it: its components are
+    // looked at one by one, and the whole path is resolved only when one of
+    // them is a link. A missing component ends the walk.
+    const QByteArray nativeRoot = QFile::encodeName(standardizePath(root));
+    const QByteArray native = QFile::encodeName(path);
+    if (native == nativeRoot)
+        return true;
+    if (native.startsWith(nativeRoot + '/') || nativeRoot == "/") {
+        qsizetype end = nativeRoot.size();
+        for (;;) {
+            end = native.indexOf('/', end + 1);
+            const QByteArray part = end < 0 ? native : native.left(end);
+            struct stat info;
+            if (::lstat(part.constData(), &info) != 0)
+                return errno == ENOENT || errno == ENOTDIR;
+            if (S_ISLNK(info.st_mode))
+                break;
+            if (end < 0 || end == native.size() - 1)
+                return true;
+        }
+    }
+    const QByteArray resolvedRoot = resolvedPath(nativeRoot);
+    const QByteArray resolved = resolvedPath(native);
     if (resolvedRoot.isEmpty() || resolved.isEmpty())
         return false;
     return resolved == resolvedRoot || resolved.startsWith(resolvedRoot + '/') ||
