@@ -25,7 +25,8 @@ QJsonValue toJson(const QVariant &value)
             object.insert(it.key(), toJson(it.value()));
         return object;
     }
-    case QMetaType::QVariantList: {
+    case QMetaType::QVariantList:
+    case QMetaType::QStringList: {
         QJsonArray array;
         for (const QVariant &v : value.toList())
             array.append(toJson(v));

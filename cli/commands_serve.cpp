@@ -111,14 +111,23 @@ int runServe(const QCommandLineParser &p, const Invocation &in)
         return Failure;
 
     const server::ServerPaneState pane = server::TLServerPreferences::updateConnectionDetails();
-    // Narrowed to an interface, the server is reached at its addresses only.
-    printLine(!p.value(QStringLiteral("interface")).isEmpty()
-                  ? server::listeningDetailsText(server::tavelleServerAddresses(),
-                                                 server::tavelleServerPort())
-                  : pane.connectionDetails);
-    printLine(QString());
-    printLine(QStringLiteral("%1: %2").arg(QLatin1String(server::kUserTitle), pane.user));
-    printLine(QStringLiteral("%1: %2").arg(QLatin1String(server::kPasswordTitle), pane.password));
+    if (in.json) {
+        printValue(QVariantMap{{"addresses", server::tavelleServerAddresses()},
+                               {"port", int(server::tavelleServerPort())},
+                               {"user", pane.user},
+                               {"password", pane.password}},
+                   true);
+    } else {
+        // Narrowed to an interface, the server is reached at its addresses only.
+        printLine(!p.value(QStringLiteral("interface")).isEmpty()
+                      ? server::listeningDetailsText(server::tavelleServerAddresses(),
+                                                     server::tavelleServerPort())
+                      : pane.connectionDetails);
+        printLine(QString());
+        printLine(QStringLiteral("%1: %2").arg(QLatin1String(server::kUserTitle), pane.user));
+        printLine(
+            QStringLiteral("%1: %2").arg(QLatin1String(server::kPasswordTitle), pane.password));
+    }
     std::fflush(stdout);
 
     waitForStopSignal();

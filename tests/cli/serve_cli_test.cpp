@@ -4,6 +4,9 @@
 #include "support/test_environment.h"
 
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QRegularExpression>
@@ -48,14 +51,18 @@ protected:
         server.start(qEnvironmentVariable("TAVELLE_CLI"),
                      QStringList{"--library", library, "serve", "--interface", "127.0.0.1"} +
                          options);
-        for (int i = 0; i < 300 && !output.contains("Password: "); ++i) {
+        // The details end with the password, in text or in JSON.
+        const auto told = [this] {
+            return output.contains("Password: ") || output.contains("\"password\"");
+        };
+        for (int i = 0; i < 300 && !told(); ++i) {
             if (!server.waitForReadyRead(100) && server.state() == QProcess::NotRunning)
                 return false;
             output += server.readAllStandardOutput();
         }
         while (!output.endsWith('\n') && server.waitForReadyRead(1000))
             output += server.readAllStandardOutput();
-        return output.contains("Password: ");
+        return told();
     }
     int port() const
     {
@@ -111,6 +118,21 @@ TEST_F(ServeCommand, ServesWithTheGivenCredentialsUntilTerminated)
     ASSERT_TRUE(server.waitForFinished(30000));
     EXPECT_EQ(server.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(server.exitCode(), 0) << server.readAllStandardError().toStdString();
+}
+
+TEST_F(ServeCommand, WithJsonTheDetailsAreData)
+{
+    ASSERT_TRUE(startServing({"--port", "8675", "--password", "open-sesame", "--json"}))
+        << output.toStdString();
+    const QJsonObject details = QJsonDocument::fromJson(output).object();
+    EXPECT_EQ(details.value("addresses").toArray(), QJsonArray{"127.0.0.1"})
+        << output.toStdString();
+    EXPECT_GE(details.value("port").toInt(), 8675);
+    EXPECT_EQ(details.value("user").toString(), "Tavelle");
+    EXPECT_EQ(details.value("password").toString(), "open-sesame");
+    server.terminate();
+    ASSERT_TRUE(server.waitForFinished(30000));
+    EXPECT_EQ(server.exitCode(), 0);
 }
 
 TEST_F(ServeCommand, MakesAPasswordOnceAndKeepsIt)
