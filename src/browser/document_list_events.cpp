@@ -56,6 +56,20 @@ ListRow rowInBook(const QString &itemPath, bool taskList)
     return store::tl_dictionaryForItemAsTask(itemPath, taskList, record);
 }
 
+// Whether a row that changed may take another place in a list sorted by the
+// key: a new modification date alone moves nothing in a list by title.
+bool orderMayChange(const ListRow &before, const ListRow &after, const QString &key)
+{
+    if (before.title != after.title || before.creationDate != after.creationDate ||
+        before.custom != after.custom || before.pinnedSequence != after.pinnedSequence)
+        return true;
+    if (key == u"modDate")
+        return before.modDate != after.modDate;
+    if (key == u"DueDate")
+        return before.dueDate != after.dueDate;
+    return false;
+}
+
 } // namespace
 
 TLKSDocumentListViewController::TLKSDocumentListViewController() = default;
@@ -157,9 +171,11 @@ void TLKSDocumentListViewController::documentModifiedOnDisk(const QString &chang
     qsizetype index = 0;
     if (QList<ListRow> *list = listHoldingPath(item, &index)) {
         const std::optional<ListRow> row = rowForPath(item);
-        if (row && row->toDictionary() != (*list)[index].toDictionary()) {
+        if (row && *row != (*list)[index]) {
+            const bool resort = orderMayChange((*list)[index], *row, sortOrder);
             (*list)[index] = *row;
-            sortDocuments();
+            if (resort)
+                sortDocuments();
             changed();
         }
     } else if (rowBelongsHere(item)) {

@@ -83,6 +83,33 @@ bool keepsManualOrder(int smartType)
     return smartType == OrdinaryBook || smartType == Favorites || smartType == Contexts;
 }
 
+// Beyond this many moves the views are told of a new order at once.
+constexpr qsizetype kMostSingleMoves = 64;
+
+// Marks the members of one longest rising run of the numbers (patience
+// sorting): those rows keep their places, the others move.
+QList<bool> longestRisingRun(const QList<qsizetype> &numbers)
+{
+    QList<qsizetype> tails; // index into numbers of the smallest tail per length
+    QList<qsizetype> before(numbers.size(), -1);
+    for (qsizetype i = 0; i < numbers.size(); ++i) {
+        const auto at =
+            std::lower_bound(tails.begin(), tails.end(), numbers[i],
+                             [&numbers](qsizetype t, qsizetype n) { return numbers[t] < n; });
+        const qsizetype length = at - tails.begin();
+        if (length > 0)
+            before[i] = tails[length - 1];
+        if (at == tails.end())
+            tails << i;
+        else
+            *at = i;
+    }
+    QList<bool> member(numbers.size(), false);
+    for (qsizetype i = tails.isEmpty() ? -1 : tails.last(); i >= 0; i = before[i])
+        member[i] = true;
+    return member;
+}
+
 } // namespace
 
 } // namespace tl::browser
@@ -228,24 +255,65 @@ void DocumentListModel::reshapeTo(const QList<Entry> &fresh)
         i = first - 1;
     }
     // 2. The rows that stay, in their new order.
-    QSet<QString> keptKeys;
-    keptKeys.reserve(m_entries.size());
-    for (const Entry &e : m_entries)
-        keptKeys.insert(e.key);
-    qsizetype position = 0;
-    for (const Entry &e : fresh) {
-        if (!keptKeys.contains(e.key))
-            continue;
-        if (m_entries[position].key != e.key) {
-            qsizetype from = position + 1;
-            while (m_entries[from].key != e.key)
-                ++from;
-            beginMoveRows({}, int(from), int(from), {}, int(position));
-            m_entries.move(from, position);
-            endMoveRows();
+    QHash<QString, qsizetype> oldPlace;
+    oldPlace.reserve(m_entries.size());
+    for (qsizetype i = 0; i < m_entries.size(); ++i)
+        oldPlace.insert(m_entries[i].key, i);
+    QStringList order;
+    QList<qsizetype> places;
+    for (const Entry &e : fresh)
+        if (const auto it = oldPlace.constFind(e.key); it != oldPlace.constEnd()) {
+            order << e.key;
+            places << *it;
         }
-        ++position;
+    const QList<bool> staying = longestRisingRun(places);
+    const qsizetype moves = std::count(staying.begin(), staying.end(), false);
+    if (moves > kMostSingleMoves) {
+        reorderAsLayout(order);
+        return;
     }
+    // Each row that must move goes right behind the row before it in the
+    // new order; the rest already stand in that order.
+    const auto placeOf = [this](const QString &key) {
+        for (qsizetype i = 0; i < m_entries.size(); ++i)
+            if (m_entries[i].key == key)
+                return i;
+        return qsizetype(-1);
+    };
+    for (qsizetype p = 0; p < order.size(); ++p) {
+        if (staying[p])
+            continue;
+        const qsizetype from = placeOf(order[p]);
+        const qsizetype to = p == 0 ? 0 : placeOf(order[p - 1]) + 1;
+        if (from == to)
+            continue;
+        beginMoveRows({}, int(from), int(from), {}, int(to));
+        m_entries.move(from, to > from ? to - 1 : to);
+        endMoveRows();
+    }
+}
+
+void DocumentListModel::reorderAsLayout(const QStringList &order)
+{
+    const QList<QPersistentModelIndex> parents;
+    Q_EMIT layoutAboutToBeChanged(parents, QAbstractItemModel::VerticalSortHint);
+    QHash<QString, qsizetype> newPlace;
+    newPlace.reserve(order.size());
+    for (qsizetype i = 0; i < order.size(); ++i)
+        newPlace.insert(order[i], i);
+    const QModelIndexList before = persistentIndexList();
+    QModelIndexList after;
+    after.reserve(before.size());
+    for (const QModelIndex &index : before)
+        after << this->index(int(newPlace.value(m_entries[index.row()].key)));
+    QList<Entry> reordered(m_entries.size());
+    for (Entry &e : m_entries) {
+        const qsizetype place = newPlace.value(e.key);
+        reordered[place] = std::move(e);
+    }
+    m_entries = std::move(reordered);
+    changePersistentIndexList(before, after);
+    Q_EMIT layoutChanged(parents, QAbstractItemModel::VerticalSortHint);
 }
 
 QModelIndex DocumentListModel::indexForPath(const QString &path) const

@@ -95,6 +95,8 @@ private:
     // Removes the rows that are gone and puts the rest in the new order; the
     // caller inserts the new ones.
     void reshapeTo(const QList<Entry> &fresh);
+    // A new order of all rows (a new sort) as one layout change.
+    void reorderAsLayout(const QStringList &order);
     QList<Entry> currentEntries() const;
     QString previewOf(const QString &path) const;
 

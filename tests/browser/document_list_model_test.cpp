@@ -219,3 +219,31 @@ TEST_F(DocumentListModelTest, TheBridgeDeliversFileEventsOnTheMainThread)
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(DocumentListModelTest, ANewDateMovesTheRowOnlyInAListByDate)
+{
+    const QString a = book + "/a.txt";
+    for (const char *name : {"a.txt", "b.md", "c.txt"})
+        tl::platform::setModificationDate(book + "/" + name, day(2));
+    list.reloadBook();
+    checked->resetCounts();
+    tl::platform::setModificationDate(a, day(5));
+    list.documentModifiedOnDisk(a);
+    EXPECT_EQ(shown(), (QStringList{"3 DOCUMENTS", "a", "b", "c"}));
+    EXPECT_EQ(checked->moved, 0);
+    EXPECT_EQ(checked->changed, 1);
+
+    list.selectSortOrder(2);
+    list.reloadBook();
+    EXPECT_EQ(shown().last(), "a") << "newest last in ascending order";
+    checked->resetCounts();
+    tl::platform::setModificationDate(book + "/b.md", day(9));
+    list.documentModifiedOnDisk(book + "/b.md");
+    EXPECT_EQ(shown(), (QStringList{"3 DOCUMENTS", "c", "a", "b"}));
+    EXPECT_EQ(checked->moved, 1);
+    EXPECT_EQ(checked->resets, 0);
+}
+
+} // namespace
