@@ -247,3 +247,24 @@ TEST_F(DocumentListModelTest, ANewDateMovesTheRowOnlyInAListByDate)
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(DocumentListModelTest, AWholeNewOrderIsOneLayoutChangeThatKeepsRowsKnown)
+{
+    for (int n = 0; n < 80; ++n)
+        doc(QStringLiteral("n%1.txt").arg(n, 2, 10, QLatin1Char('0')));
+    list.reloadBook();
+    const QPersistentModelIndex a = model->indexForPath(book + "/a.txt");
+    ASSERT_EQ(a.row(), 1);
+    checked->resetCounts();
+    list.sortAscending = false;
+    list.sortDocuments();
+    list.rowsChanged();
+    EXPECT_EQ(checked->layouts, 1);
+    EXPECT_EQ(checked->moved + checked->resets, 0);
+    EXPECT_EQ(a.row(), model->rowCount() - 1);
+    EXPECT_EQ(model->pathAt(a), book + "/a.txt");
+}
+
+} // namespace
