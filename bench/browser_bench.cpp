@@ -3,32 +3,19 @@
 // once. Reported as ratios.
 #include "browser/document_list.h"
 #include "browser/outline_item.h"
-#include "foundation/plist.h"
+#include "library_generator.h"
 #include "ratio_reporter.h"
 #include "store/library_root.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QDirIterator>
-#include <QFile>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
-#include <cstdio>
-#include <map>
-#include <sys/stat.h>
 
 namespace {
 
 constexpr int kDocuments = 10000;
 constexpr int kTopBooks = 50;
 constexpr int kSubBooks = 100;
-
-void writeBytes(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    if (f.open(QIODevice::WriteOnly))
-        f.write(bytes);
-}
 
 QString scratch()
 {
@@ -41,20 +28,7 @@ QString bigBook()
 {
     static const QString book = [] {
         const QString path = scratch() + "/List/Big Book";
-        QDir().mkpath(path);
-        QVariantList notes;
-        for (int d = 0; d < kDocuments; ++d) {
-            const QString name = QStringLiteral("Document %1.md").arg(d);
-            notes.prepend(name);
-            writeBytes(path + u'/' + name, "# A document\n");
-            writeBytes(
-                path + u'/' + name + ".plist",
-                tl::plist::toXml(QVariantMap{{"CreationDate", QDateTime::currentDateTimeUtc()},
-                                             {"Tags", QVariantList{"work"}}}));
-        }
-        writeBytes(
-            path + "/BookProperties.plist",
-            tl::plist::toXml(QVariantMap{{"Notes", notes}, {"sortOrderForNotes", "custom"}}));
+        bench::makeBook(path, kDocuments, {{"Tags", QVariantList{"work"}}});
         return path;
     }();
     return book;
@@ -69,8 +43,8 @@ QString manyBooks()
             for (int s = 0; s < kSubBooks; ++s) {
                 const QString book = path + QStringLiteral("/Top %1/Book %2").arg(t).arg(s);
                 QDir().mkpath(book);
-                writeBytes(book + "/BookProperties.plist",
-                           tl::plist::toXml(QVariantMap{{"sortOrderForNotes", "title"}}));
+                bench::writeBytes(book + "/BookProperties.plist",
+                                  tl::plist::toXml(QVariantMap{{"sortOrderForNotes", "title"}}));
             }
         return path;
     }();
@@ -79,24 +53,8 @@ QString manyBooks()
 
 void plainWalk(benchmark::State &state, const QString &root)
 {
-    for (auto _ : state) {
-        qint64 parsed = 0;
-        QDirIterator it(root, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
-                        QDirIterator::Subdirectories);
-        while (it.hasNext()) {
-            const QString path = it.next();
-            struct stat st
-            {
-            };
-            ::stat(QFile::encodeName(path).constData(), &st);
-            if (path.endsWith(u".plist")) {
-                QFile f(path);
-                if (f.open(QIODevice::ReadOnly))
-                    parsed += tl::plist::parse(f.readAll()) ? 1 : 0;
-            }
-        }
-        benchmark::DoNotOptimize(parsed);
-    }
+    for (auto _ : state)
+        benchmark::DoNotOptimize(bench::plainWalk(root));
 }
 
 void BM_ListFloor(benchmark::State &state)
