@@ -6,12 +6,9 @@
 #include <QVariantHash>
 #include <QVariantList>
 #include <QVariantMap>
-#include <cmath>
-#include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
 #include <optional>
-#include <plist/plist.h>
 #include <random>
 #include <string>
 #include <vector>
@@ -358,104 +355,37 @@ TEST(PlistTest, ReadsEveryBinaryObjectKind)
         {"one-byte integer is unsigned", {hex("10FF")}, qint64(255)},
         {"two-byte integer", {hex("110100")}, qint64(256)},
         {"four-byte integer", {hex("1280000000")}, qint64(2147483648)},
-        {"sixteen-byte integer",
-         {hex("14"
-              "0000000000000000"
-              "0000000000000009")},
-         qint64(9)},
-        {"single-precision real",
-         {hex("22"
-              "3FC00000")},
-         1.5},
+        {"sixteen-byte integer", {hex("14 0000000000000000 0000000000000009")}, qint64(9)},
+        {"single-precision real", {hex("22 3FC00000")}, 1.5},
         {"date before the reference date",
-         {hex("33"
-              "C000000000000000")},
+         {hex("33 C000000000000000")},
          utc(2000, 12, 31, 23, 59, 58)},
         {"false", {hex("08")}, false},
         {"true", {hex("09")}, true},
-        {"eight-byte integer is signed",
-         {hex("13"
-              "FFFFFFFFFFFFFFFE")},
-         qint64(-2)},
-        {"double-precision real",
-         {hex("23"
-              "BFF8000000000000")},
-         -1.5},
-        {"date with a fraction",
-         {hex("33"
-              "3FF8000000000000")},
-         utc(2001, 1, 1, 0, 0, 1, 500)},
+        {"eight-byte integer is signed", {hex("13 FFFFFFFFFFFFFFFE")}, qint64(-2)},
+        {"double-precision real", {hex("23 BFF8000000000000")}, -1.5},
+        {"date with a fraction", {hex("33 3FF8000000000000")}, utc(2001, 1, 1, 0, 0, 1, 500)},
         {"dict with a UTF-16 key",
-         {hex("D1"
-              "0102"),
-          hex("61"
-              "00E9"),
-          hex("1001")},
+         {hex("D1 0102"), hex("61 00E9"), hex("1001")},
          QVariantMap{{QString(QChar(0xE9)), qint64(1)}}},
         {"ASCII string with long length",
-         {hex("5F"
-              "1011") +
-          QByteArray("seventeen letters")},
+         {hex("5F 1011") + QByteArray("seventeen letters")},
          QString("seventeen letters")},
-        {"UTF-16 surrogate pair",
-         {hex("62"
-              "D834DD1E")},
-         QString::fromUtf8("\xF0\x9D\x84\x9E")},
+        {"UTF-16 surrogate pair", {hex("62 D834DD1E")}, QString::fromUtf8("\xF0\x9D\x84\x9E")},
         {"empty data", {hex("40")}, QByteArray()},
-        {"UID of two bytes",
-         {hex("81"
-              "0102")},
-         qint64(258)},
-        {"shared reference read once",
-         {hex("A2"
-              "0101"),
-          hex("A1"
-              "02"),
-          hex("1007")},
-         twice},
+        {"UID of two bytes", {hex("81 0102")}, qint64(258)},
+        {"shared reference read once", {hex("A2 0101"), hex("A1 02"), hex("1007")}, twice},
         {"empty dict", {hex("D0")}, QVariantMap()},
-        {"cycle",
-         {hex("A1"
-              "00")},
-         std::nullopt},
-        {"cycle through a child",
-         {hex("A1"
-              "01"),
-          hex("A1"
-              "00")},
-         std::nullopt},
-        {"reference out of range",
-         {hex("A1"
-              "05")},
-         std::nullopt},
-        {"integer key",
-         {hex("D1"
-              "0102"),
-          hex("1001"), hex("1002")},
-         std::nullopt},
-        {"data longer than the file",
-         {hex("4F"
-              "10FF"
-              "00")},
-         std::nullopt},
-        {"string length not an integer",
-         {hex("5F"
-              "2300")},
-         std::nullopt},
-        {"seventeen-byte integer marker",
-         {hex("15"
-              "00")},
-         std::nullopt},
+        {"cycle", {hex("A1 00")}, std::nullopt},
+        {"cycle through a child", {hex("A1 01"), hex("A1 00")}, std::nullopt},
+        {"reference out of range", {hex("A1 05")}, std::nullopt},
+        {"integer key", {hex("D1 0102"), hex("1001"), hex("1002")}, std::nullopt},
+        {"data longer than the file", {hex("4F 10FF 00")}, std::nullopt},
+        {"string length not an integer", {hex("5F 2300")}, std::nullopt},
+        {"seventeen-byte integer marker", {hex("15 00")}, std::nullopt},
         {"null", {hex("00")}, std::nullopt},
-        {"set",
-         {hex("C1"
-              "01"),
-          hex("1001")},
-         std::nullopt},
-        {"date that is not a number",
-         {hex("33"
-              "7FF8000000000000")},
-         std::nullopt},
+        {"set", {hex("C1 01"), hex("1001")}, std::nullopt},
+        {"date that is not a number", {hex("33 7FF8000000000000")}, std::nullopt},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
@@ -470,9 +400,7 @@ TEST(PlistTest, ReadsEveryBinaryObjectKind)
 
 TEST(PlistTest, RefusesBrokenBinaryTrailers)
 {
-    const QByteArray good = handMadeBinary({hex("A1"
-                                                "01"),
-                                            hex("1001")});
+    const QByteArray good = handMadeBinary({hex("A1 01"), hex("1001")});
     ASSERT_TRUE(parse(good).has_value());
     struct Case
     {
@@ -499,41 +427,6 @@ TEST(PlistTest, RefusesBrokenBinaryTrailers)
     QByteArray version = good;
     version[7] = '1';
     EXPECT_FALSE(parse(version).has_value());
-}
-
-TEST(PlistTest, ReadsBinaryWrittenByLibplist)
-{
-    plist_t root = plist_new_dict();
-    plist_t array = plist_new_array();
-    plist_array_append_item(array, plist_new_uint(static_cast<uint64_t>(-42)));
-    plist_array_append_item(array, plist_new_string("x & y"));
-    plist_array_append_item(array, plist_new_uid(9));
-    plist_dict_set_item(root, "array", array);
-    plist_dict_set_item(root, "date", plist_new_date(-31622400, 250000));
-    plist_dict_set_item(root, "data", plist_new_data("\x01\x02", 2));
-    plist_dict_set_item(root, "real", plist_new_real(-0.5));
-    plist_dict_set_item(root, "no", plist_new_bool(0));
-    char *bytes = nullptr;
-    uint32_t length = 0;
-    plist_to_bin(root, &bytes, &length);
-    plist_free(root);
-    ASSERT_NE(bytes, nullptr);
-    const QByteArray binary(bytes, static_cast<qsizetype>(length));
-    plist_to_bin_free(bytes);
-
-    const auto value = parse(binary);
-    ASSERT_TRUE(value.has_value());
-    const QVariantMap expected{
-        {"array", QVariantList{qint64(-42), QString("x & y"), qint64(9)}},
-        {"date", utc(2000, 1, 1, 0, 0, 0, 250)},
-        {"data", QByteArray("\x01\x02", 2)},
-        {"real", -0.5},
-        {"no", false},
-    };
-    const QVariantMap map = value->toMap();
-    EXPECT_EQ(map.keys(), expected.keys());
-    for (auto it = expected.cbegin(); it != expected.cend(); ++it)
-        EXPECT_EQ(map.value(it.key()), it.value()) << it.key().toStdString();
 }
 
 TEST(PlistTest, ReadsXmlWrittenInOtherStyles)
