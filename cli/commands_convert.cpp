@@ -1,10 +1,11 @@
-// render, md prepare, css, html2md, html2text, preview: the conversion of Markdown
+// render, md prepare, css, html2md, html2text, latex, preview: the conversion of Markdown
 // documents and the way back from HTML, for scripts, exports and debugging
 // a document.
 #include "cli.h"
 #include "convert/envelope.h"
 #include "convert/html_to_markdown.h"
 #include "convert/html_to_text.h"
+#include "convert/latex.h"
 #include "convert/markdown_preparation.h"
 #include "convert/markdown_to_html.h"
 #include "convert/note_preview.h"
@@ -136,6 +137,13 @@ int htmlToText(const QCommandLineParser &parser, const Invocation &in)
     });
 }
 
+int latex(const QCommandLineParser &parser, const Invocation &in)
+{
+    return convertSource(parser, in, [](const Source &source) {
+        return convert::markdownToLatexForDocument(source.text, source.path);
+    });
+}
+
 int preview(const QCommandLineParser &, const Invocation &in)
 {
     if (in.arguments.size() != 1)
@@ -200,6 +208,14 @@ const std::vector<Command> &convertCommands()
                                QStringLiteral("The rougher, faster text of previews.")});
          },
          htmlToText},
+        {"latex", "Markdown document as a complete LaTeX file", false,
+         [](QCommandLineParser &parser) {
+             parser.addPositionalArgument(QStringLiteral("PATH"),
+                                          QStringLiteral("Document, or - for standard input."));
+             parser.addOption(
+                 {QStringLiteral("o"), QStringLiteral("Write to FILE."), QStringLiteral("FILE")});
+         },
+         latex},
         {"preview", "The short text the document list shows under a document's title", false,
          [](QCommandLineParser &parser) {
              parser.addPositionalArgument(QStringLiteral("PATH"), QStringLiteral("Document."));

@@ -129,7 +129,7 @@ duplicateKinds()
             {"md", tl_duplicateItemAsMarkdown},
             {"html", tl_duplicateItemAsFormattedDocument},
             {"fountain", tl_duplicateItemAsFountain},
-            {"latex", tl_duplicateAsLatex},
+            {"tex", tl_duplicateAsLatex},
             {"rtf", [](const QString &p) { return tl_duplicateItemAs(p, QStringLiteral("rtf")); }},
             {"doc", [](const QString &p) { return tl_duplicateItemAs(p, QStringLiteral("doc")); }},
             {"docx",

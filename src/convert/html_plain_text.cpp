@@ -1,14 +1,9 @@
 #include "convert/envelope.h"
 #include "convert/html_to_text.h"
+#include "convert/html_tree.h"
 #include "convert/rewrite_table.h"
 
-#include <libxml/HTMLparser.h>
-#include <libxml/parser.h>
-#include <libxml/tree.h>
-#include <memory>
-#include <mutex>
 #include <optional>
-#include <spdlog/spdlog.h>
 
 namespace tl::convert {
 
@@ -18,38 +13,14 @@ namespace {
 // paragraphs, where a reader looks. The rest need not.
 constexpr qsizetype kLinesKeptFor = 450;
 
-struct DocumentFree
-{
-    void operator()(xmlDoc *document) const { xmlFreeDoc(document); }
-};
-struct ContentFree
-{
-    void operator()(xmlChar *content) const { xmlFree(content); }
-};
-
-// The text of every node in document order, by the tolerant HTML parser:
-// no network, no external entities, the text taken as UTF-8 whatever its
-// head declares.
+// The text of every node in document order.
 std::optional<QString> textOfNodes(const QString &html)
 {
-    static std::once_flag initialised;
-    std::call_once(initialised, [] { xmlInitParser(); });
-    const QByteArray utf8 = html.toUtf8();
-    const int options = HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING |
-                        HTML_PARSE_NONET | HTML_PARSE_IGNORE_ENC | XML_PARSE_HUGE;
-    const std::unique_ptr<xmlDoc, DocumentFree> document(
-        htmlReadMemory(utf8.constData(), int(utf8.size()), nullptr, "UTF-8", options));
-    if (!document) {
-        spdlog::info("HTML text could not be parsed for its plain text");
+    const HtmlDocument document = parsedHTML(html);
+    if (!document)
         return std::nullopt;
-    }
     const xmlNode *root = xmlDocGetRootElement(document.get());
-    if (!root)
-        return QString();
-    const std::unique_ptr<xmlChar, ContentFree> content(xmlNodeGetContent(root));
-    if (!content)
-        return QString();
-    return QString::fromUtf8(reinterpret_cast<const char *>(content.get()));
+    return root ? textContent(root) : QString();
 }
 
 } // namespace

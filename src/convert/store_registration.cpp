@@ -1,6 +1,7 @@
 #include "convert/store_registration.h"
 
 #include "convert/html_to_markdown.h"
+#include "convert/latex.h"
 #include "convert/markdown_to_html.h"
 #include "store/text_conversions.h"
 
@@ -10,6 +11,9 @@ void registerConversionsWithStore()
 {
     store::textConversions().markdownToHTML = [](const QString &markdown, const QString &path) {
         return markdownToHTMLForDocument(markdown, path);
+    };
+    store::textConversions().markdownToLatex = [](const QString &markdown, const QString &path) {
+        return markdownToLatexForDocument(markdown, path);
     };
     store::textConversions().markdownifyHTML = [](const QString &html) {
         return tl_markdownifyHTML(html);

@@ -74,4 +74,28 @@ TEST_F(ConvertCommand, AMissingDocumentFails)
     EXPECT_TRUE(r.out.isEmpty());
 }
 
+TEST_F(ConvertCommand, LatexOfADocumentOrOfStandardInput)
+{
+    const auto latex = runTavelle(home, {"latex", document});
+    ASSERT_EQ(latex.exitCode, 0) << latex.err.toStdString();
+    EXPECT_TRUE(latex.out.startsWith("\\documentclass["));
+    EXPECT_TRUE(latex.out.contains("\\title{Trip}"));
+    EXPECT_TRUE(latex.out.contains("\\newpage"));
+
+    const QString file = home + "/out.tex";
+    EXPECT_EQ(runTavelle(home, {"latex", "-", "-o", file}, "50% *off*\n").exitCode, 0);
+    const QString written = QString::fromUtf8(tltest::readFile(file));
+    EXPECT_TRUE(written.contains("\\title{Untitled Document}"));
+    EXPECT_TRUE(written.contains("50\\% \\emph{off}")) << written.toStdString();
+    EXPECT_EQ(runTavelle(home, {"latex", home + "/Missing.md"}).exitCode, 1);
+}
+
+TEST_F(ConvertCommand, PreviewLeavesOutTheTitleAndTheMarks)
+{
+    ASSERT_TRUE(tltest::writeFile(home + "/Notes/Plan.md", "Plan\n\nGo **now**, _then_ rest.\n"));
+    const auto preview = runTavelle(home, {"preview", home + "/Notes/Plan.md"});
+    ASSERT_EQ(preview.exitCode, 0) << preview.err.toStdString();
+    EXPECT_EQ(preview.out, "Go now, then rest.\n");
+}
+
 } // namespace

@@ -78,8 +78,8 @@ TEST_F(ItemsCommand, CopyDuplicateRemoveAndTrash)
     EXPECT_EQ(run({"dup", book("Report.md"), "--as", "txt"}).out, book("Report.txt") + "\n");
     EXPECT_EQ(run({"dup", book("Report.md"), "--as", "fountain"}).out,
               book("Report.fountain") + "\n");
-    const CommandResult nothing = run({"dup", book("Report.md"), "--as", "latex"});
-    EXPECT_EQ(nothing.exitCode, 1);
+    EXPECT_EQ(run({"dup", book("Report.md"), "--as", "tex"}).out, book("Report.tex") + "\n");
+    EXPECT_TRUE(tltest::readFile(book("Report.tex")).contains("\\section{Report}"));
     EXPECT_EQ(run({"dup", book("Report.md"), "--as", "pdf"}).exitCode, 2);
 
     EXPECT_EQ(run({"rm", book("Report copy.md")}).exitCode, 0);

@@ -31,6 +31,13 @@ protected:
         for (auto it = values.cbegin(); it != values.cend(); ++it)
             setSetting(it.key(), it.value());
     }
+    // A file of the given bytes at the library root.
+    QString document(const QString &name, const QByteArray &content)
+    {
+        const QString path = root_ + "/" + name;
+        writeFile(path, content);
+        return path;
+    }
 };
 
 } // namespace tltest

@@ -13,12 +13,6 @@ namespace P = tl::keys::property;
 class NotePreview : public tltest::ConvertTest
 {
 protected:
-    QString document(const QString &name, const QByteArray &content)
-    {
-        const QString path = root_ + "/" + name;
-        tltest::writeFile(path, content);
-        return path;
-    }
     QString preview(const QString &path)
     {
         return tl_previewOfNoteWithTitle(path, QFileInfo(path).fileName());
