@@ -281,6 +281,9 @@ void TLKSDocumentViewController::readOffsets()
 
 void TLKSDocumentViewController::reloadCurrentDocument()
 {
+    // What the user typed reaches the disk before the document is read again.
+    if (m_windowEdited)
+        writeTextToFile();
     showDocument();
 }
 

@@ -203,3 +203,18 @@ TEST_F(PlainTextRepresentation, AStaleRenderingIsRenewedOnceAndTheSourceIsEdited
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(DocumentReload, AReloadOnRequestSavesWhatWasTypedFirst)
+{
+    const QString path = document("Reloaded.txt", "Not the title");
+    view->startObserving();
+    show(path);
+    type("typed just now");
+    tl::NotificationCenter::defaultCenter().post("TLKSReloadCurrentDocument");
+    EXPECT_EQ(tltest::readFile(path), "typed just now");
+    EXPECT_EQ(view->plainText, "typed just now");
+}
+
+} // namespace
