@@ -19,6 +19,39 @@ protected:
     }
 };
 
+// A PDF file with one line of text on each page.
+QByteArray pdfOfPages(const QList<QByteArray> &lines)
+{
+    QList<QByteArray> objects{"<< /Type /Catalog /Pages 2 0 R >>", QByteArray(),
+                              "<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica >>"};
+    QByteArray kids;
+    for (const QByteArray &line : lines) {
+        const QByteArray stream = "BT /F1 12 Tf 72 720 Td (" + line + ") Tj ET";
+        const qsizetype page = objects.size() + 1;
+        objects << "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 612 792] /Resources << /Font "
+                   "<< /F1 3 0 R >> >> /Contents " +
+                       QByteArray::number(page + 1) + " 0 R >>"
+                << "<< /Length " + QByteArray::number(stream.size()) + " >>\nstream\n" + stream +
+                       "\nendstream";
+        kids += QByteArray::number(page) + " 0 R ";
+    }
+    objects[1] = "<< /Type /Pages /Kids [" + kids + "] /Count " +
+                 QByteArray::number(lines.size()) + " >>";
+    QByteArray pdf = "%PDF-1.4\n";
+    QList<qsizetype> offsets;
+    for (qsizetype i = 0; i < objects.size(); ++i) {
+        offsets << pdf.size();
+        pdf += QByteArray::number(i + 1) + " 0 obj\n" + objects[i] + "\nendobj\n";
+    }
+    const qsizetype xref = pdf.size();
+    pdf += "xref\n0 " + QByteArray::number(objects.size() + 1) + "\n0000000000 65535 f \n";
+    for (const qsizetype offset : offsets)
+        pdf += QByteArray::number(offset).rightJustified(10, '0') + " 00000 n \n";
+    pdf += "trailer\n<< /Size " + QByteArray::number(objects.size() + 1) +
+           " /Root 1 0 R >>\nstartxref\n" + QByteArray::number(xref) + "\n%%EOF\n";
+    return pdf;
+}
+
 struct PreviewCase
 {
     const char *name;
@@ -82,6 +115,19 @@ TEST_F(NotePreview, SideCarTextAndRecognisedText)
     const QString scan = document("Scan.pdf", "not a PDF");
     tl::store::tl_setProperty(scan, QStringLiteral("Recognised words"), P::OCR);
     EXPECT_EQ(preview(scan), "Recognised words");
+}
+
+TEST_F(NotePreview, APdfIsReadOnceThroughItsSideCar)
+{
+    const QString path = document("Paper.pdf", pdfOfPages({"Short first page", "Second page"}));
+    const QString preview = tl_previewOfNoteWithTitle(path, QStringLiteral("Paper.pdf"));
+    EXPECT_TRUE(preview.contains("Short first page")) << preview;
+    EXPECT_TRUE(preview.contains("Second page")) << preview;
+    const QString sideCar = tl::store::tl_sideCarPath(path);
+    EXPECT_TRUE(QFileInfo::exists(sideCar));
+    // The side-car answers from now on, not the file.
+    tltest::writeFile(sideCar, "Kept text");
+    EXPECT_EQ(tl_previewOfNoteWithTitle(path, QStringLiteral("Paper.pdf")), "Kept text");
 }
 
 TEST_F(NotePreview, StrictMarkdownKeepsEveryLine)
