@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+// The texts of due dates and repeats, in the local zone and the locale's
+// date and time styles.
+namespace tl::tasks {
+
+// Medium date and short time.
+QString tl_shortDateTimeString(const QDateTime &date);
+// Recent past moments relatively ("just now", "5 minutes ago"), then
+// "Today", "Yesterday" or "Tomorrow", or the full date; the short time
+// behind when the date has an alert time. Empty for the distant dates.
+QString tl_fancyWeekdayString(const QDateTime &date);
+// "Every Week ", "Every 2 weeks", "1 day after completion"; "---" for none.
+QString tl_readableRepeatDetailsForDetails(const std::optional<QStringList> &details);
+QString tl_readableRepeatDetails(const QString &itemPath);
+
+} // namespace tl::tasks
