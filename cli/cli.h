@@ -40,6 +40,7 @@ const std::vector<Command> &convertCommands();
 const std::vector<Command> &serveCommands();
 const std::vector<Command> &browserCommands();
 const std::vector<Command> &fountainCommands();
+const std::vector<Command> &tasksCommands();
 
 // Prints one line to standard error and answers the status.
 int fail(const QString &message, int status = Failure);

@@ -20,9 +20,9 @@ const QString kNoLibrary =
 std::vector<const Command *> allCommands()
 {
     std::vector<const Command *> all;
-    for (const auto *group :
-         {&libraryCommands(), &settingsCommands(), &pathCommands(), &itemCommands(),
-          &convertCommands(), &fountainCommands(), &browserCommands(), &serveCommands()})
+    for (const auto *group : {&libraryCommands(), &settingsCommands(), &pathCommands(),
+                              &itemCommands(), &convertCommands(), &fountainCommands(),
+                              &browserCommands(), &tasksCommands(), &serveCommands()})
         for (const Command &c : *group)
             all.push_back(&c);
     return all;

@@ -7,7 +7,9 @@
 #include "screenplay/script_page.h"
 #include "server/control/server_control.h"
 #include "shell/shell_hooks.h"
+#include "store/side_jobs.h"
 #include "store/text_conversions.h"
+#include "tasks/task_list.h"
 
 #include <QSet>
 #include <cstdio>
@@ -52,12 +54,16 @@ struct Requirement
 
 // What each host must have before it runs.
 constexpr Requirement kRequired[] = {
-    {"settings store", false},        {"alert presenter", false},
-    {"server control", false},        {"Markdown to HTML conversion", false},
+    {"settings store", false},
+    {"alert presenter", false},
+    {"server control", false},
+    {"Markdown to HTML conversion", false},
     {"Fountain to HTML conversion", false},
     {"HTML to plain text conversion", false},
-    {"window alert presenter", true}, {"showWhatsNew hook", true},
-    {"showAllPanes hook", true},      {"effectiveAppearanceName hook", true},
+    {"window alert presenter", true},
+    {"showWhatsNew hook", true},
+    {"showAllPanes hook", true},
+    {"effectiveAppearanceName hook", true},
     {"openDocuments hook", true},
 };
 
@@ -94,6 +100,9 @@ void assembleCore(const CoreParts &parts)
         return screenplay::scriptPageForText(fountain).html;
     };
     mark("Fountain to HTML conversion");
+
+    store::sideJobs().moveTask = tasks::tl_moveTaskToPath;
+    store::sideJobs().copyTaskDetails = tasks::tl_copyTaskDetailsToPath;
 
     shell::ShellHooks &hooks = shell::shellHooks();
     install(hooks.showWhatsNew, parts.showWhatsNew, "showWhatsNew hook");

@@ -1,10 +1,14 @@
 #include "browser/later_sources.h"
 
+#include "tasks/due_tasks.h"
+#include "tasks/task_list.h"
+#include "tasks/task_lists.h"
+
 namespace tl::browser {
 
 QList<store::ListRow> tl_arrayOfDueTasks()
 {
-    return {};
+    return tasks::tl_arrayOfDueTasks().rows;
 }
 
 QStringList tl_listOfAllAvailableTags()
@@ -33,18 +37,24 @@ void requestPlaceholderDownload(const QString &)
 
 void updateListOfTasklists()
 {
+    tasks::updateListOfTasklists();
 }
 
 void updateListOfTasklistsQuick()
 {
+    tasks::tl_listOfTasklists();
 }
 
-void updateListOfTasklistRemovingAdding(const QString &, const QString &)
+void updateListOfTasklistRemovingAdding(const QString &removal, const QString &addition)
 {
+    tasks::updateListOfTasklistRemovingAdding(removal, addition);
 }
 
-void tl_taskPlistChangedAtPath(const QString &)
+void tl_taskPlistChangedAtPath(const QString &book)
 {
+    // A plist changed from outside keeps the records of files it does not
+    // know yet: they may still be syncing in.
+    tasks::tl_correctTaskCountAtPathWithCleanup(book, false);
 }
 
 void tl_collectTagsInPlist(const QString &)

@@ -91,7 +91,7 @@ TaskPart taskPartOf(const QString &itemPath, const std::optional<QVariantMap> &d
     else if (state == u"no_task")
         part.sortDate = distantPast();
     part.icon = tl_taskIconForStateIsDue(state.isEmpty() ? QStringLiteral("open") : state,
-                                         part.sortDate <= clock().now());
+                                         part.sortDate < clock().now());
     part.isRepeating =
         record.contains(QStringLiteral("RepeatType")) ? QStringLiteral("1") : QString();
 

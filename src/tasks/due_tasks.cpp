@@ -24,7 +24,7 @@ QDateTime dueTasksHorizon(qint64 lookAhead, const QDateTime &now)
     return endOfToday.addSecs(days * 86400);
 }
 
-DueTasks tl_arrayOfDueTasks()
+DueTasks tl_arrayOfDueTasks(std::optional<qint64> lookAhead)
 {
     logLine(QStringLiteral("getting due tasks"));
     const QStringList books =
@@ -32,8 +32,9 @@ DueTasks tl_arrayOfDueTasks()
             ? tl_listOfTasklists()
             : allTaskListBooks();
     const QDateTime now = clock().now();
-    const QDateTime horizon =
-        dueTasksHorizon(platform::settings().integer(QLatin1String(keys::DueTasksLookAhead)), now);
+    const QDateTime horizon = dueTasksHorizon(
+        lookAhead.value_or(platform::settings().integer(QLatin1String(keys::DueTasksLookAhead))),
+        now);
     DueTasks due;
     for (const QString &book : books) {
         TaskDetails details = TaskDetails::ofBook(book);

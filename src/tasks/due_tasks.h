@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QList>
+#include <optional>
 
 // The tasks that are due: overdue ones and those due before the look-ahead
 // horizon, over all task lists of the library.
@@ -19,8 +20,9 @@ struct DueTasks
     qint64 overdue = 0;
 };
 
-// Rows of the due tasks, book by book. Each book's overdue counter is set
-// right on the way.
-DueTasks tl_arrayOfDueTasks();
+// Rows of the due tasks, book by book, within the look-ahead given or else
+// the one of "dueTasksLookAhead". Each book's overdue counter is set right on
+// the way.
+DueTasks tl_arrayOfDueTasks(std::optional<qint64> lookAhead = std::nullopt);
 
 } // namespace tl::tasks

@@ -23,6 +23,7 @@ inline constexpr char WhenDue[] = "when due";
 inline constexpr char WhenDone[] = "when done";
 
 inline constexpr char AllTaskLists[] = "allTaskLists";
+inline constexpr char TasklistCollectDate[] = "tasklistCollectDate";
 inline constexpr char RebuildingAllTasklistsFlag[] = "rebuildingAllTasklistsFlag";
 inline constexpr char DueTasksLookAhead[] = "dueTasksLookAhead";
 

@@ -1,5 +1,6 @@
 #include "tasks/task_lists.h"
 
+#include "foundation/clock.h"
 #include "foundation/compare.h"
 #include "foundation/path_string.h"
 #include "platform/settings.h"
@@ -7,8 +8,10 @@
 #include "store/item_path.h"
 #include "store/keys.h"
 #include "store/library_root.h"
+#include "store/log.h"
 #include "tasks/task_details.h"
 #include "tasks/task_keys.h"
+#include "tasks/task_list.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -124,6 +127,25 @@ QStringList tl_listOfTasklists()
     platform::settings().set(QLatin1String(keys::AllTaskLists),
                              entries.isEmpty() ? QVariant() : QVariant(entries));
     return books;
+}
+
+void updateListOfTasklists()
+{
+    platform::Settings &settings = platform::settings();
+    const QString collected = QLatin1String(keys::TasklistCollectDate);
+    const QVariant last = settings.object(collected);
+    const QDateTime now = clock().now();
+    if (last.typeId() == QMetaType::QDateTime && last.toDateTime().msecsTo(now) < 2000 &&
+        last.toDateTime() <= now) {
+        logLine(QStringLiteral("skip collecting task lists"));
+        return;
+    }
+    settings.set(QLatin1String(keys::RebuildingAllTasklistsFlag), true);
+    const QStringList books = tl_listOfTasklists();
+    settings.remove(QLatin1String(keys::RebuildingAllTasklistsFlag));
+    for (const QString &book : books)
+        tl_correctTaskCountAtPath(book);
+    settings.set(collected, now);
 }
 
 QStringList allTaskListBooks()

@@ -12,6 +12,10 @@ namespace tl::tasks {
 // them in "allTaskLists" ("/" for the root, else "/" plus the relative
 // path) and answers their absolute paths.
 QStringList tl_listOfTasklists();
+// The regular collection: the walk, then a recount of every list found.
+// Skipped when the last one is less than 2 seconds old.
+void updateListOfTasklists();
+
 // The books of the task lists as absolute paths, the root once whether it
 // was stored as "" or "/"; a walk while a collection is being rebuilt.
 QStringList allTaskListBooks();
