@@ -9,6 +9,7 @@
 #include "store/properties.h"
 
 #include <QFileInfo>
+#include <QHash>
 #include <QSet>
 #include <QStringMatcher>
 
@@ -98,6 +99,10 @@ QString withUniqueIds(const QString &html)
     static const Regex id(QStringLiteral(R"re(<[^>]*? id="(.*?)")re"),
                           RegexOption::DotMatchesNewline);
     QSet<QString> seen;
+    // The suffix each id was last given: every smaller one was taken then,
+    // and ids are never given back, so the next search for a free suffix
+    // starts there.
+    QHash<QString, qulonglong> lastSuffix;
     // The editor runs from the last match to the first: the last element
     // keeps its id.
     return Regex::editMatches(html, elementsWithIds(html, id),
@@ -105,12 +110,11 @@ QString withUniqueIds(const QString &html)
                                   QString value = m.capturedString(text, 1);
                                   std::optional<QString> edited;
                                   if (!value.isEmpty() && seen.contains(value)) {
+                                      qulonglong &n = lastSuffix[value];
                                       QString candidate;
-                                      for (qulonglong n = 1;; ++n) {
-                                          candidate = value + QStringLiteral("-%1").arg(n);
-                                          if (!seen.contains(candidate))
-                                              break;
-                                      }
+                                      do {
+                                          candidate = value + QStringLiteral("-%1").arg(++n);
+                                      } while (seen.contains(candidate));
                                       value = candidate;
                                       edited = withGroupsReplaced(m, text, {{1, value}});
                                   }

@@ -1,5 +1,7 @@
 #include "convert/inline_notes.h"
 
+#include "foundation/literal_finder.h"
+
 #include <QMultiHash>
 #include <algorithm>
 #include <vector>
@@ -84,6 +86,34 @@ private:
 
 } // namespace
 
+QList<RegexMatch> matchesUpToBracket(const QString &text, const Regex &regex,
+                                     const QString &opening, bool refusedBeforeColon)
+{
+    const LiteralFinder openings(opening);
+    QList<RegexMatch> matches;
+    qsizetype close = -1;
+    for (qsizetype at = openings.indexIn(text); at >= 0;) {
+        if (close < at + 3)
+            close = text.indexOf(u']', at + 3);
+        if (close < 0)
+            break;
+        std::optional<RegexMatch> match;
+        if (!refusedBeforeColon || close + 1 >= text.size() || text[close + 1] != u':')
+            match = regex.matchAt(text, at);
+        if (match)
+            matches.append(*match);
+        at = openings.indexIn(text, match ? match->end() : at + 1);
+    }
+    return matches;
+}
+
+QList<RegexMatch> noteMatches(const QString &text)
+{
+    static const Regex note(QStringLiteral(R"(\[\^ ?[^\]]+?\](?!:))"),
+                            RegexOption::DotMatchesNewline);
+    return matchesUpToBracket(text, note, QStringLiteral("[^"), true);
+}
+
 QString labelOfNote(QStringView note)
 {
     QString label = note.toString();
@@ -125,9 +155,7 @@ QList<RegexMatch> codeOfNotes(const QString &text)
 
 QString notesMovedToDefinitions(const QString &text, LazyCodeRanges &code)
 {
-    static const Regex note(QStringLiteral(R"(\[\^ ?[^\]]+?\](?!:))"),
-                            RegexOption::DotMatchesNewline);
-    const QList<RegexMatch> notes = note.allMatches(text);
+    const QList<RegexMatch> notes = noteMatches(text);
     if (notes.isEmpty())
         return text;
 

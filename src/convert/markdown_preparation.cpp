@@ -4,6 +4,7 @@
 #include "convert/convert_keys.h"
 #include "convert/inline_notes.h"
 #include "convert/match_edits.h"
+#include "foundation/literal_finder.h"
 #include "platform/settings.h"
 #include "store/item_path.h"
 
@@ -18,52 +19,142 @@ bool setting(const char *key)
 
 // Steps 4 to 7: each match outside code gets its replacement; the code
 // ranges are those of the whole pass.
-QString replacedOutsideCode(const QString &text, const Regex &regex, LazyCodeRanges &code,
+QString replacedOutsideCode(const QString &text, const QList<RegexMatch> &matches,
+                            LazyCodeRanges &code,
                             const std::function<QString(const RegexMatch &)> &replacement)
 {
-    return regex.replaceMatches(
-        text, [&](const RegexMatch &match, QStringView) -> std::optional<QString> {
-            if (code.contains(text, match))
-                return std::nullopt;
-            return replacement(match);
-        });
+    return Regex::editMatches(text, matches,
+                              [&](const RegexMatch &match, QStringView) -> std::optional<QString> {
+                                  if (code.contains(text, match))
+                                      return std::nullopt;
+                                  return replacement(match);
+                              });
 }
+
+} // namespace
+
+QList<RegexMatch> caretNoteMatches(const QString &text)
+{
+    static const Regex caretNote(QStringLiteral(R"((\^\[).+?\])"), RegexOption::DotMatchesNewline);
+    return matchesUpToBracket(text, caretNote, QStringLiteral("^["), false);
+}
+
+QList<RegexMatch> highlightMatches(const QString &text)
+{
+    static const Regex highlight(QStringLiteral(R"((?<![\w{])(==([^\n]+?)==)\W)"),
+                                 RegexOption::DotMatchesNewline);
+    // A closing: "==" with a character that is no word character behind.
+    static const Regex closing(QStringLiteral(R"(==\W)"));
+    static const LiteralFinder opening(QStringLiteral("=="));
+    // An attempt that finds no closing on its line reads to the line's end,
+    // so the "==" of a long line without one would each read the rest of
+    // the line. ICU is asked only where the first closing at least one
+    // character on comes before the line ends; both are found once for all
+    // the places before them.
+    QList<RegexMatch> matches;
+    qsizetype close = -1;
+    qsizetype lineEnd = -1;
+    for (qsizetype at = opening.indexIn(text); at >= 0;) {
+        if (close < at + 3) {
+            const std::optional<RegexMatch> found = closing.match(text, at + 3);
+            if (!found)
+                break;
+            close = found->start();
+        }
+        if (lineEnd < at + 2) {
+            lineEnd = text.indexOf(u'\n', at + 2);
+            if (lineEnd < 0)
+                lineEnd = text.size();
+        }
+        if (lineEnd < close) {
+            at = opening.indexIn(text, lineEnd + 1);
+            continue;
+        }
+        const std::optional<RegexMatch> match = highlight.matchAt(text, at);
+        if (match)
+            matches.append(*match);
+        at = opening.indexIn(text, match ? match->end() : at + 1);
+    }
+    return matches;
+}
+
+namespace {
 
 QString withCommonExtensions(QString text, LazyCodeRanges &code)
 {
-    static const Regex caretNote(QStringLiteral(R"((\^\[).+?\])"), RegexOption::DotMatchesNewline);
-    static const Regex highlight(QStringLiteral(R"((?<![\w{])(==([^\n]+?)==)\W)"),
-                                 RegexOption::DotMatchesNewline);
     static const Regex tagNote(QStringLiteral(R"re(<<fnote "([^"]+?)">>)re"),
                                RegexOption::DotMatchesNewline);
     static const Regex pageBreak(QStringLiteral(R"(^\{\{pagebreak\}\}\s*$)"),
                                  RegexOption::CaseInsensitive | RegexOption::AnchorsMatchLines);
 
-    text = replacedOutsideCode(text, caretNote, code, [&](const RegexMatch &m) {
+    text = replacedOutsideCode(text, caretNoteMatches(text), code, [&](const RegexMatch &m) {
         return withGroupsReplaced(m, text, {{1, QStringLiteral("[^ ")}});
     });
-    text = replacedOutsideCode(text, highlight, code, [&](const RegexMatch &m) {
+    text = replacedOutsideCode(text, highlightMatches(text), code, [&](const RegexMatch &m) {
         return withGroupsReplaced(
             m, text, {{1, QStringLiteral("<mark>%1</mark>").arg(m.captured(text, 2))}});
     });
-    text = replacedOutsideCode(text, tagNote, code, [&](const RegexMatch &m) {
+    text = replacedOutsideCode(text, tagNote.allMatches(text), code, [&](const RegexMatch &m) {
         return QStringLiteral("[^ %1]").arg(m.captured(text, 1));
     });
-    text = replacedOutsideCode(text, pageBreak, code,
+    text = replacedOutsideCode(text, pageBreak.allMatches(text), code,
                                [](const RegexMatch &) { return QStringLiteral(">%pagebreak%\n"); });
     return text;
 }
 
-QString preparedForMultiMarkdown(QString text)
+} // namespace
+
+// The matches of "\[[^\]]*\]\((.*?)\)". Every "[" before a "]" meets that
+// same "]", and the attempt fails there unless "(" follows and a ")" comes
+// before the line ends; ICU, which would read that far for each "[", is
+// asked only where both are so.
+QList<RegexMatch> linkTargetMatches(const QString &text)
 {
     static const Regex linkTarget(QStringLiteral(R"(\[[^\]]*\]\((.*?)\))"));
+    QList<RegexMatch> matches;
+    qsizetype close = -1;
+    qsizetype paren = -1;
+    qsizetype lineEnd = -1;
+    for (qsizetype at = text.indexOf(u'['); at >= 0;) {
+        if (close < at)
+            close = text.indexOf(u']', at);
+        if (close < 0)
+            break;
+        const qsizetype target = close + 2;
+        bool possible = target <= text.size() && text[close + 1] == u'(';
+        if (possible) {
+            if (paren < target) {
+                paren = text.indexOf(u')', target);
+                if (paren < 0)
+                    paren = text.size();
+            }
+            if (lineEnd < target) {
+                for (lineEnd = target; lineEnd < text.size() && !Regex::isLineEnd(text[lineEnd]);)
+                    ++lineEnd;
+            }
+            possible = paren >= 0 && paren < lineEnd;
+        }
+        const std::optional<RegexMatch> match =
+            possible ? linkTarget.matchAt(text, at) : std::nullopt;
+        if (match)
+            matches.append(*match);
+        at = text.indexOf(u'[', match ? match->end() : close + 1);
+    }
+    return matches;
+}
+
+namespace {
+
+QString preparedForMultiMarkdown(QString text)
+{
     static const Regex openContentsRange(QStringLiteral(R"(^\s*\{\{TOC:(.{1,3})\}\}.*?$)"),
                                          RegexOption::AnchorsMatchLines);
 
     // A linked image on the line after some text starts a paragraph.
     text.replace(QStringLiteral("\n[![]"), QStringLiteral("\n\n[![]"));
-    text = linkTarget.replaceMatches(
-        text, [&](const RegexMatch &m, QStringView) -> std::optional<QString> {
+    text = Regex::editMatches(
+        text, linkTargetMatches(text),
+        [&](const RegexMatch &m, QStringView) -> std::optional<QString> {
             if (m.length() == 0)
                 return std::nullopt;
             return withGroupsReplaced(

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "foundation/regex.h"
+
+#include <QList>
 #include <QString>
 
 // The one text-to-text pass every Markdown text takes before a converter:
@@ -24,5 +27,15 @@ QString tl_stringByRemovingComments(const QString &text);
 QString tl_makeEveryNewlineaLinebreak(const QString &text);
 // [[target|title]] becomes [title](target).
 QString tl_makeWikiLinksMarkdownLinks(const QString &text);
+// The matches of the wiki-link expression, as ICU's search walks them, in
+// time linear in the text.
+QList<RegexMatch> wikiLinkMatches(const QString &text);
+// The same for the highlight expression, "==text==", and for the caret
+// form of inline notes, "^[text]".
+QList<RegexMatch> highlightMatches(const QString &text);
+QList<RegexMatch> caretNoteMatches(const QString &text);
+// The same for link targets, "[text](target)", which MultiMarkdown's
+// preparation escapes.
+QList<RegexMatch> linkTargetMatches(const QString &text);
 
 } // namespace tl::convert

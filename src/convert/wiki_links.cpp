@@ -1,6 +1,7 @@
 #include "convert/code_ranges.h"
 #include "convert/markdown_preparation.h"
 #include "convert/match_edits.h"
+#include "foundation/literal_finder.h"
 #include "foundation/path_string.h"
 #include "store/item_path.h"
 
@@ -40,15 +41,88 @@ QString markdownLinkForWikiLink(const QString &inner)
     return QStringLiteral("[%1](%2)").arg(title, target);
 }
 
+// Whether a backquote follows a place on its line, as "(?!.*`)" asks:
+// "." stops at every line end ICU knows. One look along a line answers
+// every place in it after the first asked.
+class LineBackquotes
+{
+public:
+    explicit LineBackquotes(QStringView text) : text_(text) {}
+
+    bool backquoteFollows(qsizetype at)
+    {
+        if (at < from_ || at > lineEnd_) {
+            from_ = at;
+            lastBackquote_ = -1;
+            for (lineEnd_ = at; lineEnd_ < text_.size() && !Regex::isLineEnd(text_[lineEnd_]);
+                 ++lineEnd_) {
+                if (text_[lineEnd_] == u'`')
+                    lastBackquote_ = lineEnd_;
+            }
+        }
+        return lastBackquote_ >= at;
+    }
+
+private:
+    QStringView text_;
+    qsizetype from_ = 0;
+    qsizetype lineEnd_ = -1;
+    qsizetype lastBackquote_ = -1;
+};
+
+// The end of the next longer link from the link that ends at `end`: its
+// text may take in "]" but neither "[" nor a newline. -1 when there is none.
+qsizetype nextClosing(QStringView text, qsizetype end)
+{
+    for (qsizetype next = end + 1; next <= text.size(); ++next) {
+        const QChar added = text[next - 3];
+        if (added == u'[' || added == u'\n')
+            return -1;
+        if (text[next - 2] == u']' && text[next - 1] == u']')
+            return next;
+    }
+    return -1;
+}
+
 } // namespace
+
+QList<RegexMatch> wikiLinkMatches(const QString &text)
+{
+    // The expression is "(?<![`.*|\\])(\[\[([^\[\n]+?)\]\])(?!.*`)". Its look-ahead,
+    // no backquote further on the line, would read the rest of the line for
+    // every link in it; ICU matches the rest, and the look-ahead is
+    // answered from one look along each line.
+    static const Regex link(QStringLiteral(R"((?<![`.*|\\])(\[\[([^\[\n]+?)\]\]))"),
+                            RegexOption::AnchorsMatchLines);
+    static const LiteralFinder opening(QStringLiteral("[["));
+    LineBackquotes lines(text);
+    QList<RegexMatch> matches;
+    qsizetype at = opening.indexIn(text);
+    while (at >= 0) {
+        std::optional<RegexMatch> match = link.matchAt(text, at);
+        qsizetype end = match ? match->end() : -1;
+        // A failed look-ahead lets the lazy run take in the "]]" and go on
+        // to the next one.
+        while (end >= 0 && lines.backquoteFollows(end))
+            end = nextClosing(text, end);
+        if (end < 0) {
+            at = opening.indexIn(text, at + 1);
+            continue;
+        }
+        match->groups[0] = match->groups[1] = {at, end - at};
+        match->groups[2] = {at + 2, end - at - 4};
+        matches.append(*match);
+        at = opening.indexIn(text, end);
+    }
+    return matches;
+}
 
 QString tl_makeWikiLinksMarkdownLinks(const QString &text)
 {
-    static const Regex wikiLink(QStringLiteral(R"((?<![`.*|\\])(\[\[([^\[\n]+?)\]\])(?!.*`))"),
-                                RegexOption::AnchorsMatchLines);
     LazyCodeRanges code;
-    return wikiLink.replaceMatches(
-        text, [&](const RegexMatch &match, QStringView) -> std::optional<QString> {
+    return Regex::editMatches(
+        text, wikiLinkMatches(text),
+        [&](const RegexMatch &match, QStringView) -> std::optional<QString> {
             if (code.contains(text, match))
                 return std::nullopt;
             return withGroupsReplaced(

@@ -130,6 +130,12 @@ public:
     QString replaceWhileMatching(const QString &text, const MatchReplacer &replacer) const;
     static qsizetype maxReplaceRounds(qsizetype textLength);
 
+    // Whether "." stops at the character: ICU's line ends.
+    static bool isLineEnd(QChar c)
+    {
+        return (c >= u'\n' && c <= u'\r') || c == u'\u0085' || c == u'\u2028' || c == u'\u2029';
+    }
+
     // A pattern matching `literal` exactly, and a template producing it.
     static QString escapePattern(const QString &literal);
     static QString escapeTemplate(const QString &literal);

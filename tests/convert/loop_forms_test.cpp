@@ -3,6 +3,7 @@
 // loops on generated input and compare.
 #include "convert/code_ranges.h"
 #include "convert/html_postprocessing.h"
+#include "convert/inline_notes.h"
 #include "convert/markdown_preparation.h"
 #include "convert_test_support.h"
 #include "foundation/regex.h"
@@ -99,6 +100,43 @@ TEST(LoopForms, CodeRangesAreTheMatchesOfBothExpressions)
             ASSERT_EQ(ranges[i].end(), expected[i].end()) << text;
             ASSERT_EQ(ranges[i].groupStart(1), expected[i].groupStart(1)) << text;
         }
+    }
+}
+
+void expectSameMatches(const QList<RegexMatch> &found, const QList<RegexMatch> &expected,
+                       const QString &text)
+{
+    ASSERT_EQ(found.size(), expected.size()) << text.toStdString();
+    for (qsizetype i = 0; i < found.size(); ++i) {
+        for (int g = 0; g <= expected[i].groupCount(); ++g) {
+            ASSERT_EQ(found[i].groupStart(g), expected[i].groupStart(g)) << text.toStdString();
+            ASSERT_EQ(found[i].groupEnd(g), expected[i].groupEnd(g)) << text.toStdString();
+        }
+    }
+}
+
+// The walks answer what ICU's search of the whole expression answers, also
+// around every line end "." stops at and where a closing follows a failed one.
+TEST(LoopForms, LinearWalksFindTheMatchesOfTheirExpressions)
+{
+    const Regex wikiLink(QStringLiteral(R"((?<![`.*|\\])(\[\[([^\[\n]+?)\]\])(?!.*`))"),
+                         RegexOption::AnchorsMatchLines);
+    const Regex highlight(QStringLiteral(R"((?<![\w{])(==([^\n]+?)==)\W)"),
+                          RegexOption::DotMatchesNewline);
+    const Regex caretNote(QStringLiteral(R"((\^\[).+?\])"), RegexOption::DotMatchesNewline);
+    const Regex note(QStringLiteral(R"(\[\^ ?[^\]]+?\](?!:))"), RegexOption::DotMatchesNewline);
+    const Regex linkTarget(QStringLiteral(R"(\[[^\]]*\]\((.*?)\))"));
+    const QStringList pieces = {
+        "[[", "]]", "]", "[", "`",  "a",  " ",  ".",      "|",      "==", "=",  "{",    "^[", "[^",
+        "^",  ":",  "(", ")", "](", "\n", "\r", "\u2028", "\u0085", "\f", "\v", "\r\n", "é",  "😀"};
+    QRandomGenerator random(13);
+    for (int round = 0; round < 3000; ++round) {
+        const QString text = randomPiece(random, pieces, int(random.bounded(1, 30)));
+        expectSameMatches(tl::convert::wikiLinkMatches(text), wikiLink.allMatches(text), text);
+        expectSameMatches(tl::convert::highlightMatches(text), highlight.allMatches(text), text);
+        expectSameMatches(tl::convert::caretNoteMatches(text), caretNote.allMatches(text), text);
+        expectSameMatches(tl::convert::noteMatches(text), note.allMatches(text), text);
+        expectSameMatches(tl::convert::linkTargetMatches(text), linkTarget.allMatches(text), text);
     }
 }
 
