@@ -430,19 +430,24 @@ private:
         }
     }
 
-    // Text as it stands in a paragraph: escaped, and index marks kept whole for the document's
-    // index rewrite.
-    static QString text(const QString &closed)
+    // Text as it stands in a paragraph: escaped; index marks kept whole for
+    // the document's index rewrite; formulas, which the converter keeps
+    // between "$$", "\(" or "\[", as they are.
+    static QString text(const QString &raw)
     {
-        static const Regex indexMark(QStringLiteral("\\[>>([^\\]].+?)\\]"));
+        static const Regex kept(
+            QStringLiteral(
+                "\\[>>([^\\]].+?)\\]|\\$\\$.+?\\$\\$|\\\\\\(.+?\\\\\\)|\\\\\\[.+?\\\\\\]"),
+            RegexOption::DotMatchesNewline);
         QString out;
         qsizetype at = 0;
-        for (const RegexMatch &m : indexMark.allMatches(closed)) {
-            out += latexEscaped(QStringView(closed).sliced(at, m.start() - at));
-            out += QStringLiteral("{[>>%1]}").arg(latexEscaped(m.captured(closed, 1)));
+        for (const RegexMatch &m : kept.allMatches(raw)) {
+            out += latexEscaped(QStringView(raw).sliced(at, m.start() - at));
+            out += m.hasGroup(1) ? QStringLiteral("{[>>%1]}").arg(latexEscaped(m.captured(raw, 1)))
+                                 : m.capturedString(raw);
             at = m.end();
         }
-        return out + latexEscaped(QStringView(closed).sliced(at));
+        return out + latexEscaped(QStringView(raw).sliced(at));
     }
 
     QHash<QString, QString> m_notes;

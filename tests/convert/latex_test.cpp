@@ -141,7 +141,7 @@ TEST_F(Latex, ADocumentWithEveryConstructCompiles)
         "| Left | Center | Right |\n|:-----|:------:|------:|\n| a & b | c_d | 1 |\n\n"
         "![An image_1](picture.png)\n\nA note[^1] and ^[inline text] here [>>index entry].\n\n"
         "{{pagebreak}}\n\n- [ ] open task\n- [x] done task\n\n---\n\n#### Level four\n\n"
-        "Last line.\n\n[^1]: The footnote text.\n");
+        "Last line with $$E=mc^2$$ and \\\\(a_b\\\\).\n\n[^1]: The footnote text.\n");
     const QString tex = root_ + "/Every.tex";
     tltest::writeFile(tex, tl_markdownToLatex(path).toUtf8());
     QProcess run;

@@ -62,6 +62,8 @@ TEST_F(LatexWriter, EachConstructInItsLatexForm)
          "a\\footnote{Note\\_1}\n\n"},
         {"index mark kept for the index rewrite", "<p>x [&gt;&gt;a_b] y</p>",
          "x {[>>a\\_b]} y\n\n"},
+        {"formulas as they stand", "<p>$$E=mc^2$$, \\(a_b\\) and \\[x^2\\] cost $5</p>",
+         "$$E=mc^2$$, \\(a_b\\) and \\[x^2\\] cost \\$5\n\n"},
         {"page break", "<div class=\"pagebreak\"></div><p>--tlpagebreak--</p>",
          "\\newpage\n\n--tlpagebreak--\n\n"},
         {"rule", "<hr/>", "\\begin{center}\\rule{3in}{0.4pt}\\end{center}\n\n"},

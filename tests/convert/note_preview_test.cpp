@@ -35,8 +35,8 @@ QByteArray pdfOfPages(const QList<QByteArray> &lines)
                        "\nendstream";
         kids += QByteArray::number(page) + " 0 R ";
     }
-    objects[1] = "<< /Type /Pages /Kids [" + kids + "] /Count " +
-                 QByteArray::number(lines.size()) + " >>";
+    objects[1] =
+        "<< /Type /Pages /Kids [" + kids + "] /Count " + QByteArray::number(lines.size()) + " >>";
     QByteArray pdf = "%PDF-1.4\n";
     QList<qsizetype> offsets;
     for (qsizetype i = 0; i < objects.size(); ++i) {
