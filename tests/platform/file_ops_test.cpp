@@ -225,16 +225,19 @@ TEST(FileOps, CopyKeepsEverything)
     EXPECT_EQ(describeTree(source), before);
 }
 
-TEST(FileOps, CopyRefusesAnExistingDestination)
+TEST(FileOps, CopyAndMoveRefuseAnExistingDestinationOrAMissingSource)
 {
-    const QString folder = freshFolder("copy-exists");
-    writeFile(folder + "/A.txt", "a");
-    writeFile(folder + "/B.txt", "b");
-    EXPECT_FALSE(copyItem(folder + "/A.txt", folder + "/B.txt"));
-    EXPECT_EQ(readFile(folder + "/B.txt"), "b");
-    EXPECT_FALSE(copyItem(folder, folder + "/Inside"));
-    EXPECT_FALSE(QFileInfo::exists(folder + "/Inside"));
-    EXPECT_FALSE(copyItem(folder + "/Missing", folder + "/C.txt"));
+    for (const auto operation : {copyItem, moveItem}) {
+        const QString folder = freshFolder("refuse");
+        writeFile(folder + "/A.txt", "a");
+        writeFile(folder + "/B.txt", "b");
+        EXPECT_FALSE(operation(folder + "/A.txt", folder + "/B.txt"));
+        EXPECT_EQ(readFile(folder + "/A.txt"), "a");
+        EXPECT_EQ(readFile(folder + "/B.txt"), "b");
+        EXPECT_FALSE(operation(folder, folder + "/Inside"));
+        EXPECT_FALSE(QFileInfo::exists(folder + "/Inside"));
+        EXPECT_FALSE(operation(folder + "/Missing", folder + "/C.txt"));
+    }
 }
 
 TEST(FileOps, FailedCopyLeavesNoPartialCopy)
@@ -262,17 +265,6 @@ TEST(FileOps, MoveWithinADevice)
     ASSERT_TRUE(moveItem(folder + "/Book", folder + "/Renamed"));
     EXPECT_FALSE(QFileInfo::exists(folder + "/Book"));
     EXPECT_EQ(describeTree(folder + "/Renamed"), before);
-}
-
-TEST(FileOps, MoveRefusesAnExistingDestination)
-{
-    const QString folder = freshFolder("move-exists");
-    writeFile(folder + "/A.txt", "a");
-    writeFile(folder + "/B.txt", "b");
-    EXPECT_FALSE(moveItem(folder + "/A.txt", folder + "/B.txt"));
-    EXPECT_EQ(readFile(folder + "/A.txt"), "a");
-    EXPECT_EQ(readFile(folder + "/B.txt"), "b");
-    EXPECT_FALSE(moveItem(folder + "/Missing", folder + "/C.txt"));
 }
 
 TEST(FileOps, MoveAcrossDevicesCopiesThenRemoves)
