@@ -213,6 +213,9 @@ QString tl_markdownWithPandoc(const QString &markdown, bool withTitleBlock, bool
         }
         document = discount::Document::read(input.get(), flags);
     }
+    // When the library makes nothing of the text, the text goes on as it
+    // is, as it does for a converter that names no library; when a work
+    // file fails, the body is empty.
     if (!document)
         return markdown;
 
@@ -226,7 +229,8 @@ QString tl_markdownWithPandoc(const QString &markdown, bool withTitleBlock, bool
                 return multiMarkdownCompatibleAnchor(QString::fromUtf8(heading)).toUtf8();
             });
         }
-        document->compile();
+        if (!document->compile())
+            return markdown;
         if (withTitleBlock && !document->title().isEmpty())
             write(output.get(), titleBlock(*document));
         QString list = QString::fromUtf8(document->contents());
@@ -235,9 +239,10 @@ QString tl_markdownWithPandoc(const QString &markdown, bool withTitleBlock, bool
         if (withContents && !list.isEmpty() && !markdown.contains(QStringLiteral("<TOC>")) &&
             !markdown.contains(QStringLiteral("{{TOC")))
             write(output.get(), contentsBlock(list));
-        document->writeHTML(output.get());
+        const bool written = document->writeHTML(output.get());
         document.reset();
-        output.reset();
+        if (!written || std::fclose(output.release()) != 0)
+            return QString();
 
         const std::optional<QByteArray> bytes = platform::readFile(files.html);
         if (!bytes)

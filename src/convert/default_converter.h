@@ -7,8 +7,9 @@ namespace tl::convert {
 // The default converter (Discount) on a prepared Markdown text: the HTML
 // body, with the "%" title block above it when `titleBlock` is set and the
 // contents list above it when `contents` is set and the text has no
-// contents marker of its own. Empty when a work file can't be written or
-// read.
+// contents marker of its own. One rule for failures: empty when a work file
+// can't be written or read, the Markdown itself when the library makes
+// nothing of it.
 QString tl_markdownWithPandoc(const QString &markdown, bool titleBlock, bool contents);
 
 // The id the library gives a heading when ids must look like

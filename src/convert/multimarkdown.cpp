@@ -110,7 +110,8 @@ QString htmlOfSource(const QString &source)
     document->setAnchorMaker([](QByteArrayView heading) {
         return multiMarkdownCompatibleAnchor(QString::fromUtf8(heading)).toUtf8();
     });
-    document->compile();
+    if (!document->compile())
+        return QString();
     const QString list =
         contentsListWithAnchorBracketsRemoved(QString::fromUtf8(document->contents()));
     QString html = inMultiMarkdownShapes(QString::fromUtf8(document->html()));
@@ -152,11 +153,11 @@ QString withFixUps(const QString &html)
 QString tl_multiMarkdownWithPath(const QString &markdown, const QString &path)
 {
     const QString folder = path.isEmpty() ? QString() : path::deletingLastComponent(path);
-    QString source = mmd_prepend_mmd_header(markdown, folder);
-    source = mmd_append_mmd_header(source, folder);
-    source = mmd_transclude_source(source, folder, path, MultiMarkdownFormat::HTML);
+    QString source = withMetadataHeader(markdown, folder);
+    source = withMetadataFooter(source, folder);
+    source = withTranscludedFiles(source, folder, path, MultiMarkdownFormat::HTML);
     if (platform::settings().integer(QLatin1String(keys::ShowCriticMarkup)) == 0)
-        source = mmd_critic_markup_accept(source);
+        source = criticMarkupAccepted(source);
     else
         source = criticMarkupAsHTML(source);
     // The metadata block is no part of an HTML body.

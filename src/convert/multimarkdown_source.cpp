@@ -102,7 +102,7 @@ MultiMarkdownMetadata multiMarkdownMetadata(const QString &text)
     return metadata;
 }
 
-QString mmd_prepend_mmd_header(const QString &text, const QString &folder)
+QString withMetadataHeader(const QString &text, const QString &folder)
 {
     const QString header = headerOrFooterFile(text, folder, "MMD Header");
     if (header.isEmpty())
@@ -111,14 +111,14 @@ QString mmd_prepend_mmd_header(const QString &text, const QString &folder)
     return text.left(bodyStart) + header + QStringLiteral("\n\n") + text.mid(bodyStart);
 }
 
-QString mmd_append_mmd_header(const QString &text, const QString &folder)
+QString withMetadataFooter(const QString &text, const QString &folder)
 {
     const QString footer = headerOrFooterFile(text, folder, "MMD Footer");
     return footer.isEmpty() ? text : text + QStringLiteral("\n\n") + footer;
 }
 
-QString mmd_transclude_source(const QString &text, const QString &folder, const QString &sourcePath,
-                              MultiMarkdownFormat format)
+QString withTranscludedFiles(const QString &text, const QString &folder, const QString &sourcePath,
+                             MultiMarkdownFormat format)
 {
     QStringList open;
     if (!sourcePath.isEmpty())
@@ -126,7 +126,7 @@ QString mmd_transclude_source(const QString &text, const QString &folder, const 
     return transcluded(text, folder, format, open);
 }
 
-QString mmd_critic_markup_accept(const QString &text)
+QString criticMarkupAccepted(const QString &text)
 {
     static const RegexRule rules[] = {
         {Regex(QStringLiteral(R"(\{\+\+(.*?)\+\+\})"), RegexOption::DotMatchesNewline),

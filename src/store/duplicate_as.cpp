@@ -216,7 +216,7 @@ QString tl_duplicateItemAsFormattedDocument(const QString &path)
     if (isHtml(path))
         return tl_duplicateItemAtPath(path);
     if (kindOf(path) != Kind::Other)
-        return writeFormattedDuplicate(path, tl_markdownToHTML(textOf(path), path));
+        return writeFormattedDuplicate(path, markdownToHTMLForDocument(textOf(path), path));
     if (extension == u"opml")
         return writeFormattedDuplicate(path, tl_OPMLToHTML(textOf(path)));
     if (extension == u"webarchive")
@@ -261,7 +261,7 @@ QString tl_duplicateItemAs(const QString &path, const QString &requested)
     QString source = path;
     QString rendered;
     if (markdown) {
-        const QString html = tl_markdownToHTML(textOf(path), path);
+        const QString html = markdownToHTMLForDocument(textOf(path), path);
         rendered =
             tl_uniqueNameForFileatPath(QStringLiteral(".%1.html").arg(path::lastComponent(path)),
                                        path::deletingLastComponent(path));

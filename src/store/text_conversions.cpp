@@ -16,7 +16,7 @@ TextConversions &textConversions()
     return conversions;
 }
 
-QString tl_markdownToHTML(const QString &markdown, const QString &path)
+QString markdownToHTMLForDocument(const QString &markdown, const QString &path)
 {
     return runConversion(textConversions().markdownToHTML, markdown, path);
 }

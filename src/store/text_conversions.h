@@ -31,7 +31,10 @@ struct TextConversions
 // The process's registered conversions.
 TextConversions &textConversions();
 
-QString tl_markdownToHTML(const QString &markdown, const QString &path);
+// The registered conversion of the Markdown text of the document at a path
+// (convert's markdownToHTMLForDocument); convert's tl_markdownToHTML is the
+// one that takes a path or a text alone.
+QString markdownToHTMLForDocument(const QString &markdown, const QString &path);
 QString tl_markdownToLatex(const QString &markdown, const QString &path);
 QString tl_markdownifyHTML(const QString &html);
 QString tl_htmlToPlainText(const QString &html);
