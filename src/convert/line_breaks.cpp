@@ -36,7 +36,13 @@ QString tl_makeEveryNewlineaLinebreak(const QString &text)
     QString result;
     result.reserve(unified.size() + unified.size() / 8);
     bool inFence = false;
-    for (QStringView line : QStringView(unified).split(u'\n')) {
+    // Line by line, as a split at "\n" gives them, the last piece too.
+    for (qsizetype start = 0; start <= unified.size();) {
+        qsizetype end = unified.indexOf(u'\n', start);
+        if (end < 0)
+            end = unified.size();
+        const QStringView line = QStringView(unified).sliced(start, end - start);
+        start = end + 1;
         bool hard;
         if (line.startsWith(u"```") || line.startsWith(u"~~~")) {
             inFence = !inFence;
@@ -49,7 +55,7 @@ QString tl_makeEveryNewlineaLinebreak(const QString &text)
             hard = !(inFence || line.isEmpty());
         }
         result.append(line);
-        result.append(hard ? QStringLiteral("  \n") : QStringLiteral("\n"));
+        result.append(hard ? QStringView(u"  \n") : QStringView(u"\n"));
     }
     return result;
 }
