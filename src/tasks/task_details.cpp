@@ -4,23 +4,59 @@
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
 #include "foundation/path_string.h"
+#include "foundation/plist.h"
 #include "store/keys.h"
 #include "store/plist_file.h"
-#include "store/task_records.h"
 #include "tasks/task_keys.h"
 
-#include <QFileInfo>
+#include <QFile>
+#include <QXmlStreamReader>
 #include <limits>
 
 namespace tl::tasks {
+
+namespace {
+
+// The keys of the top-level dictionary of an XML property list, in the
+// order written; empty for the binary form, whose order is not kept.
+QStringList topLevelKeys(const QByteArray &bytes)
+{
+    QStringList keys;
+    QXmlStreamReader xml(bytes);
+    int depth = 0;
+    while (!xml.atEnd()) {
+        const QXmlStreamReader::TokenType token = xml.readNext();
+        if (token == QXmlStreamReader::StartElement) {
+            ++depth;
+            // plist, dict, key: a key of the top dictionary stands at depth 3.
+            if (depth == 3 && xml.name() == u"key") {
+                keys << xml.readElementText();
+                --depth;
+            }
+        } else if (token == QXmlStreamReader::EndElement) {
+            --depth;
+        }
+    }
+    return keys;
+}
+
+} // namespace
 
 TaskDetails TaskDetails::ofBook(const QString &book)
 {
     TaskDetails details;
     details.book = book;
-    details.exists = QFileInfo::exists(details.plistPath());
-    if (details.exists)
-        details.map = store::readPlistDictionary(details.plistPath());
+    QFile file(details.plistPath());
+    details.exists = file.exists();
+    if (!details.exists || !file.open(QIODevice::ReadOnly))
+        return details;
+    const QByteArray bytes = file.readAll();
+    details.map = plist::parse(bytes).value_or(QVariant()).toMap();
+    for (const QString &key : topLevelKeys(bytes))
+        if (details.map.contains(key) && !details.keyOrder.contains(key))
+            details.keyOrder << key;
+    if (details.keyOrder.size() != details.map.size())
+        details.keyOrder = details.map.keys();
     return details;
 }
 
@@ -36,7 +72,12 @@ QString TaskDetails::plistPath() const
 
 std::optional<QString> TaskDetails::keyFor(const QString &itemPath) const
 {
-    return store::taskRecordKeyForName(map, path::lastComponent(itemPath));
+    const QString name = path::lastComponent(itemPath);
+    const QStringList &keys = keyOrder.size() == map.size() ? keyOrder : map.keys();
+    for (const QString &key : keys)
+        if (key == name || localizedCompare(key, name) == 0)
+            return key;
+    return std::nullopt;
 }
 
 QStringList TaskDetails::recordKeys() const

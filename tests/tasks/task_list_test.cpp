@@ -99,6 +99,24 @@ TEST_F(TaskListTest, ARecordIsFoundUnderItsDecomposedName)
     EXPECT_FALSE(details().contains(composed));
 }
 
+TEST_F(TaskListTest, AmongEquivalentKeysTheFirstInTheFileWins)
+{
+    const QString composed = QString::fromUtf8("Caf\u00e9.md");
+    const QString decomposed = QString::fromUtf8("Cafe\u0301.md");
+    // Written by another program: the composed key first.
+    ASSERT_TRUE(tltest::writeFile(
+        plist(), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
+                 "<key>" +
+                     composed.toUtf8() +
+                     "</key><dict><key>State</key><string>done</string></dict>"
+                     "<key>" +
+                     decomposed.toUtf8() + "</key><dict/></dict></plist>\n"));
+    const QString doc = task(decomposed);
+    EXPECT_EQ(tl_toggleTask(doc), "task-canceled");
+    EXPECT_EQ(record(composed).value("State"), "canceled");
+    EXPECT_EQ(record(decomposed), QVariantMap());
+}
+
 TEST_F(TaskListTest, ExclusionDropsTheRecordAndReadmissionLeavesItEmpty)
 {
     const QString doc = task("Doc.md");
