@@ -10,6 +10,7 @@
 #include "tasks/task_keys.h"
 
 #include <QFile>
+#include <QHash>
 #include <QXmlStreamReader>
 #include <limits>
 
@@ -50,13 +51,8 @@ TaskDetails TaskDetails::ofBook(const QString &book)
     details.exists = file.exists();
     if (!details.exists || !file.open(QIODevice::ReadOnly))
         return details;
-    const QByteArray bytes = file.readAll();
-    details.map = plist::parse(bytes).value_or(QVariant()).toMap();
-    for (const QString &key : topLevelKeys(bytes))
-        if (details.map.contains(key) && !details.keyOrder.contains(key))
-            details.keyOrder << key;
-    if (details.keyOrder.size() != details.map.size())
-        details.keyOrder = details.map.keys();
+    details.bytes = file.readAll();
+    details.map = plist::parse(details.bytes).value_or(QVariant()).toMap();
     return details;
 }
 
@@ -73,7 +69,15 @@ QString TaskDetails::plistPath() const
 std::optional<QString> TaskDetails::keyFor(const QString &itemPath) const
 {
     const QString name = path::lastComponent(itemPath);
-    const QStringList &keys = keyOrder.size() == map.size() ? keyOrder : map.keys();
+    QStringList keys;
+    QHash<QString, bool> seen;
+    for (const QString &key : topLevelKeys(bytes))
+        if (map.contains(key) && !std::exchange(seen[key], true))
+            keys << key;
+    // Keys of the binary form, or of a file that changed under us, in the
+    // dictionary's own order.
+    if (keys.size() != map.size())
+        keys = map.keys();
     for (const QString &key : keys)
         if (key == name || localizedCompare(key, name) == 0)
             return key;

@@ -15,8 +15,8 @@ struct TaskDetails
     // Whether the book is a task list at all; without the file nothing is stored.
     bool exists = false;
     QVariantMap map;
-    // The record keys in the order the file lists them.
-    QStringList keyOrder;
+    // The file as read, for the order of its keys, which only lookups need.
+    QByteArray bytes;
 
     static TaskDetails ofBook(const QString &book);
     // The details of an item's parent book.
