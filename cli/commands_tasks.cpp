@@ -6,6 +6,7 @@
 #include "tasks/date_texts.h"
 #include "tasks/due_dates.h"
 #include "tasks/due_tasks.h"
+#include "tasks/repeats.h"
 #include "tasks/task_list.h"
 #include "tasks/task_lists.h"
 
@@ -156,7 +157,13 @@ const std::vector<Action> &actions()
         {"toggle", "PATH", T::Task,
          [](const QString &task, const QStringList &, const QCommandLineParser &, bool json) {
              tasks::tl_toggleTask(task);
-             printValue(stateOf(task), json);
+             const QString state = stateOf(task);
+             // The command ends before the delayed repeat would come round.
+             const QVariantMap record = tasks::tl_getAllTaskDetails(task).value_or(QVariantMap());
+             if (state == u"done" &&
+                 !record.value(QStringLiteral("RepeatType")).toString().isEmpty())
+                 tasks::tl_addRepeatingTask(task);
+             printValue(state, json);
              return int(Success);
          }},
         {"exclude", "PATH", T::Task,

@@ -66,6 +66,17 @@ TEST_F(TasksCommand, DueDatesAndRepeats)
     EXPECT_EQ(run({"tasks", "recount", library + "/Todo"}).out, "0\n");
 }
 
+TEST_F(TasksCommand, FinishingARepeatingTaskLeavesAFinishedCopy)
+{
+    ASSERT_EQ(run({"tasks", "enable", library + "/Todo"}).exitCode, 0);
+    ASSERT_EQ(run({"tasks", "due", todo("Milk.md"), "2001-02-03T04:05:00Z"}).exitCode, 0);
+    ASSERT_EQ(run({"tasks", "repeat", todo("Milk.md"), "when due", "day", "1"}).exitCode, 0);
+    EXPECT_EQ(run({"tasks", "toggle", todo("Milk.md")}).out, "started\n");
+    EXPECT_EQ(run({"tasks", "toggle", todo("Milk.md")}).out, "done\n");
+    EXPECT_EQ(run({"tasks", "show", todo("Milk.md")}).out.count("State"), 0);
+    EXPECT_EQ(QDir(library + "/Todo").entryList({"Milk - *.md"}).size(), 1);
+}
+
 TEST_F(TasksCommand, RefusesPathsOutsideTheLibraryInOneLine)
 {
     tltest::writeFile(home + "/Outside.md", "x");
