@@ -42,6 +42,12 @@ const std::vector<Command> &browserCommands();
 const std::vector<Command> &fountainCommands();
 const std::vector<Command> &tasksCommands();
 
+// No arguments, or only the launch gestures: the desktop program is wanted.
+bool startsDesktopProgram(int argc, char **argv);
+// Replaces this process with the desktop program beside the command; answers
+// only when that fails.
+int execDesktopProgram(int argc, char **argv);
+
 // Prints one line to standard error and answers the status.
 int fail(const QString &message, int status = Failure);
 void printLine(const QString &line);

@@ -31,7 +31,8 @@ std::vector<const Command *> allCommands()
 QString overview()
 {
     QString text = QStringLiteral(
-        "Usage: tavelle [--library DIR] [--json] COMMAND [ARGS...]\n\n"
+        "Usage: tavelle [--library DIR] [--json] COMMAND [ARGS...]\n"
+        "       tavelle [--choose-library] [--no-restore]   (the desktop program)\n\n"
         "Tavelle keeps documents, notes and tasks in an ordinary folder tree.\n"
         "Without --library the command works on the library chosen last with 'tavelle init'.\n\n"
         "Commands:\n");
@@ -74,6 +75,8 @@ int runCommand(const Command &command, const QStringList &arguments, bool json)
 
 int main(int argc, char **argv)
 {
+    if (startsDesktopProgram(argc, argv))
+        return execDesktopProgram(argc, argv);
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("tavelle"));
     QCoreApplication::setApplicationVersion(QString::fromLatin1(tl::shell::kShortVersion));
