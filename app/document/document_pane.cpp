@@ -1,0 +1,144 @@
+#include "document/document_pane.h"
+
+#include "document/formatted_view.h"
+#include "document/pdf_pane.h"
+#include "document/plain_text_view.h"
+#include "document/preview_pane.h"
+#include "foundation/events.h"
+#include "foundation/notification_center.h"
+#include "store/style_values.h"
+
+#include <QLabel>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+namespace tl::app {
+
+using browser::TLKSDocumentViewController;
+
+DocumentPane::DocumentPane(QWidget *parent)
+    : QWidget(parent), m_controller(new TLKSDocumentViewController(this)),
+      m_stack(new QStackedWidget(this)), m_empty(new QLabel(this)),
+      m_plain(new PlainTextView(this)), m_pdf(new PdfPane(this)), m_preview(new PreviewPane(this))
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_stack);
+    static_cast<QLabel *>(m_empty)->setAlignment(Qt::AlignCenter);
+    static_cast<QLabel *>(m_empty)->setText(QStringLiteral("No Document Selected"));
+    m_empty->setEnabled(false);
+    m_empty->setAutoFillBackground(true);
+    m_empty->setBackgroundRole(QPalette::Base);
+    for (QWidget *page : {m_empty, static_cast<QWidget *>(m_plain), static_cast<QWidget *>(m_pdf),
+                          static_cast<QWidget *>(m_preview)})
+        m_stack->addWidget(page);
+
+    TLKSDocumentViewController *c = m_controller;
+    connect(c, &TLKSDocumentViewController::documentShown, this,
+            &DocumentPane::showCurrentDocument);
+    connect(c, &TLKSDocumentViewController::formattedPageChanged, this,
+            &DocumentPane::showFormattedPage);
+    connect(c, &TLKSDocumentViewController::plainTextReplaced, this,
+            [this, c] { m_plain->showText(c->plainText, m_plain->textCursor().position()); });
+    connect(c, &TLKSDocumentViewController::pathChanged, this, &DocumentPane::stateChanged);
+    connect(c, &TLKSDocumentViewController::windowEditedChanged, this,
+            [this](bool edited) { window()->setWindowModified(edited); });
+    connect(c, &TLKSDocumentViewController::focusListRequested, this, [this] {
+        if (QWidget *list = window()->findChild<QWidget *>(QStringLiteral("documentList")))
+            list->setFocus();
+    });
+
+    connect(m_plain, &PlainTextView::editingWanted, this,
+            [c](bool *allowed) { *allowed = c->textShouldBeginEditing(); });
+    connect(m_plain, &PlainTextView::textEdited, this,
+            [c](const QString &text, bool before) { c->textDidChange(text, before); });
+    connect(m_plain, &PlainTextView::caretMoved, this,
+            [c](qint64 offset) { c->characterOffset = offset; });
+    connect(m_pdf, &PdfPane::pageChanged, this, [c](qint64 page) { c->currentPDFPage = page; });
+    c->startObserving();
+}
+
+DocumentPane::~DocumentPane() = default;
+
+FormattedView *DocumentPane::formattedView()
+{
+    if (m_formatted)
+        return m_formatted;
+    m_formatted = new FormattedView(this);
+    m_stack->addWidget(m_formatted);
+    TLKSDocumentViewController *c = m_controller;
+    connect(m_formatted, &FormattedView::libraryLinkActivated, this, [](const QString &path) {
+        NotificationCenter::defaultCenter().post(QLatin1String(events::ShowItemAtPath),
+                                                 {{QStringLiteral("path"), path}});
+    });
+    connect(m_formatted, &FormattedView::checkboxClicked, this,
+            [c](const QString &text, int occurrence) {
+                c->toggleMarkdownCheckboxForTask(text, occurrence);
+            });
+    connect(m_formatted, &FormattedView::editingBegins, this,
+            [c](const QString &html) { c->formattedShouldBeginEditing(html); });
+    connect(m_formatted, &FormattedView::edited, this,
+            [c](const QString &html) { c->formattedTextDidChange(html); });
+    connect(m_formatted, &FormattedView::doubleClicked, this,
+            [c](const QString &element, const QString &upTo) {
+                c->toggleFromFormattedClick(element, upTo);
+            });
+    connect(m_formatted, &FormattedView::frameUrlChanged, this,
+            [c](const QString &url) { c->setFormattedFrameURL(url); });
+    connect(m_formatted, &FormattedView::scrolled, this, [c](double y) { c->formattedOffset = y; });
+    return m_formatted;
+}
+
+void DocumentPane::showCurrentDocument()
+{
+    TLKSDocumentViewController *c = m_controller;
+    switch (c->viewThatIsVisible) {
+    case browser::PlainTextView: {
+        const store::FontChoice font =
+            store::tl_fontForPath(c->path.isEmpty() ? c->parentPath : c->path);
+        m_plain->setDocumentFont(
+            font.family, font.size,
+            store::tl_linespacingAtPath(c->path.isEmpty() ? c->parentPath : c->path));
+        m_plain->showText(c->plainText, c->characterOffset);
+        m_stack->setCurrentWidget(m_plain);
+        break;
+    }
+    case browser::FormattedView:
+        showFormattedPage();
+        m_stack->setCurrentWidget(formattedView());
+        break;
+    case browser::PDFView:
+        m_pdf->open(c->path, c->currentPDFPage);
+        m_stack->setCurrentWidget(m_pdf);
+        break;
+    case browser::PreviewView:
+        m_preview->showItem(c->path);
+        m_stack->setCurrentWidget(m_preview);
+        break;
+    default:
+        m_stack->setCurrentWidget(m_empty);
+    }
+    if (c->viewThatIsVisible != browser::PDFView)
+        m_pdf->close();
+    Q_EMIT stateChanged();
+}
+
+void DocumentPane::showFormattedPage()
+{
+    formattedView()->showPage(m_controller->formattedPage, m_controller->path,
+                              m_controller->formattedOffset);
+}
+
+void DocumentPane::toggleView()
+{
+    m_controller->tl_togglePlainTextAndFormattedView();
+}
+
+bool DocumentPane::canToggleView() const
+{
+    const int view = m_controller->viewThatIsVisible;
+    return (view == browser::PlainTextView || view == browser::FormattedView) &&
+           !m_controller->toggleTitle.isEmpty();
+}
+
+} // namespace tl::app

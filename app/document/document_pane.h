@@ -1,0 +1,51 @@
+#pragma once
+
+#include "browser/document_view_controller.h"
+
+#include <QWidget>
+
+class QStackedWidget;
+
+// The document view: one of plain text, formatted, PDF or preview, as the
+// controller decides, with every gesture handed back to it.
+namespace tl::app {
+
+class FormattedView;
+class PdfPane;
+class PlainTextView;
+class PreviewPane;
+
+class DocumentPane : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit DocumentPane(QWidget *parent = nullptr);
+    ~DocumentPane() override;
+
+    browser::TLKSDocumentViewController &controller() { return *m_controller; }
+    PlainTextView *plainTextView() const { return m_plain; }
+    // Made on first need: the web engine is heavy.
+    FormattedView *formattedView();
+
+    void toggleView();
+    bool canToggleView() const;
+    QString shownPath() const { return m_controller->path; }
+
+Q_SIGNALS:
+    // The document, its path or its view changed: titles and actions follow.
+    void stateChanged();
+
+private:
+    void showCurrentDocument();
+    void showFormattedPage();
+
+    browser::TLKSDocumentViewController *m_controller;
+    QStackedWidget *m_stack;
+    QWidget *m_empty;
+    PlainTextView *m_plain;
+    FormattedView *m_formatted = nullptr;
+    PdfPane *m_pdf;
+    PreviewPane *m_preview;
+};
+
+} // namespace tl::app

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+// The object the page's own script talks to over the web channel.
+namespace tl::app {
+
+class PageBridge : public QObject
+{
+    Q_OBJECT
+public:
+    using QObject::QObject;
+
+Q_SIGNALS:
+    // To the page.
+    void bodyPushed(const QString &html);
+    void scrollRequested(double y);
+    void editableChanged(bool editable);
+
+    // From the page, re-emitted for the view.
+    void ready();
+    void scrollChanged(double y);
+    void checkboxClicked(const QString &itemText, int occurrence);
+    void editingBeginsWith(const QString &innerHTML);
+    void editedTo(const QString &innerHTML);
+    void doubleClickedAt(const QString &elementHTML, const QString &htmlUpToElement);
+
+public Q_SLOTS:
+    void pageReady() { Q_EMIT ready(); }
+    void scrolled(double y) { Q_EMIT scrollChanged(y); }
+    void checkboxToggled(const QString &itemText, int occurrence)
+    {
+        Q_EMIT checkboxClicked(itemText, occurrence);
+    }
+    void editingBegins(const QString &innerHTML) { Q_EMIT editingBeginsWith(innerHTML); }
+    void edited(const QString &innerHTML) { Q_EMIT editedTo(innerHTML); }
+    void doubleClicked(const QString &elementHTML, const QString &htmlUpToElement)
+    {
+        Q_EMIT doubleClickedAt(elementHTML, htmlUpToElement);
+    }
+};
+
+} // namespace tl::app

@@ -1,0 +1,79 @@
+// tavelle-desktop: the window over the library. The one place the desktop
+// program is put together.
+#include "assembly/core_assembly.h"
+#include "browser/event_bridge.h"
+#include "desktop_launch.h"
+#include "qt_alert_presenter.h"
+#include "shell/version.h"
+#include "store/log.h"
+#include "theme.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QIcon>
+
+namespace {
+
+tl::shell::LaunchOptions parseLaunchOptions(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Tavelle, the desktop program."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption choose(QStringLiteral("choose-library"),
+                                    QStringLiteral("Ask for the library folder first."));
+    const QCommandLineOption noRestore(
+        QStringLiteral("no-restore"),
+        QStringLiteral("Show the library's top book, not the last document."));
+    parser.addOption(choose);
+    parser.addOption(noRestore);
+    parser.addPositionalArgument(QStringLiteral("url"), QStringLiteral("A tavelle:// address."),
+                                 QStringLiteral("[url]"));
+    parser.process(arguments);
+    return {parser.isSet(choose), parser.isSet(noRestore)};
+}
+
+// Without a desktop's icon theme (a bare X server) the freedesktop icons
+// still come from Adwaita.
+void chooseIconTheme()
+{
+    if (!QIcon::hasThemeIcon(QStringLiteral("folder")))
+        QIcon::setThemeName(QStringLiteral("Adwaita"));
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("tavelle"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Tavelle"));
+    QApplication::setApplicationVersion(QString::fromLatin1(tl::shell::kShortVersion));
+    QApplication::setDesktopFileName(QStringLiteral("com.tavelle.app"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/tavelle/icons/tavelle.svg")));
+    const tl::shell::LaunchOptions launch = parseLaunchOptions(QApplication::arguments());
+    tl::setUpDiagnostics();
+    chooseIconTheme();
+
+    tl::browser::EventBridge bridge;
+    tl::app::DesktopLaunch desktop(bridge);
+    tl::assembly::CoreParts parts;
+    parts.host = tl::assembly::Host::Desktop;
+    parts.launch = launch;
+    parts.alerts = std::make_shared<tl::app::QtAlertPresenter>();
+    parts.showWhatsNew = [] {};
+    parts.showAllPanes = [&desktop] { desktop.showAllPanes(); };
+    parts.effectiveAppearanceName = [] {
+        return tl::app::Theme::instance().effectiveAppearanceName();
+    };
+    // Extra document windows are not kept between sessions yet.
+    parts.openDocuments = [](const QVariantList &) {};
+    tl::assembly::assembleCore(parts);
+    if (!tl::assembly::checkAssembly())
+        return 1;
+    tl::app::Theme::instance().apply();
+
+    desktop.start();
+    return app.exec();
+}

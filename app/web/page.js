@@ -1,0 +1,61 @@
+// The program's own script in every page it renders: receives new bodies,
+// keeps the scroll position, reports check boxes, edits and double clicks.
+// Runs in its own world, so scripts of the document never reach the bridge.
+(function () {
+  'use strict';
+  function listItemMarkdown(box) {
+    var item = box.closest('li');
+    return item ? item.textContent.trim() : '';
+  }
+  function occurrence(box) {
+    var text = listItemMarkdown(box), index = -1;
+    var boxes = document.querySelectorAll('li input[type=checkbox]');
+    for (var i = 0; i < boxes.length; ++i) {
+      if (listItemMarkdown(boxes[i]) === text) ++index;
+      if (boxes[i] === box) return index;
+    }
+    return -1;
+  }
+  function htmlUpTo(element) {
+    var range = document.createRange();
+    range.setStart(document.body, 0);
+    range.setEndBefore(element);
+    var holder = document.createElement('div');
+    holder.appendChild(range.cloneContents());
+    return holder.innerHTML;
+  }
+  new QWebChannel(qt.webChannelTransport, function (channel) {
+    var bridge = channel.objects.bridge;
+    var scrollTimer = null;
+    bridge.bodyPushed.connect(function (html) {
+      var y = window.scrollY;
+      document.body.innerHTML = html;
+      window.scrollTo(0, y);
+    });
+    bridge.scrollRequested.connect(function (y) { window.scrollTo(0, y); });
+    bridge.editableChanged.connect(function (editable) {
+      document.body.contentEditable = editable ? 'true' : 'false';
+    });
+    window.addEventListener('scroll', function () {
+      clearTimeout(scrollTimer);
+      scrollTimer = setTimeout(function () { bridge.scrolled(window.scrollY); }, 100);
+    });
+    document.addEventListener('click', function (event) {
+      var box = event.target;
+      if (box.tagName === 'INPUT' && box.type === 'checkbox' && box.closest('li'))
+        bridge.checkboxToggled(listItemMarkdown(box), occurrence(box));
+    }, true);
+    document.addEventListener('beforeinput', function () {
+      bridge.editingBegins(document.body.innerHTML);
+    }, true);
+    document.addEventListener('input', function () {
+      bridge.edited(document.body.innerHTML);
+    }, true);
+    document.addEventListener('dblclick', function (event) {
+      if (document.body.isContentEditable) return;
+      var element = event.target.closest('p,li,h1,h2,h3,h4,h5,h6,pre,blockquote,td,th') || event.target;
+      bridge.doubleClicked(element.outerHTML, htmlUpTo(element));
+    });
+    bridge.pageReady();
+  });
+})();

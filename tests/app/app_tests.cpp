@@ -1,0 +1,10 @@
+#include "app_tests.h"
+
+namespace apptest {
+
+QList<QObject *> allTests()
+{
+    return {makeNavigationRulesTest(), makeMainWindowTest()};
+}
+
+} // namespace apptest
