@@ -61,7 +61,7 @@ const std::vector<ActionSpec> &specs()
          [](const ActionState &s) { return s.oneItemSelected; }},
         {ActionId::OpenWithDefaultApplication, "Open With Default Application", K(), nullptr,
          [](const ActionState &s) { return s.documentSelected; }},
-        {ActionId::Pin, "&Pin to Top", K(QStringLiteral("Ctrl+Shift+P")), nullptr,
+        {ActionId::Pin, "&Pin to Top", K(QStringLiteral("Ctrl+Shift+P")), "view-pin",
          [](const ActionState &s) { return s.oneItemSelected; }},
         {ActionId::ToggleFavorite, "&Favorite", K(QStringLiteral("Ctrl+Shift+F")), "starred",
          [](const ActionState &s) { return s.itemsSelected; }},
@@ -115,7 +115,7 @@ ActionRegistry::ActionRegistry(QUndoStack *undoStack, QObject *parent) : QObject
         if (!spec.shortcut.isEmpty())
             action->setShortcut(spec.shortcut);
         if (spec.icon)
-            action->setIcon(QIcon::fromTheme(QString::fromLatin1(spec.icon)));
+            action->setIcon(themeIcon(QString::fromLatin1(spec.icon)));
         action->setCheckable(spec.checkable);
         m_actions.insert(spec.id, action);
         m_rules.insert(spec.id, spec.enabled);
@@ -126,7 +126,7 @@ ActionRegistry::ActionRegistry(QUndoStack *undoStack, QObject *parent) : QObject
 
     m_undo = undoStack->createUndoAction(this, QStringLiteral("&Undo"));
     m_undo->setShortcut(QKeySequence::Undo);
-    m_undo->setIcon(QIcon::fromTheme(QStringLiteral("edit-undo")));
+    m_undo->setIcon(themeIcon(QStringLiteral("edit-undo")));
     m_redo = undoStack->createRedoAction(this, QStringLiteral("&Redo"));
     m_redo->setShortcut(QKeySequence::Redo);
 
@@ -227,6 +227,7 @@ void ActionRegistry::fillToolBar(QToolBar *bar) const
     bar->addAction(m_undo);
     bar->addSeparator();
     bar->addAction(action(ActionId::TogglePlainAndFormatted));
+    bar->addAction(action(ActionId::Pin));
 }
 
 void ActionRegistry::fillItemMenu(QMenu *menu) const

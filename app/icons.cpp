@@ -2,8 +2,10 @@
 
 #include "store/item_icons.h"
 
+#include <QApplication>
 #include <QHash>
 #include <QPainter>
+#include <QPalette>
 #include <QPixmap>
 
 namespace tl::app {
@@ -111,6 +113,31 @@ QIcon iconNamed(const QString &name)
     if (base.startsWith(u"icon-book-"))
         return fromTheme({QStringLiteral("folder")});
     return fromTheme({QStringLiteral("text-x-generic")});
+}
+
+// Symbolic icons are drawn in the palette's text colour, so they show on
+// dark and light windows alike.
+QIcon tinted(const QIcon &symbolic)
+{
+    QIcon icon;
+    const QColor ink = QApplication::palette().color(QPalette::WindowText);
+    for (int size : {16, 20, 24, 32}) {
+        QPixmap picture = symbolic.pixmap(size, size);
+        QPainter p(&picture);
+        p.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        p.fillRect(picture.rect(), ink);
+        p.end();
+        icon.addPixmap(picture);
+    }
+    return icon;
+}
+
+QIcon themeIcon(const QString &name)
+{
+    if (QIcon::hasThemeIcon(name))
+        return QIcon::fromTheme(name);
+    const QString symbolic = name + QStringLiteral("-symbolic");
+    return QIcon::hasThemeIcon(symbolic) ? tinted(QIcon::fromTheme(symbolic)) : QIcon();
 }
 
 QIcon iconForItem(const QString &path)

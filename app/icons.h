@@ -11,6 +11,8 @@ namespace tl::app {
 // "icon-book-...", "icon-doc-..." and "task-..." names; a picture path
 // (a preview) is loaded as it is.
 QIcon iconNamed(const QString &name);
+// A freedesktop icon by name, or its symbolic form when the theme has only that.
+QIcon themeIcon(const QString &name);
 // An item's icon as the store decides it.
 QIcon iconForItem(const QString &path);
 // The colour of a colour label ("red", "blue", ...); invalid for "default"

@@ -7,6 +7,12 @@ namespace tl::app {
 
 using browser::OutlineModel;
 
+QSize OutlineDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    // Rows with air between them, as the desktop's sidebars have.
+    return QStyledItemDelegate::sizeHint(option, index) + QSize(0, 8);
+}
+
 void OutlineDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const
 {
     QStyledItemDelegate::initStyleOption(option, index);

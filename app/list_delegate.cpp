@@ -38,7 +38,7 @@ QString dateText(const QDateTime &date)
         return {};
     const QDate today = QDate::currentDate();
     if (date.date() == today)
-        return QLocale().toString(date.time(), QLocale::ShortFormat);
+        return QLocale().toString(date.time(), QStringLiteral("HH:mm"));
     return QLocale().toString(date.date(), QLocale::ShortFormat);
 }
 

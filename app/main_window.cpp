@@ -83,6 +83,7 @@ MainWindow::MainWindow(EventBridge &bridge, QWidget *parent)
     toolbar->setObjectName(QStringLiteral("toolbar"));
     toolbar->setMovable(false);
     toolbar->setIconSize(QSize(20, 20));
+    toolbar->setToolButtonStyle(Qt::ToolButtonIconOnly);
     m_actions->fillToolBar(toolbar);
     statusBar()->addWidget(m_status, 1);
     buildActions();
@@ -170,6 +171,7 @@ void MainWindow::buildActions()
 
 void MainWindow::openLibrary()
 {
+    m_outlineController->model().resetTree();
     m_outlineController->initFileCoordinationAndTaskLists();
     m_outline->expandSavedPaths();
     updateTitle();
@@ -262,7 +264,7 @@ void MainWindow::updateTitle()
     const QString shown = m_document->shownPath();
     const QString root = store::libraryRoot();
     setWindowTitle(shown.isEmpty()
-                       ? QStringLiteral("%1 — Tavelle").arg(path::lastComponent(root))
+                       ? QStringLiteral("%1[*] — Tavelle").arg(path::lastComponent(root))
                        : QStringLiteral("%1[*] — Tavelle").arg(path::lastComponent(shown)));
     m_status->setText(shown.isEmpty() ? root : shown.mid(root.size() + 1));
 }

@@ -60,7 +60,8 @@ OutlinePane::OutlinePane(browser::TLKSOutlineViewController &controller,
             m_controller.setExpanded(m_controller.model().itemForIndex(index), false);
     });
     connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
-        postSelection();
+        if (!m_silent)
+            postSelection();
         Q_EMIT selectionChanged();
     });
     connect(m_view, &QWidget::customContextMenuRequested, this, [this, &actions](QPoint at) {
@@ -69,6 +70,8 @@ OutlinePane::OutlinePane(browser::TLKSOutlineViewController &controller,
         menu.exec(m_view->viewport()->mapToGlobal(at));
     });
     connect(&bridge, &browser::EventBridge::newRootSelected, this, &OutlinePane::newRootSelected);
+    connect(&bridge, &browser::EventBridge::newBookSelected, this,
+            &OutlinePane::followSelectedBook);
     connect(&controller.model(), &QAbstractItemModel::modelReset, this,
             &OutlinePane::expandSavedPaths);
 }
@@ -110,6 +113,19 @@ void OutlinePane::selectBook(const QString &path)
         return;
     m_view->setCurrentIndex(index);
     m_view->scrollTo(index);
+}
+
+void OutlinePane::followSelectedBook(const QString &path, int smartType)
+{
+    OutlineModel &model = m_controller.model();
+    const QModelIndex index =
+        smartType > 1 ? model.smartBookIndex(smartType) : model.indexForPath(path);
+    if (!index.isValid() || m_view->currentIndex() == index)
+        return;
+    m_silent = true;
+    m_view->setCurrentIndex(index);
+    m_view->scrollTo(index);
+    m_silent = false;
 }
 
 QString OutlinePane::selectedPath() const

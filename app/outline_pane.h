@@ -37,10 +37,13 @@ Q_SIGNALS:
 private:
     void newRootSelected();
     void postSelection();
+    // Shows the book the list shows, without telling anyone.
+    void followSelectedBook(const QString &path, int smartType);
 
     browser::TLKSOutlineViewController &m_controller;
     QTreeView *m_view;
     bool m_restoring = false;
+    bool m_silent = false;
 };
 
 } // namespace tl::app

@@ -40,37 +40,76 @@ private Q_SLOTS:
         const QString page = QUrl::fromLocalFile(m_library + "/Book/Doc.md").toString();
         const QString other = QUrl::fromLocalFile(m_library + "/Book/Other.md").toString();
         const QString outside = QUrl::fromLocalFile(m_outside + "/Elsewhere.pdf").toString();
-        const auto row = [](const char *name) { return QTest::newRow(name); };
-        row("the page's own load")
-            << page << int(Kind::Own) << true << false << int(Action::Load) << "";
-        row("an anchor in the page")
-            << page + "#part" << int(Kind::Link) << true << false << int(Action::Load) << "";
-        row("a document of the library")
-            << other << int(Kind::Link) << true << false << int(Action::SelectInLibrary)
-            << m_library + "/Book/Other.md";
-        row("a document with an anchor")
-            << other + "#intro" << int(Kind::Link) << true << false << int(Action::SelectInLibrary)
-            << m_library + "/Book/Other.md#intro";
-        row("a missing file") << QUrl::fromLocalFile(m_library + "/Gone.md").toString()
-                              << int(Kind::Link) << true << false << int(Action::Refuse) << "";
-        row("a file outside the library")
-            << outside << int(Kind::Link) << true << false << int(Action::OpenOutside) << outside;
-        row("a web link") << "https://example.org/a" << int(Kind::Link) << true << false
-                          << int(Action::OpenOutside) << "https://example.org/a";
-        row("a mail address") << "mailto:a@example.org" << int(Kind::Link) << true << false
-                              << int(Action::OpenOutside) << "mailto:a@example.org";
-        row("a script address") << "javascript:alert(1)" << int(Kind::Link) << true << false
-                                << int(Action::Refuse) << "";
-        row("a data page") << "data:text/html,hi" << int(Kind::Link) << true << false
-                           << int(Action::Refuse) << "";
-        row("a form or script navigation") << "https://example.org/" << int(Kind::Other) << true
-                                           << false << int(Action::Refuse) << "";
-        row("a frame inside the page") << "https://example.org/" << int(Kind::Own) << false << false
-                                       << int(Action::Refuse) << "";
-        row("a redirect of a document") << "https://example.org/" << int(Kind::Redirect) << true
-                                        << false << int(Action::Refuse) << "";
-        row("a redirect of a web location") << "https://example.org/" << int(Kind::Redirect) << true
-                                            << true << int(Action::Load) << "";
+        struct Row
+        {
+            const char *name;
+            QString url;
+            Kind kind;
+            bool mainFrame;
+            bool webLocation;
+            Action action;
+            QString target;
+        };
+        const Row rows[] = {
+            {"the page's own load", page, Kind::Own, true, false, Action::Load, {}},
+            {"an anchor in the page", page + "#part", Kind::Link, true, false, Action::Load, {}},
+            {"a document of the library", other, Kind::Link, true, false, Action::SelectInLibrary,
+             m_library + "/Book/Other.md"},
+            {"a document with an anchor", other + "#intro", Kind::Link, true, false,
+             Action::SelectInLibrary, m_library + "/Book/Other.md#intro"},
+            {"a missing file",
+             QUrl::fromLocalFile(m_library + "/Gone.md").toString(),
+             Kind::Link,
+             true,
+             false,
+             Action::Refuse,
+             {}},
+            {"a file outside the library", outside, Kind::Link, true, false, Action::OpenOutside,
+             outside},
+            {"a web link", "https://example.org/a", Kind::Link, true, false, Action::OpenOutside,
+             "https://example.org/a"},
+            {"a mail address", "mailto:a@example.org", Kind::Link, true, false, Action::OpenOutside,
+             "mailto:a@example.org"},
+            {"a script address",
+             "javascript:alert(1)",
+             Kind::Link,
+             true,
+             false,
+             Action::Refuse,
+             {}},
+            {"a data page", "data:text/html,hi", Kind::Link, true, false, Action::Refuse, {}},
+            {"a form or script navigation",
+             "https://example.org/",
+             Kind::Other,
+             true,
+             false,
+             Action::Refuse,
+             {}},
+            {"a frame inside the page",
+             "https://example.org/",
+             Kind::Own,
+             false,
+             false,
+             Action::Refuse,
+             {}},
+            {"a redirect of a document",
+             "https://example.org/",
+             Kind::Redirect,
+             true,
+             false,
+             Action::Refuse,
+             {}},
+            {"a redirect of a web location",
+             "https://example.org/",
+             Kind::Redirect,
+             true,
+             true,
+             Action::Load,
+             {}},
+        };
+        for (const Row &r : rows)
+            QTest::newRow(r.name) << r.url << int(r.kind) << r.mainFrame << r.webLocation
+                                  << int(r.action) << r.target;
     }
 
     void decides()
