@@ -20,7 +20,9 @@ int main(int argc, char **argv)
 
     tl::assembly::CoreParts parts;
     parts.host = tl::assembly::Host::Desktop;
-    parts.alerts = std::make_shared<tl::platform::HeadlessAlertPresenter>();
+    // The presenter lives as long as the process; the tests read what it showed.
+    parts.alerts = std::shared_ptr<tl::platform::AlertPresenter>(
+        &apptest::alerts(), [](tl::platform::AlertPresenter *) {});
     parts.showWhatsNew = [] {};
     parts.showAllPanes = [] {};
     parts.effectiveAppearanceName = [] { return QStringLiteral("Light"); };

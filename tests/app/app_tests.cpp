@@ -1,10 +1,18 @@
 #include "app_tests.h"
 
+#include "platform/alerts.h"
+
 namespace apptest {
 
 QList<QObject *> allTests()
 {
-    return {makeNavigationRulesTest(), makeMainWindowTest()};
+    return {makeNavigationRulesTest(), makeWelcomeWindowTest(), makeMainWindowTest()};
+}
+
+tl::platform::HeadlessAlertPresenter &alerts()
+{
+    static auto *presenter = new tl::platform::HeadlessAlertPresenter;
+    return *presenter;
 }
 
 } // namespace apptest
