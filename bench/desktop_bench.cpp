@@ -83,6 +83,7 @@ void makeLibrary(const QString &root)
                      .arg(i)
                      .toUtf8();
     writeFile(root + '/' + bookName(1) + "/Long.md", large);
+    writeFile(root + '/' + bookName(1) + "/Long again.md", large);
 }
 
 qint64 residentKilobytes(pid_t pid)
@@ -187,11 +188,23 @@ int main(int argc, char **argv)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
     loaded = false;
     QElapsedTimer select;
-    select.start();
-    tl::NotificationCenter::defaultCenter().post(QLatin1String(tl::events::NewDocumentSelected),
-                                                 {{"path", longDocument}});
-    while (!loaded)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+    double shownMs = 0;
+    QObject::connect(&window.documentPane()->controller(),
+                     &tl::browser::TLKSDocumentViewController::documentShown,
+                     [&] { shownMs = double(select.nsecsElapsed()) / 1e6; });
+    // The first long page, then another: the second is what each later
+    // selection costs.
+    double firstMs = 0;
+    for (const QString &path : {longDocument, root + '/' + bookName(1) + "/Long again.md"}) {
+        loaded = false;
+        select.start();
+        tl::NotificationCenter::defaultCenter().post(QLatin1String(tl::events::NewDocumentSelected),
+                                                     {{"path", path}});
+        while (!loaded)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+        if (firstMs == 0)
+            firstMs = double(select.nsecsElapsed()) / 1e6;
+    }
     const double selectMs = double(select.nsecsElapsed()) / 1e6;
     QFile file(longDocument);
     file.open(QIODevice::ReadOnly);
@@ -201,8 +214,11 @@ int main(int argc, char **argv)
     const tl::browser::RenderResult result = tl::browser::RenderWorker::render(longDocument, text);
     const double renderMs = double(render.nsecsElapsed()) / 1e6;
     std::printf("selecting a %lld KB Markdown document to its rendered page: %.0f ms (target: "
-                "under 150 ms)\n",
-                static_cast<long long>(text.size() / 1024), selectMs);
+                "under 150 ms); the first long page %.0f ms\n",
+                static_cast<long long>(text.size() / 1024), selectMs, firstMs);
+    std::printf(
+        "  of which the document view's controller, until the page is handed over: %.0f ms\n",
+        shownMs);
     std::printf("  floor, rendering it to HTML alone: %.1f ms (%lld bytes); ratio %.1fx\n",
                 renderMs, static_cast<long long>(result.html.size()),
                 renderMs > 0 ? selectMs / renderMs : 0.0);

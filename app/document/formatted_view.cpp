@@ -102,6 +102,7 @@ FormattedView::FormattedView(QWidget *parent)
         if (m_pendingOffset > 0)
             Q_EMIT m_bridge->scrollRequested(m_pendingOffset);
     });
+    connect(m_bridge, &PageBridge::pushed, this, &FormattedView::pageLoaded);
     connect(m_bridge, &PageBridge::scrollChanged, this, [this](double y) {
         m_offset = y;
         Q_EMIT scrolled(y);
@@ -124,14 +125,24 @@ void FormattedView::showPage(const browser::FormattedPage &page, const QString &
     m_documentPath = documentPath;
     m_editable = page.editable;
     m_editing = false;
-    if (sameDocument && m_ready && page.url.isEmpty() && page.documentScriptsAllowed &&
-        !page.editable) {
+    // Pages with scripts load anew, so their scripts run.
+    const bool ownPage = page.url.isEmpty() && page.documentScriptsAllowed && !page.editable &&
+                         !page.html.contains(QStringLiteral("<script"), Qt::CaseInsensitive);
+    if (m_ready && m_ownPage && ownPage) {
         const QString body = bodyOf(page.html);
-        if (!body.isEmpty()) {
+        if (sameDocument && !body.isEmpty()) {
             Q_EMIT m_bridge->bodyPushed(body);
             return;
         }
+        m_offset = offset;
+        Q_EMIT m_bridge->pagePushed(
+            insertedInHead(page.html,
+                           QStringLiteral("<base href=\"%1\">").arg(page.baseUrl.toHtmlEscaped())),
+            offset);
+        Q_EMIT frameUrlChanged(page.baseUrl);
+        return;
     }
+    m_ownPage = ownPage;
     m_offset = offset;
     m_pendingOffset = offset;
     load(page);
@@ -174,6 +185,7 @@ void FormattedView::clear()
 {
     m_documentPath.clear();
     m_ready = false;
+    m_ownPage = false;
     m_page->setHtml(QString());
 }
 

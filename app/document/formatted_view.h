@@ -21,8 +21,9 @@ class FormattedView : public QWidget
 public:
     explicit FormattedView(QWidget *parent = nullptr);
 
-    // Loads the page; for the document already on show with the program's
-    // own page loaded, only its body is replaced.
+    // Loads the page. A page of the program's own replaces the one on show
+    // without a load: only the body for the same document (the scroll
+    // position stays), head and body for another.
     void showPage(const browser::FormattedPage &page, const QString &documentPath, double offset);
     void clear();
     double scrollOffset() const { return m_offset; }
@@ -50,6 +51,8 @@ private:
     QString m_documentPath;
     bool m_ready = false;
     bool m_editable = false;
+    // The page on show is one of the program's own renderings.
+    bool m_ownPage = false;
     bool m_editing = false;
     double m_offset = 0;
     double m_pendingOffset = 0;

@@ -15,11 +15,13 @@ public:
 Q_SIGNALS:
     // To the page.
     void bodyPushed(const QString &html);
+    void pagePushed(const QString &html, double y);
     void scrollRequested(double y);
     void editableChanged(bool editable);
 
     // From the page, re-emitted for the view.
     void ready();
+    void pushed();
     void scrollChanged(double y);
     void checkboxClicked(const QString &itemText, int occurrence);
     void editingBeginsWith(const QString &innerHTML);
@@ -28,6 +30,7 @@ Q_SIGNALS:
 
 public Q_SLOTS:
     void pageReady() { Q_EMIT ready(); }
+    void pushDone() { Q_EMIT pushed(); }
     void scrolled(double y) { Q_EMIT scrollChanged(y); }
     void checkboxToggled(const QString &itemText, int occurrence)
     {

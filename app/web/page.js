@@ -32,6 +32,15 @@
       document.body.innerHTML = html;
       window.scrollTo(0, y);
     });
+    // Another document of the program's own: its head and body take the
+    // place of the shown ones, with no new load.
+    bridge.pagePushed.connect(function (html, y) {
+      var doc = new DOMParser().parseFromString(html, 'text/html');
+      document.documentElement.replaceChild(document.adoptNode(doc.head), document.head);
+      document.documentElement.replaceChild(document.adoptNode(doc.body), document.body);
+      window.scrollTo(0, y);
+      bridge.pushDone();
+    });
     bridge.scrollRequested.connect(function (y) { window.scrollTo(0, y); });
     bridge.editableChanged.connect(function (editable) {
       document.body.contentEditable = editable ? 'true' : 'false';
