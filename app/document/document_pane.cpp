@@ -19,7 +19,7 @@ using browser::TLKSDocumentViewController;
 DocumentPane::DocumentPane(QWidget *parent)
     : QWidget(parent), m_controller(new TLKSDocumentViewController(this)),
       m_stack(new QStackedWidget(this)), m_empty(new QLabel(this)),
-      m_plain(new PlainTextView(this)), m_pdf(new PdfPane(this)), m_preview(new PreviewPane(this))
+      m_plain(new PlainTextView(this)), m_preview(new PreviewPane(this))
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -29,8 +29,8 @@ DocumentPane::DocumentPane(QWidget *parent)
     m_empty->setEnabled(false);
     m_empty->setAutoFillBackground(true);
     m_empty->setBackgroundRole(QPalette::Base);
-    for (QWidget *page : {m_empty, static_cast<QWidget *>(m_plain), static_cast<QWidget *>(m_pdf),
-                          static_cast<QWidget *>(m_preview)})
+    for (QWidget *page :
+         {m_empty, static_cast<QWidget *>(m_plain), static_cast<QWidget *>(m_preview)})
         m_stack->addWidget(page);
 
     TLKSDocumentViewController *c = m_controller;
@@ -54,7 +54,6 @@ DocumentPane::DocumentPane(QWidget *parent)
             [c](const QString &text, bool before) { c->textDidChange(text, before); });
     connect(m_plain, &PlainTextView::caretMoved, this,
             [c](qint64 offset) { c->characterOffset = offset; });
-    connect(m_pdf, &PdfPane::pageChanged, this, [c](qint64 page) { c->currentPDFPage = page; });
     c->startObserving();
 }
 
@@ -89,6 +88,17 @@ FormattedView *DocumentPane::formattedView()
     return m_formatted;
 }
 
+PdfPane *DocumentPane::pdfPane()
+{
+    if (m_pdf)
+        return m_pdf;
+    m_pdf = new PdfPane(this);
+    m_stack->addWidget(m_pdf);
+    TLKSDocumentViewController *c = m_controller;
+    connect(m_pdf, &PdfPane::pageChanged, this, [c](qint64 page) { c->currentPDFPage = page; });
+    return m_pdf;
+}
+
 void DocumentPane::showCurrentDocument()
 {
     TLKSDocumentViewController *c = m_controller;
@@ -108,7 +118,7 @@ void DocumentPane::showCurrentDocument()
         m_stack->setCurrentWidget(formattedView());
         break;
     case browser::PDFView:
-        m_pdf->open(c->path, c->currentPDFPage);
+        pdfPane()->open(c->path, c->currentPDFPage);
         m_stack->setCurrentWidget(m_pdf);
         break;
     case browser::PreviewView:
@@ -118,7 +128,7 @@ void DocumentPane::showCurrentDocument()
     default:
         m_stack->setCurrentWidget(m_empty);
     }
-    if (c->viewThatIsVisible != browser::PDFView)
+    if (m_pdf && c->viewThatIsVisible != browser::PDFView)
         m_pdf->close();
     Q_EMIT stateChanged();
 }

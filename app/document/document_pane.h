@@ -24,8 +24,9 @@ public:
 
     browser::TLKSDocumentViewController &controller() { return *m_controller; }
     PlainTextView *plainTextView() const { return m_plain; }
-    // Made on first need: the web engine is heavy.
+    // Made on first need: the web engine and the PDF renderer are heavy.
     FormattedView *formattedView();
+    PdfPane *pdfPane();
 
     void toggleView();
     bool canToggleView() const;
@@ -44,7 +45,7 @@ private:
     QWidget *m_empty;
     PlainTextView *m_plain;
     FormattedView *m_formatted = nullptr;
-    PdfPane *m_pdf;
+    PdfPane *m_pdf = nullptr;
     PreviewPane *m_preview;
 };
 
