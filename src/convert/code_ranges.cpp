@@ -96,6 +96,37 @@ bool RangeIndex::overlaps(qsizetype start, qsizetype end) const
     return after != ranges_.begin() && std::prev(after)->furthestEnd > start;
 }
 
+void RangeIndex::moveThrough(const QList<Edit> &edits)
+{
+    if (edits.isEmpty())
+        return;
+    // Positions grow in both lists, so one walk moves them all.
+    auto moved = [&](qsizetype position, qsizetype &edit, qsizetype &shift) {
+        while (edit < edits.size() && edits[edit].end <= position) {
+            shift += edits[edit].newLength - (edits[edit].end - edits[edit].start);
+            ++edit;
+        }
+        return position + shift;
+    };
+    qsizetype edit = 0;
+    qsizetype shift = 0;
+    for (Range &range : ranges_)
+        range.start = moved(range.start, edit, shift);
+    // Furthest ends grow too, in their own walk.
+    edit = 0;
+    shift = 0;
+    for (Range &range : ranges_)
+        range.furthestEnd = moved(range.furthestEnd, edit, shift);
+}
+
+void LazyCodeRanges::textEdited(const QList<Edit> &edits, bool keepCode)
+{
+    if (keepCode)
+        ranges_.moveThrough(edits);
+    else
+        computed_ = false;
+}
+
 bool LazyCodeRanges::contains(const QString &textNow, const RegexMatch &result)
 {
     return contains(textNow, result.start(), result.end());

@@ -29,6 +29,15 @@ public:
     bool encloses(qsizetype start, qsizetype end) const;
     // Whether [start, end) shares at least one position with a range.
     bool overlaps(qsizetype start, qsizetype end) const;
+    // Moves every position at or behind the end of an edit by what the edit
+    // added; the edits are in order and no range begins or ends inside one.
+    struct Edit
+    {
+        qsizetype start;
+        qsizetype end;
+        qsizetype newLength;
+    };
+    void moveThrough(const QList<Edit> &edits);
 
 private:
     struct Range
@@ -49,6 +58,10 @@ class LazyCodeRanges
 public:
     bool contains(const QString &textNow, const RegexMatch &result);
     bool contains(const QString &textNow, qsizetype start, qsizetype end);
+    using Edit = RangeIndex::Edit;
+    // The text was edited: ranges found already move with it when the edits
+    // `keepCode`, and are found again on the next question otherwise.
+    void textEdited(const QList<Edit> &edits, bool keepCode);
 
 private:
     bool computed_ = false;

@@ -196,16 +196,16 @@ QString preparedForDefaultConverter(QString text, LazyCodeRanges &code)
 QString tl_stringPreparedForConversionWith(const QString &input, int converter)
 {
     QString text = input;
+    // One code-range list for the rest of the pass, made at the first
+    // candidate and never brought up to date but for the wiki links' moves.
+    LazyCodeRanges code;
     if (setting(keys::IgnoreCommentsForWordCount))
         text = tl_stringByRemovingComments(text);
     if (!setting(keys::UseMarkdownStrictly))
         text = tl_makeEveryNewlineaLinebreak(text);
     if (text.contains(QStringLiteral("[[")))
-        text = tl_makeWikiLinksMarkdownLinks(text);
+        text = wikiLinksAsMarkdownLinks(text, code);
 
-    // One code-range list for the rest of the pass, made at the first
-    // candidate and never brought up to date.
-    LazyCodeRanges code;
     text = withCommonExtensions(text, code);
     switch (converter) {
     case MultiMarkdown:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "convert/code_ranges.h"
 #include "foundation/regex.h"
 
 #include <QList>
@@ -27,6 +28,9 @@ QString tl_stringByRemovingComments(const QString &text);
 QString tl_makeEveryNewlineaLinebreak(const QString &text);
 // [[target|title]] becomes [title](target).
 QString tl_makeWikiLinksMarkdownLinks(const QString &text);
+// The same with the code ranges of a whole pass: those found for the text
+// go on to serve the changed text where the links could not touch code.
+QString wikiLinksAsMarkdownLinks(const QString &text, LazyCodeRanges &code);
 // The matches of the wiki-link expression, as ICU's search walks them, in
 // time linear in the text.
 QList<RegexMatch> wikiLinkMatches(const QString &text);

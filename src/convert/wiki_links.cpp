@@ -120,14 +120,36 @@ QList<RegexMatch> wikiLinkMatches(const QString &text)
 QString tl_makeWikiLinksMarkdownLinks(const QString &text)
 {
     LazyCodeRanges code;
-    return Regex::editMatches(
-        text, wikiLinkMatches(text),
-        [&](const RegexMatch &match, QStringView) -> std::optional<QString> {
-            if (code.contains(text, match))
-                return std::nullopt;
-            return withGroupsReplaced(
-                match, text, {{1, markdownLinkForWikiLink(match.capturedString(text, 2))}});
-        });
+    return wikiLinksAsMarkdownLinks(text, code);
+}
+
+QString wikiLinksAsMarkdownLinks(const QString &text, LazyCodeRanges &code)
+{
+    // A link whose text and replacement hold no fence character, backquote
+    // or line end can neither make nor end code: the code ranges found for
+    // the text stay those of the changed text, at moved places.
+    auto keepsCode = [](QStringView piece) {
+        for (QChar c : piece) {
+            if (c == u'`' || c == u'~' || c == u'|' || Regex::isLineEnd(c))
+                return false;
+        }
+        return true;
+    };
+    QList<LazyCodeRanges::Edit> edits;
+    bool kept = true;
+    const QString result =
+        Regex::editMatches(text, wikiLinkMatches(text),
+                           [&](const RegexMatch &match, QStringView) -> std::optional<QString> {
+                               if (code.contains(text, match))
+                                   return std::nullopt;
+                               const QString link =
+                                   markdownLinkForWikiLink(match.capturedString(text, 2));
+                               kept = kept && keepsCode(match.captured(text, 1)) && keepsCode(link);
+                               edits.prepend({match.groupStart(1), match.groupEnd(1), link.size()});
+                               return withGroupsReplaced(match, text, {{1, link}});
+                           });
+    code.textEdited(edits, kept);
+    return result;
 }
 
 } // namespace tl::convert

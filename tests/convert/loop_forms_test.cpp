@@ -140,6 +140,27 @@ TEST(LoopForms, LinearWalksFindTheMatchesOfTheirExpressions)
     }
 }
 
+// Code ranges found before the wiki links are replaced serve the changed
+// text as ranges found afresh would.
+TEST(LoopForms, CodeRangesOutliveTheWikiLinks)
+{
+    const QStringList pieces = {"[[a]]", "[[b|t]]", "[[x`y]]", "[[~]]", "```\n", "`",
+                                "~~~\n", "|||",     "A",       " ",     "\n",    "[[a\rb]]"};
+    QRandomGenerator random(17);
+    for (int round = 0; round < 500; ++round) {
+        const QString text = randomPiece(random, pieces, int(random.bounded(1, 25)));
+        tl::convert::LazyCodeRanges kept;
+        kept.contains(text, 0, 0); // found on the text before the links change
+        const QString changed = tl::convert::wikiLinksAsMarkdownLinks(text, kept);
+        tl::convert::LazyCodeRanges fresh;
+        for (qsizetype start = 0; start <= changed.size(); ++start) {
+            for (qsizetype end = start; end <= changed.size(); ++end)
+                ASSERT_EQ(kept.contains(changed, start, end), fresh.contains(changed, start, end))
+                    << text.toStdString() << " " << start << " " << end;
+        }
+    }
+}
+
 TEST(LoopForms, PreparationStepsAsTheLiteralLoopsMakeThem)
 {
     tl::platform::settings().set("useMarkdownStrictly", true);
