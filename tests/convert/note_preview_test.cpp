@@ -2,6 +2,7 @@
 #include "convert_test_support.h"
 #include "store/keys.h"
 #include "store/properties.h"
+#include "support/pdf_fixture.h"
 
 #include <QFileInfo>
 
@@ -37,19 +38,7 @@ QByteArray pdfOfPages(const QList<QByteArray> &lines)
     }
     objects[1] =
         "<< /Type /Pages /Kids [" + kids + "] /Count " + QByteArray::number(lines.size()) + " >>";
-    QByteArray pdf = "%PDF-1.4\n";
-    QList<qsizetype> offsets;
-    for (qsizetype i = 0; i < objects.size(); ++i) {
-        offsets << pdf.size();
-        pdf += QByteArray::number(i + 1) + " 0 obj\n" + objects[i] + "\nendobj\n";
-    }
-    const qsizetype xref = pdf.size();
-    pdf += "xref\n0 " + QByteArray::number(objects.size() + 1) + "\n0000000000 65535 f \n";
-    for (const qsizetype offset : offsets)
-        pdf += QByteArray::number(offset).rightJustified(10, '0') + " 00000 n \n";
-    pdf += "trailer\n<< /Size " + QByteArray::number(objects.size() + 1) +
-           " /Root 1 0 R >>\nstartxref\n" + QByteArray::number(xref) + "\n%%EOF\n";
-    return pdf;
+    return tltest::pdfOfObjects(objects);
 }
 
 struct PreviewCase

@@ -4,6 +4,7 @@
 #include "store/keys.h"
 #include "store/properties.h"
 #include "store/thumbnails.h"
+#include "support/pdf_fixture.h"
 
 #include <QBuffer>
 #include <QFileInfo>
@@ -47,19 +48,7 @@ QByteArray onePagePdf()
             "\nendstream",
         "<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica >>",
     };
-    QByteArray pdf = "%PDF-1.4\n";
-    QList<qsizetype> offsets;
-    for (qsizetype i = 0; i < objects.size(); ++i) {
-        offsets << pdf.size();
-        pdf += QByteArray::number(i + 1) + " 0 obj\n" + objects[i] + "\nendobj\n";
-    }
-    const qsizetype xref = pdf.size();
-    pdf += "xref\n0 " + QByteArray::number(objects.size() + 1) + "\n0000000000 65535 f \n";
-    for (const qsizetype offset : offsets)
-        pdf += QByteArray::number(offset).rightJustified(10, '0') + " 00000 n \n";
-    pdf += "trailer\n<< /Size " + QByteArray::number(objects.size() + 1) +
-           " /Root 1 0 R >>\nstartxref\n" + QByteArray::number(xref) + "\n%%EOF\n";
-    return pdf;
+    return tltest::pdfOfObjects(objects);
 }
 
 bool writeZip(const QString &path, const char *entry, const QByteArray &bytes)
