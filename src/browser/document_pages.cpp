@@ -195,7 +195,11 @@ BuiltPage buildFormattedPage(const PageRequest &request)
     BuiltPage built;
     switch (request.source) {
     case FormattedSource::Rendered:
-        built.page = pageOfHTML(renderedPageOfText(path, request.text), fileURL(path), true);
+        // Only Markdown pages carry the program's own scripts (diagrams, formulas);
+        // a script's or outline's text stands in its page unescaped, so none may run.
+        built.page =
+            pageOfHTML(renderedPageOfText(path, request.text), fileURL(path),
+                       store::markdownExtensions().contains(store::lowerCasedExtension(path)));
         break;
     case FormattedSource::File:
         if (isHTMLKind(path)) {
