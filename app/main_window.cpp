@@ -14,6 +14,7 @@
 #include "inline_renamer.h"
 #include "item_actions.h"
 #include "outline_pane.h"
+#include "script_pages_label.h"
 #include "server_pane.h"
 #include "shell/app_state.h"
 #include "store/item_path.h"
@@ -53,7 +54,8 @@ MainWindow::MainWindow(EventBridge &bridge, QWidget *parent)
       m_outlineController(std::make_unique<browser::TLKSOutlineViewController>()),
       m_listController(std::make_unique<browser::TLKSDocumentListViewController>()),
       m_listModel(std::make_unique<browser::DocumentListModel>(*m_listController)),
-      m_panes(new QSplitter(Qt::Horizontal, this)), m_status(new QLabel(this))
+      m_panes(new QSplitter(Qt::Horizontal, this)), m_status(new QLabel(this)),
+      m_scriptPages(new ScriptPagesLabel(this))
 {
     setObjectName(QStringLiteral("mainWindow"));
     m_listModel->connectToBridge(bridge);
@@ -86,6 +88,7 @@ MainWindow::MainWindow(EventBridge &bridge, QWidget *parent)
     toolbar->setToolButtonStyle(Qt::ToolButtonIconOnly);
     m_actions->fillToolBar(toolbar);
     statusBar()->addWidget(m_status, 1);
+    statusBar()->addPermanentWidget(m_scriptPages);
     buildActions();
 
     connect(&bridge, &EventBridge::showItemAtPath, this, &MainWindow::showItemAtPath);
@@ -267,6 +270,7 @@ void MainWindow::updateTitle()
                        ? QStringLiteral("%1[*] — Tavelle").arg(path::lastComponent(root))
                        : QStringLiteral("%1[*] — Tavelle").arg(path::lastComponent(shown)));
     m_status->setText(shown.isEmpty() ? root : shown.mid(root.size() + 1));
+    m_scriptPages->follow(shown);
 }
 
 shell::WindowState MainWindow::windowState() const

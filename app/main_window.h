@@ -22,6 +22,7 @@ class TLKSOutlineViewController;
 namespace tl::app {
 
 class ActionRegistry;
+class ScriptPagesLabel;
 class DocumentListPane;
 class DocumentPane;
 class InlineRenamer;
@@ -77,6 +78,7 @@ private:
     InlineRenamer *m_listRenamer;
     InlineRenamer *m_outlineRenamer;
     QLabel *m_status;
+    ScriptPagesLabel *m_scriptPages;
 };
 
 } // namespace tl::app

@@ -6,7 +6,8 @@ namespace apptest {
 
 QList<QObject *> allTests()
 {
-    return {makeNavigationRulesTest(), makeWelcomeWindowTest(), makeMainWindowTest()};
+    return {makeNavigationRulesTest(), makeWelcomeWindowTest(), makeMainWindowTest(),
+            makeScriptPagesLabelTest()};
 }
 
 tl::platform::HeadlessAlertPresenter &alerts()

@@ -19,5 +19,6 @@ tl::platform::HeadlessAlertPresenter &alerts();
 QObject *makeNavigationRulesTest();
 QObject *makeMainWindowTest();
 QObject *makeWelcomeWindowTest();
+QObject *makeScriptPagesLabelTest();
 
 } // namespace apptest
