@@ -182,34 +182,31 @@ void HTTPConnection::continueSendingBody()
 void HTTPConnection::socketDidWriteData(AsyncSocket &, long tag)
 {
     bool doneSendingResponse = false;
+    // Each piece written but the chunked footer took one size off the list.
+    const auto pieceWritten = [this] { pieceWritten(); };
     switch (tag) {
     case kTagPartialResponseBody:
-        if (!m_responseDataSizes.empty())
-            m_responseDataSizes.pop_front();
+        pieceWritten();
         continueSendingStandardResponseBody();
         break;
     case kTagChunkedResponseBody:
         // The line end that follows tells whether more is to come.
-        if (!m_responseDataSizes.empty())
-            m_responseDataSizes.pop_front();
+        pieceWritten();
         break;
     case kTagChunkedResponseFooter:
         continueSendingStandardResponseBody();
         break;
     case kTagPartialRangeResponseBody:
-        if (!m_responseDataSizes.empty())
-            m_responseDataSizes.pop_front();
+        pieceWritten();
         continueSendingSingleRangeResponseBody();
         break;
     case kTagPartialRangesResponseBody:
-        if (!m_responseDataSizes.empty())
-            m_responseDataSizes.pop_front();
+        pieceWritten();
         continueSendingMultiRangeResponseBody();
         break;
     case kTagResponse:
     case kTagFinalResponse:
-        if (!m_responseDataSizes.empty())
-            m_responseDataSizes.pop_front();
+        pieceWritten();
         doneSendingResponse = true;
         break;
     default:
