@@ -183,7 +183,10 @@ void HTTPConnection::socketDidWriteData(AsyncSocket &, long tag)
 {
     bool doneSendingResponse = false;
     // Each piece written but the chunked footer took one size off the list.
-    const auto pieceWritten = [this] { pieceWritten(); };
+    const auto pieceWritten = [this] {
+        if (!m_responseDataSizes.empty())
+            m_responseDataSizes.pop_front();
+    };
     switch (tag) {
     case kTagPartialResponseBody:
         pieceWritten();
