@@ -1,12 +1,18 @@
 // tasks: task lists, task states, due dates and repeats.
 #include "cli.h"
+#include "convert/html_to_text.h"
 #include "foundation/dates.h"
+#include "store/document_file.h"
 #include "store/item_path.h"
+#include "store/keys.h"
+#include "store/properties.h"
 #include "store/task_records.h"
 #include "tasks/date_texts.h"
 #include "tasks/due_dates.h"
 #include "tasks/due_tasks.h"
+#include "tasks/markdown_checkbox.h"
 #include "tasks/repeats.h"
+#include "tasks/task_extraction.h"
 #include "tasks/task_list.h"
 #include "tasks/task_lists.h"
 
@@ -22,14 +28,16 @@ const QString kClear = QStringLiteral("clear");
 const QString kNone = QStringLiteral("none");
 const QString kLookAhead = QStringLiteral("lookahead");
 const QString kCleanup = QStringLiteral("cleanup");
+const QString kMode = QStringLiteral("mode");
+const QString kNewBook = QStringLiteral("new-book");
 
 struct Action
 {
     const char *name;
     const char *arguments;
-    // The item argument is a book (else a document in a task list); none for
-    // the library-wide actions.
-    enum class Target { None, Book, Task } target;
+    // The item argument is a book, a document in a task list or any
+    // document; none for the library-wide actions.
+    enum class Target { None, Book, Task, Document } target;
     std::function<int(const QString &, const QStringList &, const QCommandLineParser &, bool)> run;
 };
 
@@ -127,6 +135,59 @@ int listDue(const QString &, const QStringList &, const QCommandLineParser &pars
     return Success;
 }
 
+// The text a document shows: the plain text of a formatted page, unless
+// it keeps its Markdown source.
+std::optional<store::DecodedText> shownText(const QString &document)
+{
+    std::optional<store::DecodedText> file = store::tl_stringWithContentsOfFile(document);
+    const QString extension = QFileInfo(document).suffix();
+    if (file && extension.startsWith(u"htm") &&
+        !(extension == u"html" &&
+          !store::tl_propertyForKey(document, QLatin1String(keys::property::Markdown))
+               .toString()
+               .isEmpty()))
+        file->text = convert::tl_htmlToPlainText(file->text);
+    return file;
+}
+
+int extract(const QString &document, const QStringList &rest, const QCommandLineParser &parser,
+            bool json)
+{
+    bool numeric = !parser.isSet(kMode);
+    const int mode = parser.isSet(kMode) ? parser.value(kMode).toInt(&numeric) : 4;
+    if (!rest.isEmpty() || !numeric || mode < 0 || mode > 4)
+        return fail(QStringLiteral("usage: tavelle tasks extract DOC [--mode 0-4] [--new-book]"),
+                    Usage);
+    const auto extractionMode = tasks::ExtractionMode(mode);
+    if (extractionMode == tasks::ExtractionMode::MarkedLines && tasks::taskMarker().isEmpty())
+        return fail(QStringLiteral("No task marker set (markTaskWithCharacter)"));
+    const std::optional<store::DecodedText> file = shownText(document);
+    if (!file)
+        return fail(QStringLiteral("Cannot read %1").arg(document));
+    QStringList created;
+    tasks::tl_extractTasksToPath(file->text, document, extractionMode, file->encoding,
+                                 parser.isSet(kNewBook), &created);
+    printList(created, json);
+    return Success;
+}
+
+int checkbox(const QString &document, const QStringList &rest, const QCommandLineParser &, bool)
+{
+    bool numeric = false;
+    const qsizetype pos = rest.value(1).toLongLong(&numeric);
+    if (rest.size() != 2 || !numeric || pos < 0)
+        return fail(QStringLiteral("usage: tavelle tasks checkbox DOC TASK POS"), Usage);
+    switch (tasks::toggleMarkdownCheckboxForTask(document, rest[0], pos)) {
+    case tasks::CheckboxToggle::Toggled:
+        return Success;
+    case tasks::CheckboxToggle::Unchanged:
+        return fail(QStringLiteral("Nothing to toggle in %1").arg(document));
+    case tasks::CheckboxToggle::NotFound:
+        break;
+    }
+    return fail(QStringLiteral("Unable to identify task in Plain Text: %1").arg(rest[0]));
+}
+
 const std::vector<Action> &actions()
 {
     using T = Action::Target;
@@ -195,6 +256,8 @@ const std::vector<Action> &actions()
                         json);
              return int(Success);
          }},
+        {"extract", "DOC [--mode 0-4] [--new-book]", T::Document, extract},
+        {"checkbox", "DOC TASK POS", T::Document, checkbox},
     };
     return list;
 }
@@ -219,9 +282,10 @@ QString actionNames()
 
 void describeTasks(QCommandLineParser &p)
 {
-    p.setApplicationDescription(QStringLiteral("Task lists, task states, due dates and "
-                                               "repeats. Dates are ISO 8601 in local time.\n\n") +
-                                usage());
+    p.setApplicationDescription(
+        QStringLiteral("Task lists, task states, due dates, "
+                       "repeats and tasks from text. Dates are ISO 8601 in local time.\n\n") +
+        usage());
     p.addPositionalArgument(QStringLiteral("ACTION"), QStringLiteral("One of: ") + actionNames());
     p.addOption({kDateOnly, QStringLiteral("due: the date without an alert time.")});
     p.addOption({kClear, QStringLiteral("due: remove the due date and the repeat.")});
@@ -231,6 +295,11 @@ void describeTasks(QCommandLineParser &p)
                                 "five or seven days more, other N that many days."),
                  QStringLiteral("N")});
     p.addOption({kCleanup, QStringLiteral("recount: drop the records of files that are gone.")});
+    p.addOption({kMode,
+                 QStringLiteral("extract: 0 the whole document, 1 lines, 2 paragraphs, 3 pieces "
+                                "between rules, 4 marked lines (the default)."),
+                 QStringLiteral("MODE")});
+    p.addOption({kNewBook, QStringLiteral("extract: into a task list named after the document.")});
 }
 
 int runTasks(const QCommandLineParser &parser, const Invocation &in)
@@ -256,7 +325,8 @@ int runTasks(const QCommandLineParser &parser, const Invocation &in)
         if (book ? !store::tl_pathIsBook(*path) : !QFileInfo(*path).isFile())
             return fail(
                 QString::fromLatin1(book ? "Not a book: %1" : "Not a document: %1").arg(*path));
-        if (!book && !store::tl_bookIsTasklist(QFileInfo(*path).path()))
+        if (action->target == Action::Target::Task &&
+            !store::tl_bookIsTasklist(QFileInfo(*path).path()))
             return fail(QStringLiteral("Not in a task list: %1").arg(*path));
         target = *path;
     }
@@ -268,7 +338,8 @@ int runTasks(const QCommandLineParser &parser, const Invocation &in)
 const std::vector<Command> &tasksCommands()
 {
     static const std::vector<Command> commands{
-        {"tasks", "Task lists, task states, due dates and repeats.", true, describeTasks, runTasks},
+        {"tasks", "Task lists, task states, due dates, repeats and tasks from text.", true,
+         describeTasks, runTasks},
     };
     return commands;
 }

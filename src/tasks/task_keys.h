@@ -26,5 +26,8 @@ inline constexpr char AllTaskLists[] = "allTaskLists";
 inline constexpr char TasklistCollectDate[] = "tasklistCollectDate";
 inline constexpr char RebuildingAllTasklistsFlag[] = "rebuildingAllTasklistsFlag";
 inline constexpr char DueTasksLookAhead[] = "dueTasksLookAhead";
+inline constexpr char MarkTaskWithCharacter[] = "markTaskWithCharacter";
+inline constexpr char ExtractTasksToInbox[] = "extractTasksToInbox";
+inline constexpr char AssignDefaultDueDate[] = "assignDefaultDueDate";
 
 } // namespace tl::tasks::keys

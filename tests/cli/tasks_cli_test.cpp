@@ -87,3 +87,17 @@ TEST_F(TasksCommand, RefusesPathsOutsideTheLibraryInOneLine)
 }
 
 } // namespace
+
+TEST_F(TasksCommand, MarkedLinesBecomeTasksAndCheckboxesToggle)
+{
+    tltest::writeFile(library + "/Plan.md", "Plan\n- [ ] Paint\n- [ ] Paint\n");
+    EXPECT_EQ(run({"tasks", "extract", library + "/Plan.md"}).exitCode, 1);
+    ASSERT_EQ(run({"settings", "set", "--", "markTaskWithCharacter", "- [ ]"}).exitCode, 0);
+    EXPECT_EQ(run({"tasks", "extract", library + "/Plan.md", "--new-book"}).out,
+              library + "/Plan/Paint.txt\n");
+    EXPECT_EQ(run({"tasks", "extract", library + "/Plan.md", "--mode", "5"}).exitCode, 2);
+
+    EXPECT_EQ(run({"tasks", "checkbox", library + "/Plan.md", "Paint", "1"}).exitCode, 0);
+    EXPECT_EQ(tltest::readFile(library + "/Plan.md"), "Plan\n- [ ] Paint\n- [x] Paint\n");
+    EXPECT_EQ(run({"tasks", "checkbox", library + "/Plan.md", "Sand", "0"}).exitCode, 1);
+}
