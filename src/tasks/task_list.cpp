@@ -9,6 +9,7 @@
 #include "store/task_records.h"
 #include "tasks/reminder_rebuild.h"
 #include "tasks/repeats.h"
+#include "tasks/state_mirror.h"
 #include "tasks/task_details.h"
 #include "tasks/task_keys.h"
 
@@ -145,6 +146,8 @@ QString tl_toggleTaskWithDate(const QString &itemPath, const QDateTime &date)
         tl_repostAllNotifications();
     if (repeat)
         scheduleRepeatingTask(itemPath);
+    if (next != started)
+        mirrorTaskStateIntoSource(itemPath, next);
     return store::tl_taskIconForStateIsDue(next, dueIcon);
 }
 
