@@ -2,6 +2,7 @@
 
 #include "convert/html_to_text.h"
 #include "convert/store_registration.h"
+#include "links/link_jobs.h"
 #include "platform/alerts.h"
 #include "platform/settings.h"
 #include "screenplay/script_page.h"
@@ -103,6 +104,7 @@ void assembleCore(const CoreParts &parts)
 
     store::sideJobs().moveTask = tasks::tl_moveTaskToPath;
     store::sideJobs().copyTaskDetails = tasks::tl_copyTaskDetailsToPath;
+    links::registerLinkJobs();
 
     shell::ShellHooks &hooks = shell::shellHooks();
     install(hooks.showWhatsNew, parts.showWhatsNew, "showWhatsNew hook");
