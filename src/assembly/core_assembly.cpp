@@ -1,5 +1,6 @@
 #include "assembly/core_assembly.h"
 
+#include "contexts/tag_database.h"
 #include "convert/html_to_text.h"
 #include "convert/store_registration.h"
 #include "links/link_jobs.h"
@@ -102,6 +103,7 @@ void assembleCore(const CoreParts &parts)
     };
     mark("Fountain to HTML conversion");
 
+    store::sideJobs().changePathInTagDB = contexts::tl_changePathInTagDBToPath;
     store::sideJobs().moveTask = tasks::tl_moveTaskToPath;
     store::sideJobs().copyTaskDetails = tasks::tl_copyTaskDetailsToPath;
     links::registerLinkJobs();

@@ -1,5 +1,6 @@
 #include "browser/later_sources.h"
 
+#include "contexts/tag_database.h"
 #include "tasks/due_tasks.h"
 #include "tasks/task_list.h"
 #include "tasks/task_lists.h"
@@ -13,17 +14,17 @@ QList<store::ListRow> tl_arrayOfDueTasks()
 
 QStringList tl_listOfAllAvailableTags()
 {
-    return {};
+    return contexts::tl_listOfAllAvailableTags();
 }
 
-QStringList tl_listOfAllItemsForTag(const QString &)
+QStringList tl_listOfAllItemsForTag(const QString &tag)
 {
-    return {};
+    return contexts::tl_listOfAllItemsForTag(tag);
 }
 
-QStringList tl_verifiedTagList(const QString &)
+QStringList tl_verifiedTagList(const QString &path)
 {
-    return {};
+    return contexts::tl_verifiedTagList(path);
 }
 
 QStringList lastSearchResults()
@@ -57,8 +58,9 @@ void tl_taskPlistChangedAtPath(const QString &book)
     tasks::tl_correctTaskCountAtPathWithCleanup(book, false);
 }
 
-void tl_collectTagsInPlist(const QString &)
+void tl_collectTagsInPlist(const QString &plistPath)
 {
+    contexts::tl_collectTagsInPlist(plistPath);
 }
 
 void tl_repairBrokenBacklink(const QString &)
