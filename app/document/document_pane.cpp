@@ -109,6 +109,7 @@ void DocumentPane::showCurrentDocument()
         m_plain->setDocumentFont(
             font.family, font.size,
             store::tl_linespacingAtPath(c->path.isEmpty() ? c->parentPath : c->path));
+        m_plain->setDocumentPath(c->path);
         m_plain->showText(c->plainText, c->characterOffset);
         m_stack->setCurrentWidget(m_plain);
         break;

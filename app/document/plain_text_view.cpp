@@ -1,11 +1,30 @@
 #include "plain_text_view.h"
 
+#include "document/hanging_indent_layout.h"
+#include "document/markdown_highlighter.h"
+#include "document/sort_lines_dialog.h"
+#include "editing/keystroke.h"
+#include "editing/line_operations.h"
+#include "editing/lists.h"
+#include "editing/markdown_wrapping.h"
+#include "platform/settings.h"
+#include "store/library_root.h"
+#include "store/style_values.h"
+#include "theme.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QFileInfo>
 #include <QKeyEvent>
+#include <QMenu>
+#include <QMimeData>
 #include <QTextBlock>
-#include <QTextBlockFormat>
 #include <QTextCursor>
 
 namespace tl::app {
+
+using namespace editing;
 
 PlainTextView::PlainTextView(QWidget *parent) : QPlainTextEdit(parent)
 {
@@ -13,6 +32,9 @@ PlainTextView::PlainTextView(QWidget *parent) : QPlainTextEdit(parent)
     setTabChangesFocus(false);
     setLineWrapMode(QPlainTextEdit::WidgetWidth);
     document()->setDocumentMargin(16);
+    m_layout = new HangingIndentLayout(document());
+    document()->setDocumentLayout(m_layout);
+    m_highlighter = new MarkdownHighlighter(document(), m_layout);
     connect(this, &QPlainTextEdit::textChanged, this, [this] {
         if (m_loading)
             return;
@@ -23,6 +45,7 @@ PlainTextView::PlainTextView(QWidget *parent) : QPlainTextEdit(parent)
     });
     connect(this, &QPlainTextEdit::cursorPositionChanged, this,
             [this] { Q_EMIT caretMoved(textCursor().position()); });
+    connect(&Theme::instance(), &Theme::changed, this, [this] { updateStyle(); });
 }
 
 void PlainTextView::showText(const QString &text, qint64 offset)
@@ -30,7 +53,7 @@ void PlainTextView::showText(const QString &text, qint64 offset)
     m_loading = true;
     m_editing = false;
     setPlainText(text);
-    applyLineSpacing();
+    updateStyle();
     QTextCursor cursor = textCursor();
     cursor.setPosition(int(qBound<qint64>(0, offset, text.size())));
     setTextCursor(cursor);
@@ -44,19 +67,95 @@ void PlainTextView::setDocumentFont(const QString &family, int pointSize, double
     face.setPointSize(pointSize > 0 ? pointSize : 14);
     setFont(face);
     m_lineSpacing = lineSpacing > 0 ? lineSpacing : 1.0;
-    const bool loading = m_loading;
-    m_loading = true;
-    applyLineSpacing();
-    m_loading = loading;
 }
 
-void PlainTextView::applyLineSpacing()
+void PlainTextView::setDocumentPath(const QString &path)
 {
-    QTextCursor all(document());
-    all.select(QTextCursor::Document);
-    QTextBlockFormat format;
-    format.setLineHeight(m_lineSpacing * 100, QTextBlockFormat::ProportionalHeight);
-    all.mergeBlockFormat(format);
+    m_path = path;
+}
+
+namespace {
+
+constexpr char HighlightMarkdownKey[] = "HighlightMarkdown";
+constexpr char HighlightMarkdownInAllDocsKey[] = "HighlightMarkdownInAllDocs";
+constexpr char HighlightMarkdownMonochromeKey[] = "HighlightMarkdownMonochrome";
+constexpr char CheckMixedTextDirectionsKey[] = "checkMixedTextDirections";
+constexpr char WikiActivateLinksKey[] = "WikiActivateLinksInPlaintext";
+constexpr char IgnoreCommentsKey[] = "ignoreCommentsForWordCount";
+constexpr char UseSolarizedKey[] = "useSolarizedTheme";
+
+DocumentKind kindOf(const QString &extension)
+{
+    if (extension == u"html" || extension == u"htm")
+        return DocumentKind::Html;
+    if (extension == u"opml")
+        return DocumentKind::Opml;
+    static const QStringList markdown{QStringLiteral("md"), QStringLiteral("markdown"),
+                                      QStringLiteral("text"), QStringLiteral("mdown"),
+                                      QStringLiteral("rmd")};
+    return markdown.contains(extension) ? DocumentKind::Markdown : DocumentKind::OtherText;
+}
+
+Rgba toRgba(const QColor &color)
+{
+    return {color.redF(), color.greenF(), color.blueF(), color.alphaF()};
+}
+
+} // namespace
+
+void PlainTextView::updateStyle()
+{
+    platform::Settings &settings = platform::settings();
+    const QString extension = QFileInfo(m_path).suffix().toLower();
+    HighlightOptions options;
+    options.kind = kindOf(extension);
+    options.highlightMarkdown = settings.boolValue(HighlightMarkdownKey) &&
+                                (options.kind == DocumentKind::Markdown ||
+                                 (options.kind == DocumentKind::OtherText &&
+                                  settings.boolValue(HighlightMarkdownInAllDocsKey)));
+    options.autoIndentLists = settings.boolValue(AutoIndentListsKey);
+    options.ignoreCommentsForWordCount = settings.boolValue(IgnoreCommentsKey);
+    options.multiMarkdown = !m_path.isEmpty() && store::tl_markdownConverterAtPath(m_path) == 1;
+    options.wikiLinksActive = settings.boolValue(WikiActivateLinksKey);
+    options.checkMixedTextDirections = settings.boolValue(CheckMixedTextDirectionsKey);
+    options.excluded = m_path.endsWith(QLatin1String("TLResources/Misc/ExcludedTags.txt"));
+    options.lineHeightMultiple = m_lineSpacing;
+    options.stroke = devicePixelRatioF() > 1 ? -5.0 : -3.0;
+    options.lineFragmentPadding = document()->documentMargin();
+
+    PaletteOptions colors;
+    colors.base = toRgba(palette().color(QPalette::Text));
+    colors.background = toRgba(palette().color(QPalette::Base));
+    colors.highlightMarkdown = options.highlightMarkdown;
+    colors.monochrome = settings.boolValue(HighlightMarkdownMonochromeKey);
+    colors.solarized = settings.boolValue(UseSolarizedKey);
+    colors.dark = Theme::instance().isDark();
+    colors.html = options.kind == DocumentKind::Html;
+    const Palette named(colors);
+    const bool loading = m_loading;
+    m_loading = true;
+    m_highlighter->setStyle(options, named, font());
+    m_loading = loading;
+    QPalette caret = palette();
+    caret.setColor(QPalette::Text, toColor(colors.base));
+    setPalette(caret);
+}
+
+bool PlainTextView::event(QEvent *event)
+{
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::PaletteChange) {
+        const bool result = QPlainTextEdit::event(event);
+        if (!m_loading && event->type() == QEvent::FontChange)
+            updateStyle();
+        return result;
+    }
+    return QPlainTextEdit::event(event);
+}
+
+void PlainTextView::resizeEvent(QResizeEvent *event)
+{
+    m_layout->setWidth(viewport()->width());
+    QPlainTextEdit::resizeEvent(event);
 }
 
 bool PlainTextView::mayEdit()
@@ -67,6 +166,42 @@ bool PlainTextView::mayEdit()
     Q_EMIT editingWanted(&allowed);
     m_editing = allowed;
     return allowed;
+}
+
+void PlainTextView::applyRule(const Rule &rule, bool shift)
+{
+    if (isReadOnly() || !mayEdit())
+        return;
+    const QTextCursor cursor = textCursor();
+    EditorBuffer buffer(m_highlighter->text(),
+                        {cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart()});
+    EditorContext context;
+    context.settings = EditorSettings::fromSettings();
+    context.keys.shift = shift;
+    context.libraryRoot = store::libraryRoot();
+    rule(buffer, context);
+    QTextCursor edit(document());
+    if (!buffer.replacements().isEmpty()) {
+        edit.beginEditBlock();
+        for (const TextReplacement &replacement : buffer.replacements()) {
+            edit.setPosition(int(replacement.range.location));
+            edit.setPosition(int(replacement.range.end()), QTextCursor::KeepAnchor);
+            edit.insertText(replacement.string);
+        }
+        edit.endEditBlock();
+    }
+    const TextRange selection = buffer.selection();
+    edit.setPosition(int(selection.location));
+    edit.setPosition(int(selection.end()), QTextCursor::KeepAnchor);
+    setTextCursor(edit);
+    ensureCursorVisible();
+}
+
+void PlainTextView::typeReplacement(TextRange affected, const QString &replacement, bool shift)
+{
+    applyRule([&](EditorBuffer &buffer,
+                  EditorContext &context) { typeText(buffer, context, affected, replacement); },
+              shift);
 }
 
 namespace {
@@ -87,19 +222,145 @@ bool editsText(const QKeyEvent *event)
     return !text.isEmpty() && (text.at(0).isPrint() || text == u"\r" || text == u"\t");
 }
 
+bool isPairCharacter(const QString &text)
+{
+    return text.size() == 1 && (QStringView(PairOpeners).contains(text.at(0)) ||
+                                QStringView(PairClosers).contains(text.at(0)));
+}
+
 } // namespace
+
+bool PlainTextView::handleEditingKey(QKeyEvent *event)
+{
+    const Qt::KeyboardModifiers modifiers =
+        event->modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier);
+    const bool shift = event->modifiers() & Qt::ShiftModifier;
+    const QTextCursor cursor = textCursor();
+    const TextRange selection{cursor.selectionStart(),
+                              cursor.selectionEnd() - cursor.selectionStart()};
+    const auto run = [this](const Rule &rule) {
+        applyRule(rule);
+        return true;
+    };
+    if (modifiers == Qt::ControlModifier) {
+        const int key = event->key();
+        if (key >= Qt::Key_0 && key <= Qt::Key_5 && !shift)
+            return run([level = key - Qt::Key_0](EditorBuffer &b, EditorContext &) {
+                insertMarkdownHeading(b, level);
+            });
+        switch (key) {
+        case Qt::Key_7:
+            return run([](EditorBuffer &b, EditorContext &) { tl_toggleComment(b); });
+        case Qt::Key_BracketLeft:
+            return run(
+                [](EditorBuffer &b, EditorContext &c) { tabButtonPressed(b, c, true, true); });
+        case Qt::Key_BracketRight:
+            return run(
+                [](EditorBuffer &b, EditorContext &c) { tabButtonPressed(b, c, true, false); });
+        case Qt::Key_B:
+            return run([](EditorBuffer &b, EditorContext &c) {
+                insertMarkdownString(b, c, strongEmphasisMark(c), strongEmphasisMark(c));
+            });
+        case Qt::Key_I:
+            return run([](EditorBuffer &b, EditorContext &c) {
+                insertMarkdownString(b, c, weakEmphasisMark(c), weakEmphasisMark(c));
+            });
+        case Qt::Key_L:
+            return run([shift](EditorBuffer &b, EditorContext &c) {
+                shift ? tl_reverseToggleList(b, c) : tl_toggleList(b, c);
+            });
+        default:
+            return false;
+        }
+    }
+    if (modifiers == Qt::AltModifier) {
+        switch (event->key()) {
+        case Qt::Key_Up:
+            return run([](EditorBuffer &b, EditorContext &c) { tl_moveLineUp(b, c); });
+        case Qt::Key_Down:
+            return run([](EditorBuffer &b, EditorContext &c) { tl_moveLineDown(b, c); });
+        case Qt::Key_Delete:
+            return run([](EditorBuffer &b, EditorContext &) { advancedForwardDelete(b); });
+        default:
+            return false;
+        }
+    }
+    if (modifiers != Qt::NoModifier)
+        return false;
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        typeReplacement(selection, QStringLiteral("\n"), shift);
+        return true;
+    case Qt::Key_Tab:
+        typeReplacement(selection, QStringLiteral("\t"), false);
+        return true;
+    case Qt::Key_Backtab:
+        return run([](EditorBuffer &b, EditorContext &c) { tabButtonPressed(b, c, true, true); });
+    case Qt::Key_Backspace:
+    case Qt::Key_Delete: {
+        if (selection.length > 0) {
+            typeReplacement(selection, QString(), false);
+            return true;
+        }
+        QTextCursor step = cursor;
+        step.movePosition(event->key() == Qt::Key_Backspace ? QTextCursor::PreviousCharacter
+                                                            : QTextCursor::NextCharacter,
+                          QTextCursor::KeepAnchor);
+        if (!step.hasSelection())
+            return true;
+        typeReplacement({step.selectionStart(), step.selectionEnd() - step.selectionStart()},
+                        QString(), false);
+        return true;
+    }
+    default:
+        break;
+    }
+    if (isPairCharacter(event->text())) {
+        typeReplacement(selection, event->text(), false);
+        return true;
+    }
+    return false;
+}
 
 void PlainTextView::keyPressEvent(QKeyEvent *event)
 {
     if (editsText(event) && !mayEdit())
+        return;
+    if (!isReadOnly() && handleEditingKey(event))
         return;
     QPlainTextEdit::keyPressEvent(event);
 }
 
 void PlainTextView::insertFromMimeData(const QMimeData *source)
 {
-    if (mayEdit())
-        QPlainTextEdit::insertFromMimeData(source);
+    if (!mayEdit() || !source->hasText())
+        return;
+    const QTextCursor cursor = textCursor();
+    typeReplacement({cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart()},
+                    withNewlineParagraphs(source->text()), false);
+}
+
+void PlainTextView::sortLines()
+{
+    if (!SortLinesDialog::ask(this))
+        return;
+    applyRule([](EditorBuffer &b, EditorContext &c) { tl_sortSelectionbyAlphabet(b, c); });
+}
+
+void PlainTextView::contextMenuEvent(QContextMenuEvent *event)
+{
+    QMenu *menu = createStandardContextMenu(event->pos());
+    menu->addSeparator();
+    menu->addAction(tr("Toggle List"), this, [this] {
+        applyRule([](EditorBuffer &b, EditorContext &c) { tl_toggleList(b, c); });
+    });
+    menu->addAction(tr("Toggle Comment"), this, [this] {
+        applyRule([](EditorBuffer &b, EditorContext &) { tl_toggleComment(b); });
+    });
+    menu->addAction(tr("Sort Lines…"), this, &PlainTextView::sortLines);
+    menu->exec(event->globalPos());
+    delete menu;
 }
 
 } // namespace tl::app

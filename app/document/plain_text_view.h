@@ -1,10 +1,19 @@
 #pragma once
 
+#include "editing/editor_settings.h"
+#include "editing/text_buffer.h"
+
 #include <QPlainTextEdit>
+#include <functional>
 
 // The plain-text editor: the document's face, size and line spacing, the
-// text the controller hands over, and every change reported back.
+// text the controller hands over, every change reported back, the editing
+// rules on keys, paste and drops (each rule one undo step) and the Markdown
+// colours.
 namespace tl::app {
+
+class HangingIndentLayout;
+class MarkdownHighlighter;
 
 class PlainTextView : public QPlainTextEdit
 {
@@ -15,6 +24,14 @@ public:
     // Replaces the text without reporting a change; the caret goes to offset.
     void showText(const QString &text, qint64 offset);
     void setDocumentFont(const QString &family, int pointSize, double lineSpacing);
+    // The shown document, whose kind decides the colouring.
+    void setDocumentPath(const QString &path);
+
+    using Rule = std::function<void(editing::EditorBuffer &, editing::EditorContext &)>;
+    // Runs a rule on the text and the selection as one undo step.
+    void applyRule(const Rule &rule, bool shift = false);
+    void sortLines();
+
 Q_SIGNALS:
     // The first key that would change the text: set *allowed to false to
     // refuse it (a locked document whose user did not unlock it).
@@ -27,11 +44,19 @@ Q_SIGNALS:
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    bool event(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     bool mayEdit();
-    void applyLineSpacing();
+    bool handleEditingKey(QKeyEvent *event);
+    void typeReplacement(editing::TextRange affected, const QString &replacement, bool shift);
+    void updateStyle();
 
+    HangingIndentLayout *m_layout;
+    MarkdownHighlighter *m_highlighter;
+    QString m_path;
     bool m_editing = false;
     bool m_loading = false;
     double m_lineSpacing = 1.0;

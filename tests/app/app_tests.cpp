@@ -7,7 +7,7 @@ namespace apptest {
 QList<QObject *> allTests()
 {
     return {makeNavigationRulesTest(), makeWelcomeWindowTest(), makeMainWindowTest(),
-            makeScriptPagesLabelTest()};
+            makeScriptPagesLabelTest(), makePlainTextViewTest()};
 }
 
 tl::platform::HeadlessAlertPresenter &alerts()

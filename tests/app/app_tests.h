@@ -20,5 +20,6 @@ QObject *makeNavigationRulesTest();
 QObject *makeMainWindowTest();
 QObject *makeWelcomeWindowTest();
 QObject *makeScriptPagesLabelTest();
+QObject *makePlainTextViewTest();
 
 } // namespace apptest

@@ -1,0 +1,115 @@
+// The plain-text view applies the editing rules to keys as one undo step
+// each, and colours Markdown without touching the undo history.
+#include "app_tests.h"
+#include "document/hanging_indent_layout.h"
+#include "document/plain_text_view.h"
+#include "platform/settings.h"
+
+#include <QTest>
+#include <QTextBlock>
+#include <QTextLayout>
+
+namespace {
+
+using tl::app::PlainTextView;
+
+class PlainTextViewTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void init()
+    {
+        tl::platform::Settings &settings = tl::platform::settings();
+        for (const char *key : {"AutoIndentLists", "insertClosingCharacters", "HighlightMarkdown"})
+            settings.set(QString::fromLatin1(key), true);
+        settings.set(QStringLiteral("IndentWithTabs"), false);
+    }
+
+    void returnContinuesAListAndUndoRestoresIt()
+    {
+        PlainTextView view;
+        view.setDocumentPath(QStringLiteral("/tmp/List.md"));
+        view.showText(QString(), 0);
+        view.show();
+        QTest::keyClicks(&view, QStringLiteral("- milk"));
+        QTest::keyClick(&view, Qt::Key_Return);
+        QCOMPARE(view.toPlainText(), QStringLiteral("- milk\n- "));
+        view.undo();
+        QCOMPARE(view.toPlainText(), QStringLiteral("- milk"));
+        view.redo();
+        QCOMPARE(view.toPlainText(), QStringLiteral("- milk\n- "));
+        QTest::keyClick(&view, Qt::Key_Return);
+        QCOMPARE(view.toPlainText(), QStringLiteral("- milk\n\n"));
+        view.undo();
+        QCOMPARE(view.toPlainText(), QStringLiteral("- milk\n- "));
+    }
+
+    void pairsAndNumbersFollowTheKeys()
+    {
+        PlainTextView view;
+        view.setDocumentPath(QStringLiteral("/tmp/Notes.md"));
+        view.showText(QStringLiteral("1. a\n2. b"), 4);
+        QTest::keyClick(&view, Qt::Key_Return);
+        QCOMPARE(view.toPlainText(), QStringLiteral("1. a\n2. \n3. b"));
+        QTest::keyClicks(&view, QStringLiteral("f("));
+        QCOMPARE(view.toPlainText(), QStringLiteral("1. a\n2. f()\n3. b"));
+        QTest::keyClick(&view, Qt::Key_Backspace);
+        QCOMPARE(view.toPlainText(), QStringLiteral("1. a\n2. f\n3. b"));
+        QTest::keyClick(&view, Qt::Key_1, Qt::ControlModifier);
+        QCOMPARE(view.toPlainText(), QStringLiteral("1. a\n# 2. f\n3. b"));
+    }
+
+    void headingsHangWithoutEnteringTheUndoHistory()
+    {
+        PlainTextView view;
+        view.setDocumentPath(QStringLiteral("/tmp/Head.md"));
+        view.showText(QStringLiteral("## Heading\n- item *slanted*\nplain"), 0);
+        QVERIFY(!view.document()->isUndoAvailable());
+        const QTextBlock heading = view.document()->firstBlock();
+        const auto *indents = static_cast<const tl::app::ParagraphIndents *>(heading.userData());
+        QVERIFY(indents);
+        QVERIFY(indents->firstLine < indents->head);
+        QVERIFY(!heading.layout()->formats().isEmpty());
+        QVERIFY(!heading.next().layout()->formats().isEmpty());
+        QTest::keyClicks(&view, QStringLiteral("x"));
+        view.undo();
+        QVERIFY(!view.document()->isUndoAvailable());
+        QCOMPARE(view.toPlainText(), QStringLiteral("## Heading\n- item *slanted*\nplain"));
+    }
+
+    void screenshotsWhenAsked()
+    {
+        const QString folder = qEnvironmentVariable("TAVELLE_SCREENSHOTS");
+        if (folder.isEmpty())
+            QSKIP("TAVELLE_SCREENSHOTS names no folder");
+        const QString text = QStringLiteral(
+            "# Shopping\n\nThings to get on **Saturday**, in *this* order:\n\n1. Milk\n2. Eggs "
+            "and a long item that wraps onto a second line to show the hanging indent of "
+            "list items\n    1. Free range\n3. Bread\n\n- [ ] call the baker\n- [x] order "
+            "flour @done\n\n> quoted line\n\nSee [[Recipes|my recipes]] and "
+            "[the site](https://example.com).\n\n```\ncode *stays* plain\n```\n\nInline "
+            "`code` and ==marked== text, ~~struck~~.\n");
+        for (const bool dark : {false, true}) {
+            PlainTextView view;
+            QPalette palette = view.palette();
+            palette.setColor(QPalette::Base, dark ? QColor(30, 30, 30) : Qt::white);
+            palette.setColor(QPalette::Text, dark ? QColor(220, 220, 220) : QColor(30, 30, 30));
+            view.setPalette(palette);
+            view.resize(560, 640);
+            view.setDocumentPath(QStringLiteral("/tmp/Shopping.md"));
+            view.show();
+            view.showText(text, 0);
+            QVERIFY(QTest::qWaitForWindowExposed(&view));
+            view.grab().save(folder + (dark ? u"/editor-dark.png"_qs : u"/editor-light.png"_qs));
+        }
+    }
+};
+
+} // namespace
+
+QObject *apptest::makePlainTextViewTest()
+{
+    return new PlainTextViewTest;
+}
+
+#include "plain_text_view_test.moc"
