@@ -55,6 +55,8 @@ packages=(
   # tests, fuzzing and benchmarks: real HTTP clients and a peer server to compare with
   libgtest-dev libgmock-dev libbenchmark-dev clang-14 libclang-rt-14-dev curl nginx-light wrk
   litmus cadaver discount libnginx-mod-http-dav-ext
+  # the search benchmark measures index building against ripgrep scanning the same folder
+  ripgrep
   # the desktop program: widgets, formatted view, PDF view, and a display for its tests
   qt6-webengine-dev qt6-webchannel-dev qt6-pdf-dev qt6-svg-dev xvfb xauth
   # peers of the converters, and the Debian package of the program

@@ -22,4 +22,8 @@ inline constexpr char OpenWebarchivesWithTLKSMethods[] = "openWebarchivesWithTLK
 inline constexpr char NoAutosaveText[] = "noAutosaveText";
 inline constexpr char ShowHTMLHeader[] = "showHTMLHeader";
 inline constexpr char DefaultDocumentType[] = "DefaultDocumentType";
+inline constexpr char SearchAllBooks[] = "searchAllBooks";
+inline constexpr char SearchTitle[] = "searchTitle";
+inline constexpr char SearchContent[] = "searchContent";
+inline constexpr char SearchfieldVisibleInDocList[] = "searchfieldVisibleInDocList";
 } // namespace tl::keys::setting

@@ -2,6 +2,7 @@
 
 #include "browser/browser_keys.h"
 #include "browser/later_sources.h"
+#include "browser/library_search.h"
 #include "browser/smart_books.h"
 #include "foundation/clock.h"
 #include "foundation/compare.h"
@@ -101,23 +102,6 @@ QStringList itemsOfAllTags(const QString &tagLines)
         items.removeIf([&](const QString &item) { return !further.contains(item); });
     }
     return items;
-}
-
-// The documents modified within the chosen number of weeks, newest first.
-QStringList recentlyModifiedPaths()
-{
-    const qint64 weeks = platform::settings().integer(QLatin1String(S::RecentlyModifiedSince));
-    const QDateTime since = clock().now().addSecs(-(weeks * 604800 + 604800));
-    QStringList result;
-    QDirIterator it(store::libraryRoot(), QDir::Files | QDir::NoDotAndDotDot,
-                    QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString file = it.next();
-        if (!store::tl_pathIsExcludedFromRecentlyModified(file) && !store::tl_pathIsDotFile(file) &&
-            it.fileInfo().lastModified() > since)
-            result << file;
-    }
-    return result;
 }
 
 } // namespace
@@ -274,7 +258,10 @@ void TLKSDocumentListViewController::fillSmartBook()
         addRows(lastSearchResults(), true);
         return;
     case RecentlyModified:
-        addRows(recentlyModifiedPaths(), true);
+        addRows(searchFilter.isEmpty() ? tl_recentlyModifiedItems(platform::settings().integer(
+                                             QLatin1String(S::RecentlyModifiedSince)))
+                                       : readResultFile(recentlyModifiedItemsFile()),
+                true);
         store::tl_sortByParameter(documentsList, QStringLiteral("modDate"), true);
         return;
     default:

@@ -27,11 +27,6 @@ QStringList tl_verifiedTagList(const QString &path)
     return contexts::tl_verifiedTagList(path);
 }
 
-QStringList lastSearchResults()
-{
-    return {};
-}
-
 void requestPlaceholderDownload(const QString &)
 {
 }

@@ -19,8 +19,6 @@ QStringList tl_listOfAllAvailableTags();
 QStringList tl_listOfAllItemsForTag(const QString &tag);
 // The tags an item bears.
 QStringList tl_verifiedTagList(const QString &path);
-// The last search's result paths.
-QStringList lastSearchResults();
 // Task-list bookkeeping: the list of all task lists and the clean-up of a
 // book's records after its documents went away.
 void updateListOfTasklists();

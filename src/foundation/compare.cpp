@@ -274,6 +274,11 @@ bool caseAndDiacriticInsensitiveContains(QStringView haystack, QStringView needl
     return searchForm(haystack).indexOf(n) >= 0;
 }
 
+QString caseAndDiacriticFolded(QStringView s)
+{
+    return toQString(searchForm(s));
+}
+
 bool caseInsensitiveContains(QStringView haystack, QStringView needle)
 {
     if (needle.isEmpty())

@@ -40,6 +40,9 @@ int caseInsensitiveCompare(QStringView a, QStringView b);
 // Whether `needle` occurs in `haystack` once both are case-folded, decomposed
 // and stripped of combining marks. An empty needle is never found.
 bool caseAndDiacriticInsensitiveContains(QStringView haystack, QStringView needle);
+// The form the contains test above compares: case-folded, decomposed and
+// without combining marks.
+QString caseAndDiacriticFolded(QStringView s);
 
 // Whether `needle` occurs in `haystack` ignoring case (lower-cased in the
 // collation locale, then folded) with canonical equivalence; diacritics count,

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+
+// The items a search looks at, found by one walk that reads no file.
+namespace tl::search {
+
+struct ItemStamp
+{
+    QString path;
+    // Nanoseconds since the epoch.
+    qint64 modified = 0;
+    qint64 size = 0;
+    bool isFolder = false;
+};
+
+// Every item below the folder, the folder itself not included. Dot files and
+// the library's resources (but for its style sheets) are left out; packages
+// and linked folders are items whose insides are not entered.
+void forEachSearchableItem(const QString &folder,
+                           const std::function<void(const ItemStamp &)> &visit);
+
+// Whether the walk above, started at the root, would visit the path.
+bool isSearchableItemPath(const QString &path);
+
+} // namespace tl::search

@@ -1,0 +1,101 @@
+#include "search/searchable_text.h"
+
+#include "convert/html_to_text.h"
+#include "foundation/plist.h"
+#include "store/document_file.h"
+#include "store/extensions.h"
+#include "store/pdf_document.h"
+
+#include <QVariant>
+
+namespace tl::search {
+
+namespace {
+
+enum class Kind { None, PlainText, HTML, PropertyList, PDF };
+
+Kind kindOf(const QString &path, const QSet<QString> &customPlainText)
+{
+    const QString extension = store::lowerCasedExtension(path);
+    // Property lists also stand in the plain-text list: their values are what counts.
+    if (extension == u"plist")
+        return Kind::PropertyList;
+    if (extension == u"html" || extension == u"htm")
+        return Kind::HTML;
+    if (extension == u"pdf")
+        return Kind::PDF;
+    if (store::plainTextExtensions().contains(extension) ||
+        store::markdownExtensions().contains(extension) || customPlainText.contains(extension))
+        return Kind::PlainText;
+    return Kind::None;
+}
+
+void collectStrings(const QVariant &value, QStringList &strings)
+{
+    switch (value.typeId()) {
+    case QMetaType::QString:
+        strings << value.toString();
+        break;
+    case QMetaType::QVariantList:
+        for (const QVariant &item : value.toList())
+            collectStrings(item, strings);
+        break;
+    case QMetaType::QVariantMap: {
+        const QVariantMap map = value.toMap();
+        for (auto it = map.cbegin(); it != map.cend(); ++it)
+            collectStrings(it.value(), strings);
+        break;
+    }
+    default:
+        break;
+    }
+}
+
+std::optional<QString> plainText(const QString &path)
+{
+    std::optional<store::DecodedText> decoded = store::tl_stringWithContentsOfFile(path);
+    if (!decoded)
+        return std::nullopt;
+    return std::move(decoded->text);
+}
+
+} // namespace
+
+SearchableText::SearchableText() : m_customPlainTextExtensions(store::customPlaintextExtensions())
+{
+}
+
+bool SearchableText::hasText(const QString &path) const
+{
+    return kindOf(path, m_customPlainTextExtensions) != Kind::None;
+}
+
+std::optional<QString> SearchableText::textOf(const QString &path) const
+{
+    switch (kindOf(path, m_customPlainTextExtensions)) {
+    case Kind::PlainText:
+        return plainText(path);
+    case Kind::HTML: {
+        std::optional<QString> html = plainText(path);
+        if (!html)
+            return std::nullopt;
+        return convert::tl_htmlToPlainText(*html);
+    }
+    case Kind::PropertyList: {
+        const std::optional<QByteArray> bytes = store::tl_dataWithContentsOfFile(path);
+        const std::optional<QVariant> value = bytes ? plist::parse(*bytes) : std::nullopt;
+        if (!value)
+            return std::nullopt;
+        QStringList strings;
+        collectStrings(*value, strings);
+        return strings.join(u'\n');
+    }
+    case Kind::PDF:
+        return store::pdfText(path);
+    case Kind::None:
+        break;
+    }
+    return std::nullopt;
+}
+
+} // namespace tl::search

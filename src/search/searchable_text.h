@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QSet>
+#include <QString>
+#include <optional>
+
+// The text a search finds in a file, by its kind.
+namespace tl::search {
+
+// Plain-text kinds in the encoding they are found in, HTML as its plain
+// text, property lists by their string values, PDF by the text of its pages.
+// Nothing for other kinds and for files that cannot be read. The library's
+// own plain-text extensions are read once, when the reader is made.
+class SearchableText
+{
+public:
+    SearchableText();
+    bool hasText(const QString &path) const;
+    std::optional<QString> textOf(const QString &path) const;
+
+private:
+    QSet<QString> m_customPlainTextExtensions;
+};
+
+} // namespace tl::search

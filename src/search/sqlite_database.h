@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QString>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+// A thin hold on an SQLite connection: statements that remember the first
+// failure, so callers test once after a run of steps.
+namespace tl::search::detail {
+
+class Database
+{
+public:
+    Database() = default;
+    ~Database();
+    Database(const Database &) = delete;
+    Database &operator=(const Database &) = delete;
+
+    bool open(const QString &path);
+    void close();
+    bool isOpen() const { return m_db != nullptr; }
+    bool exec(const char *sql);
+    sqlite3 *handle() const { return m_db; }
+
+    // The first failure since the last clear, as SQLite's primary code.
+    int failure() const { return m_failure; }
+    void clearFailure() { m_failure = 0; }
+    void noteFailure(int code);
+    // SQLite found the file damaged or not a database at all.
+    bool isDamaged() const;
+
+private:
+    sqlite3 *m_db = nullptr;
+    int m_failure = 0;
+};
+
+class Statement
+{
+public:
+    Statement(Database &db, const QString &sql);
+    ~Statement();
+    Statement(const Statement &) = delete;
+    Statement &operator=(const Statement &) = delete;
+
+    Statement &bind(int index, const QString &text);
+    Statement &bind(int index, qint64 number);
+    // True while a row is there; false at the end and on failure.
+    bool step();
+    // Steps to the end, then resets for another run.
+    bool run();
+    void reset();
+    QString text(int column) const;
+    qint64 integer(int column) const;
+
+private:
+    Database &m_db;
+    sqlite3_stmt *m_statement = nullptr;
+};
+
+} // namespace tl::search::detail

@@ -1,0 +1,181 @@
+// The index answers what the walk answers, on a generated library and after
+// changes made behind its back.
+#include "../store/library_fixture.h"
+#include "search/search_index.h"
+#include "search/search_walk.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QRandomGenerator>
+#include <gtest/gtest.h>
+
+namespace {
+
+using tl::search::Field;
+using tl::search::Query;
+
+const QStringList kWords{"organ",  "organiser", "Éclair",  "eclair", "naïve", "NAIVE",
+                         "shelf",  "book",      "brûlée",  "plan",   "plans", "river",
+                         "rivers", "Straße",    "strasse", "x1",     "über",  "uber"};
+
+class IndexVersusWalk : public tltest::LibraryTest
+{
+protected:
+    QRandomGenerator random{20261124};
+
+    QString word() { return kWords[random.bounded(int(kWords.size()))]; }
+    QString words(int count)
+    {
+        QStringList list;
+        for (int i = 0; i < count; ++i)
+            list << word();
+        return list.join(random.bounded(3) == 0 ? ", " : " ");
+    }
+
+    QString documentName()
+    {
+        static const char *const kinds[] = {".md", ".txt", ".html", ".png"};
+        return words(2) + QString::number(random.bounded(1000)) + kinds[random.bounded(4)];
+    }
+
+    void writeDocument(const QString &path)
+    {
+        const QString text = words(12);
+        if (path.endsWith(".html"))
+            makeFile(path, ("<html><body><p>" + text + "</p></body></html>").toUtf8());
+        else
+            makeFile(path, text.toUtf8());
+        if (random.bounded(3) == 0)
+            writePlist(path + ".plist", QVariantMap{{"Note", words(3)}});
+    }
+
+    void generate(int books, int documentsPerBook)
+    {
+        for (int b = 0; b < books; ++b) {
+            const QString book = makeFolder(inRoot(words(1) + " " + QString::number(b)));
+            writePlist(book + "/BookProperties.plist", QVariantMap{{"Note", words(2)}});
+            for (int d = 0; d < documentsPerBook; ++d)
+                writeDocument(book + "/" + documentName());
+        }
+    }
+
+    QStringList allFiles() const
+    {
+        QStringList files;
+        QDirIterator it(root_, QDir::Files, QDirIterator::Subdirectories);
+        while (it.hasNext())
+            files << it.next();
+        files.sort();
+        return files;
+    }
+
+    QStringList books() const
+    {
+        QStringList list;
+        for (const QFileInfo &info : QDir(root_).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot))
+            list << info.filePath();
+        return list;
+    }
+
+    QList<Query> queries()
+    {
+        QList<Query> list;
+        for (const Field field : {Field::NameOrContent, Field::Name, Field::Content})
+            for (int i = 0; i < 12; ++i) {
+                QString first = word();
+                first.truncate(1 + random.bounded(int(first.size())));
+                QStringList terms{first};
+                if (i % 3 == 0)
+                    terms << word();
+                if (i % 4 == 1)
+                    terms << word() + " " + word().left(2);
+                list << Query{terms, field};
+            }
+        return list;
+    }
+
+    void expectSameAnswers(tl::search::SearchIndex &index)
+    {
+        for (const Query &query : queries())
+            for (const QString &scope : {root_, books().first()}) {
+                QStringList byIndex = index.search(query, scope);
+                QStringList byWalk = tl::search::walkSearch(query, scope);
+                byIndex.sort();
+                byWalk.sort();
+                EXPECT_EQ(byIndex, byWalk)
+                    << query.terms.join("|") << " field " << int(query.field) << " in " << scope;
+            }
+    }
+
+    QString indexFile() const { return home_ + "/index/SearchIndex.sqlite"; }
+};
+
+TEST_F(IndexVersusWalk, AnswerAlikeOnAGeneratedLibrary)
+{
+    generate(4, 25);
+    tl::search::SearchIndex index(root_, indexFile());
+    ASSERT_TRUE(index.bringUpToDate());
+    expectSameAnswers(index);
+}
+
+TEST_F(IndexVersusWalk, AnswerAlikeAfterChangesBehindTheIndexsBack)
+{
+    generate(4, 25);
+    {
+        tl::search::SearchIndex index(root_, indexFile());
+        ASSERT_TRUE(index.bringUpToDate());
+    }
+    QStringList files = allFiles();
+    for (int i = 0; i < 15; ++i)
+        writeDocument(files[random.bounded(int(files.size()))]);
+    for (int i = 0; i < 10; ++i) {
+        const QString from = files.takeAt(random.bounded(int(files.size())));
+        QFile::rename(from, from.section('/', 0, -2) + "/" + documentName());
+    }
+    for (int i = 0; i < 10; ++i)
+        QFile::remove(files.takeAt(random.bounded(int(files.size()))));
+    QDir(books().first()).removeRecursively();
+    QDir().rename(books().last(), books().last() + " renamed");
+    writeDocument(inRoot("New book/" + documentName()));
+
+    tl::search::SearchIndex index(root_, indexFile());
+    ASSERT_TRUE(index.bringUpToDate());
+    expectSameAnswers(index);
+}
+
+TEST_F(IndexVersusWalk, FollowsItemsItIsToldAbout)
+{
+    generate(2, 10);
+    tl::search::SearchIndex index(root_, indexFile());
+    ASSERT_TRUE(index.bringUpToDate());
+    const QString book = books().first();
+    const QString renamed = book + " moved";
+    QDir().rename(book, renamed);
+    index.refreshItem(book);
+    index.refreshItem(renamed);
+    const QString added = inRoot(documentName());
+    writeDocument(added);
+    index.refreshItem(added);
+    index.refreshItem(added + ".plist");
+    expectSameAnswers(index);
+}
+
+TEST_F(IndexVersusWalk, ADamagedIndexIsBuiltAnew)
+{
+    generate(2, 10);
+    {
+        tl::search::SearchIndex index(root_, indexFile());
+        ASSERT_TRUE(index.bringUpToDate());
+    }
+    QFile file(indexFile());
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    file.seek(0);
+    file.write(QByteArray(4096, 'x'));
+    file.close();
+    tl::search::SearchIndex index(root_, indexFile());
+    ASSERT_TRUE(index.bringUpToDate());
+    expectSameAnswers(index);
+}
+
+} // namespace

@@ -1,0 +1,89 @@
+// What a term finds, by the index and by the walk alike.
+#include "../store/library_fixture.h"
+#include "search/search_index.h"
+#include "search/search_walk.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using tl::search::Field;
+using tl::search::Query;
+
+struct MatchCase
+{
+    const char *name;
+    QStringList terms;
+    Field field;
+    QStringList expected; // file names, sorted
+};
+
+class SearchMatching : public tltest::LibraryTest, public ::testing::WithParamInterface<bool>
+{
+protected:
+    void SetUp() override
+    {
+        LibraryTest::SetUp();
+        makeFile(inRoot("Organiser notes.md"), "Plans to reorganise the shelf.");
+        makeFile(inRoot("Café.txt"), "Nothing about drinks here.");
+        makeFile(inRoot("Recipes.txt"), "Crème brûlée needs a torch.\nThe quick brown fox.");
+        makeFile(inRoot("Page.html"),
+                 "<html><body><p>Formatted <b>organiser</b> text</p></body></html>");
+        makeFile(inRoot("Props.plist"), tl::plist::toXml(QVariantMap{{"Note", "hidden gem"}}));
+        makeFile(inRoot("Picture.png"), "organiser inside a picture");
+        makeFolder(inRoot("Quick Book"));
+        makeFile(inRoot(".Hidden.md"), "organiser");
+    }
+
+    QStringList names(const Query &query)
+    {
+        QStringList hits;
+        if (GetParam()) {
+            tl::search::SearchIndex index(root_, home_ + "/index.sqlite");
+            index.bringUpToDate();
+            hits = index.search(query, root_);
+        } else {
+            hits = tl::search::walkSearch(query, root_);
+        }
+        for (QString &hit : hits)
+            hit = hit.mid(root_.size() + 1);
+        hits.sort();
+        return hits;
+    }
+};
+
+TEST_P(SearchMatching, FindsByNameSubstringAndContentWordPrefix)
+{
+    const MatchCase cases[] = {
+        {"content prefix", {"organ"}, Field::Content, {"Page.html"}},
+        {"no match inside a word", {"ganiser"}, Field::Content, {}},
+        {"name substring", {"ganiser"}, Field::Name, {"Organiser notes.md"}},
+        {"name ignores diacritics", {"cafe"}, Field::Name, {"Café.txt"}},
+        {"name ignores case", {"CAFÉ"}, Field::Name, {"Café.txt"}},
+        {"content ignores diacritics", {"creme brulee"}, Field::Content, {"Recipes.txt"}},
+        {"phrase of consecutive words", {"quick brown"}, Field::Content, {"Recipes.txt"}},
+        {"phrase with a prefix last", {"the quick bro"}, Field::Content, {"Recipes.txt"}},
+        {"phrase words out of order", {"brown quick"}, Field::Content, {}},
+        {"either field", {"quick"}, Field::NameOrContent, {"Quick Book", "Recipes.txt"}},
+        {"AND across name and content",
+         {"recipes", "torch"},
+         Field::NameOrContent,
+         {"Recipes.txt"}},
+        {"AND needs every term", {"recipes", "organ"}, Field::NameOrContent, {}},
+        {"property list values", {"gem"}, Field::Content, {"Props.plist"}},
+        {"no text in pictures", {"inside"}, Field::Content, {}},
+        {"punctuation only finds names",
+         {"."},
+         Field::NameOrContent,
+         {"Café.txt", "Organiser notes.md", "Page.html", "Picture.png", "Props.plist",
+          "Recipes.txt"}},
+        {"punctuation finds no content", {"."}, Field::Content, {}},
+    };
+    for (const MatchCase &c : cases)
+        EXPECT_EQ(names(Query{c.terms, c.field}), c.expected) << c.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(IndexAndWalk, SearchMatching, ::testing::Values(true, false),
+                         [](const auto &info) { return info.param ? "Index" : "Walk"; });
+
+} // namespace
