@@ -20,9 +20,10 @@ const QString kNoLibrary =
 std::vector<const Command *> allCommands()
 {
     std::vector<const Command *> all;
-    for (const auto *group : {&libraryCommands(), &settingsCommands(), &pathCommands(),
-                              &itemCommands(), &convertCommands(), &fountainCommands(),
-                              &browserCommands(), &tasksCommands(), &serveCommands()})
+    for (const auto *group :
+         {&libraryCommands(), &settingsCommands(), &pathCommands(), &itemCommands(),
+          &convertCommands(), &fountainCommands(), &browserCommands(), &tasksCommands(),
+          &searchCommands(), &serveCommands()})
         for (const Command &c : *group)
             all.push_back(&c);
     return all;

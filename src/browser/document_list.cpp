@@ -258,8 +258,9 @@ void TLKSDocumentListViewController::fillSmartBook()
         addRows(lastSearchResults(), true);
         return;
     case RecentlyModified:
-        addRows(searchFilter.isEmpty() ? tl_recentlyModifiedItems(platform::settings().integer(
-                                             QLatin1String(S::RecentlyModifiedSince)))
+        addRows(searchFilter.isEmpty() ? pathsOfRows(tl_recentlyModifiedItems(
+                                             platform::settings().integer(
+                                                 QLatin1String(S::RecentlyModifiedSince))))
                                        : readResultFile(recentlyModifiedItemsFile()),
                 true);
         store::tl_sortByParameter(documentsList, QStringLiteral("modDate"), true);

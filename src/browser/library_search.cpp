@@ -50,6 +50,11 @@ QString searchScope(const QString &shownBook)
     return store::libraryRoot();
 }
 
+QStringList SearchResults::paths() const
+{
+    return pathsOfRows(rows);
+}
+
 search::SearchIndex &searchIndexOfLibrary()
 {
     static QMutex guard;
@@ -71,15 +76,12 @@ SearchResults runLibrarySearch(const QString &searchText, const QString &scope, 
 {
     const QStringList hits =
         searchHits(search::Query{tl_arrayOfSearchTermsInString(searchText), field}, scope, source);
-    QList<store::ListRow> rows;
-    for (const QString &item : itemsForSearchHits(hits))
-        rows << store::tl_rowForItem(item);
-    store::tl_sortByParameter(rows, QStringLiteral("title"), false);
     SearchResults results;
-    for (const store::ListRow &row : rows)
-        results.paths << row.path;
-    writeResultFile(lastSearchResultsFile(), results.paths);
-    results.title = searchResultsTitle(searchText, results.paths.size(), scope);
+    for (const QString &item : itemsForSearchHits(hits))
+        results.rows << store::tl_rowForItem(item);
+    store::tl_sortByParameter(results.rows, QStringLiteral("title"), false);
+    writeResultFile(lastSearchResultsFile(), results.paths());
+    results.title = searchResultsTitle(searchText, results.rows.size(), scope);
     return results;
 }
 

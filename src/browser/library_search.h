@@ -1,6 +1,7 @@
 #pragma once
 
 #include "search/search_query.h"
+#include "store/list_row.h"
 
 #include <QString>
 #include <QStringList>
@@ -42,9 +43,10 @@ enum class SearchSource {
 
 struct SearchResults
 {
-    // Items sorted by title.
-    QStringList paths;
+    // The items' rows, sorted by title.
+    QList<store::ListRow> rows;
     QString title;
+    QStringList paths() const;
 };
 // Runs a search and writes its items to the last search's result file.
 SearchResults runLibrarySearch(const QString &searchText, const QString &scope, search::Field field,
@@ -65,6 +67,7 @@ QStringList readResultFile(const QString &file);
 QStringList lastSearchResults();
 // Documents modified within recentlyModifiedSince × 7 + 7 days, newest first,
 // also written to the Recently Modified result file.
-QStringList tl_recentlyModifiedItems(qint64 recentlyModifiedSince);
+QList<store::ListRow> tl_recentlyModifiedItems(qint64 recentlyModifiedSince);
+QStringList pathsOfRows(const QList<store::ListRow> &rows);
 
 } // namespace tl::browser

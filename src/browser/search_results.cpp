@@ -82,7 +82,15 @@ QStringList lastSearchResults()
     return readResultFile(lastSearchResultsFile());
 }
 
-QStringList tl_recentlyModifiedItems(qint64 recentlyModifiedSince)
+QStringList pathsOfRows(const QList<store::ListRow> &rows)
+{
+    QStringList paths;
+    for (const store::ListRow &row : rows)
+        paths << row.path;
+    return paths;
+}
+
+QList<store::ListRow> tl_recentlyModifiedItems(qint64 recentlyModifiedSince)
 {
     const qint64 since =
         clock().now().addSecs(-(recentlyModifiedSince * 604800 + 604800)).toMSecsSinceEpoch() *
@@ -94,11 +102,8 @@ QStringList tl_recentlyModifiedItems(qint64 recentlyModifiedSince)
             rows << store::tl_rowForItem(item.path);
     });
     store::tl_sortByParameter(rows, QStringLiteral("modDate"), true);
-    QStringList paths;
-    for (const store::ListRow &row : rows)
-        paths << row.path;
-    writeResultFile(recentlyModifiedItemsFile(), paths);
-    return paths;
+    writeResultFile(recentlyModifiedItemsFile(), pathsOfRows(rows));
+    return rows;
 }
 
 } // namespace tl::browser

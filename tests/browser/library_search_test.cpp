@@ -81,14 +81,14 @@ TEST_F(LibrarySearch, ResultsAreSortedByTitleAndWrittenToTheResultFile)
         QFile::remove(lastSearchResultsFile());
         const SearchResults results =
             runLibrarySearch("tea", root_, tl::search::Field::NameOrContent, source);
-        EXPECT_EQ(relative(results.paths),
+        EXPECT_EQ(relative(results.paths()),
                   QStringList({"Book/A.md", "Book/b tea.md", "Other/C.md"}));
         EXPECT_EQ(results.title, "Search: tea - 3 Hits");
-        EXPECT_EQ(lastSearchResults(), results.paths);
+        EXPECT_EQ(lastSearchResults(), results.paths());
     }
     const SearchResults inBook =
         runLibrarySearch("tea", inRoot("Book"), tl::search::Field::Content, SearchSource::Index);
-    EXPECT_EQ(relative(inBook.paths), QStringList({"Book/A.md"}));
+    EXPECT_EQ(relative(inBook.paths()), QStringList({"Book/A.md"}));
     EXPECT_EQ(inBook.title, "Book ⟩ Search: tea - 1 Hits");
 }
 
@@ -104,8 +104,8 @@ TEST_F(LibrarySearch, RecentlyModifiedListsNewestFirstAndWritesItsFile)
     touched("Week.md", 3);
     touched("Today.md", 0);
     touched("Today.md.plist", 0);
-    EXPECT_EQ(relative(tl_recentlyModifiedItems(0)), QStringList({"Today.md", "Week.md"}));
-    EXPECT_EQ(relative(tl_recentlyModifiedItems(2)),
+    EXPECT_EQ(relative(pathsOfRows(tl_recentlyModifiedItems(0))), QStringList({"Today.md", "Week.md"}));
+    EXPECT_EQ(relative(pathsOfRows(tl_recentlyModifiedItems(2))),
               QStringList({"Today.md", "Week.md", "Old.md"}));
     EXPECT_EQ(relative(readResultFile(recentlyModifiedItemsFile())),
               QStringList({"Today.md", "Week.md", "Old.md"}));
