@@ -42,6 +42,7 @@ const std::vector<Command> &browserCommands();
 const std::vector<Command> &fountainCommands();
 const std::vector<Command> &tasksCommands();
 const std::vector<Command> &searchCommands();
+const std::vector<Command> &publishCommands();
 
 // No arguments, or only the launch gestures: the desktop program is wanted.
 bool startsDesktopProgram(int argc, char **argv);
