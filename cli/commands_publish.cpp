@@ -4,6 +4,7 @@
 #include "foundation/path_string.h"
 #include "publish/compile_selection.h"
 #include "publish/document_compiler.h"
+#include "publish/ebook_details.h"
 #include "publish/pdf_printing.h"
 #include "publish/publish_texts.h"
 
@@ -58,8 +59,8 @@ int compile(const QCommandLineParser &parser, const Invocation &in)
     compiler.basePath = *base;
     if (format != u"auto")
         compiler.outputKind = format;
-    const QString title = publish::proposedCompileTitle(parser.value(QStringLiteral("title")),
-                                                        *selection);
+    const QString title =
+        publish::proposedCompileTitle(parser.value(QStringLiteral("title")), *selection);
     const QString compiled =
         compiler.tl_createHTMLFromDocuments(*selection, title, QString(), format == u"auto");
     if (compiled.isEmpty())
@@ -94,7 +95,8 @@ int epub(const QCommandLineParser &parser, const Invocation &in)
     attributes.subject = parser.value(QStringLiteral("subject"));
     attributes.description = parser.value(QStringLiteral("description"));
     attributes.rights = parser.value(QStringLiteral("rights"));
-    const std::optional<QString> book = compiler.tl_makeePubWithAttributes(attributes, *selection);
+    const std::optional<QString> book = compiler.tl_makeePubWithAttributes(
+        publish::withProposedDetails(attributes, *selection, compiler.basePath), *selection);
     if (!book)
         return fail(QStringLiteral("The e-book was not made"));
     if (!parser.isSet(QStringLiteral("o"))) {

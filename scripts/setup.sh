@@ -61,6 +61,8 @@ packages=(
   qt6-webengine-dev qt6-webchannel-dev qt6-pdf-dev qt6-svg-dev xvfb xauth
   # peers of the converters, and the Debian package of the program
   pandoc dpkg-dev fakeroot
+  # checks of the e-books and PDFs the publishing makes, and reading them back
+  epubcheck poppler-utils unzip
 )
 
 missing=()

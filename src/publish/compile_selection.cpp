@@ -94,7 +94,8 @@ QString outputExtension(const QStringList &documents, bool autoFormat)
     for (const QString &path : documents) {
         if (extensionIsOneOf(path, {u"html", u"eml"}))
             return QStringLiteral("html");
-        markdown = markdown || store::markdownExtensions().contains(store::lowerCasedExtension(path));
+        markdown =
+            markdown || store::markdownExtensions().contains(store::lowerCasedExtension(path));
     }
     return markdown ? QStringLiteral("md") : QStringLiteral("txt");
 }

@@ -184,8 +184,7 @@ QString TLKSDocumentCompiler::tl_createHTMLFromDocuments(const QStringList &path
             write(imageEntry(path, run));
         } else if (const std::optional<QString> text = entryText(path, run)) {
             write(compiledEntry(withGatheredImages(*text, path::deletingLastComponent(path),
-                                                   run.imagesFolder, run.html(),
-                                                   run.imageNames)));
+                                                   run.imagesFolder, run.html(), run.imageNames)));
         }
         updateProgress(100.0 / documents.size() * ++done);
     }

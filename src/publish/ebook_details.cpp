@@ -24,9 +24,9 @@ EBookAttributes withProposedDetails(EBookAttributes given, const QStringList &se
                                     const QString &basePath)
 {
     const EBookAttributes proposal = proposedEBookAttributes(selection, basePath);
-    for (auto [field, fallback] : {std::pair{&given.title, &proposal.title},
-                                   std::pair{&given.author, &proposal.author},
-                                   std::pair{&given.rights, &proposal.rights}})
+    for (auto [field, fallback] :
+         {std::pair{&given.title, &proposal.title}, std::pair{&given.author, &proposal.author},
+          std::pair{&given.rights, &proposal.rights}})
         if (field->isEmpty())
             *field = *fallback;
     return given;

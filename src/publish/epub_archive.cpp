@@ -33,8 +33,8 @@ bool writeEPubArchive(const QString &tree, const QString &archivePath)
 {
     QFile::remove(archivePath);
     int error = 0;
-    zip_t *archive = zip_open(QFile::encodeName(archivePath).constData(), ZIP_CREATE | ZIP_EXCL,
-                              &error);
+    zip_t *archive =
+        zip_open(QFile::encodeName(archivePath).constData(), ZIP_CREATE | ZIP_EXCL, &error);
     if (!archive) {
         logLine(QStringLiteral("e-book: cannot create %1 (%2)").arg(archivePath).arg(error));
         return false;

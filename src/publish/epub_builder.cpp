@@ -45,7 +45,7 @@ const QStringList &coverNames()
 
 bool isEBookEntry(const QString &path)
 {
-    static const QStringList others{"html", "eml",  "webarchive", "webloc", "url", "ncx"};
+    static const QStringList others{"html", "eml", "webarchive", "webloc", "url", "ncx"};
     const QString extension = store::lowerCasedExtension(path);
     return hasTextExtension(path) || hasImageExtension(path) ||
            store::movieExtensions().contains(extension) || others.contains(extension);
@@ -116,7 +116,7 @@ public:
                 m_manifest += epub::fontItem(i + 1, file);
             }
         }
-        writeText(sheet.css, m_ops + QStringLiteral("/css/style.css"));
+        writeText(sheet.css + newerElementStyles(), m_ops + QStringLiteral("/css/style.css"));
         m_manifest += epub::styleSheetItem();
     }
 
@@ -164,8 +164,8 @@ public:
     // Writes the navigation and answers the package's manifest and spine.
     std::pair<QString, QString> finish(const QString &title)
     {
-        const QString ncx = epub::ncxHead(m_identifier, title) + m_navigation.closedNavMap() +
-                            epub::ncxTail();
+        const QString ncx =
+            epub::ncxHead(m_identifier, title) + m_navigation.closedNavMap() + epub::ncxTail();
         if (m_ownNavigation.isEmpty())
             writeText(ncx, m_ops + QStringLiteral("/toc.ncx"));
         else
@@ -261,9 +261,9 @@ private:
         const QString page = path::lastComponent(store::tl_uniqueNameForFileatPath(
             path::deletingExtension(name) + QStringLiteral(".html"), m_ops));
         const QString caption = path::deletingExtension(name);
-        addPage(page, epub::xhtmlDeclaration() +
-                          epub::captionPage(epub::pageHead(m_identifier, caption),
-                                            hrefForFileName(name), caption));
+        addPage(page,
+                epub::xhtmlDeclaration() + epub::captionPage(epub::pageHead(m_identifier, caption),
+                                                             hrefForFileName(name), caption));
     }
 
     QString m_ops;
@@ -279,9 +279,8 @@ private:
 
 } // namespace
 
-std::optional<QString>
-TLKSDocumentCompiler::tl_makeePubWithAttributes(const EBookAttributes &given,
-                                                const QStringList &paths)
+std::optional<QString> TLKSDocumentCompiler::tl_makeePubWithAttributes(const EBookAttributes &given,
+                                                                       const QStringList &paths)
 {
     creatingeBook = true;
     showSheet();
@@ -315,9 +314,8 @@ TLKSDocumentCompiler::tl_makeePubWithAttributes(const EBookAttributes &given,
     run.addStyleSheet(eBookStyleSheet(styleSource));
 
     QStringList entries;
-    for (const QString &path : paths.isEmpty()
-                                   ? store::tl_sortedListOfAllItemsInHierarchy(base)
-                                   : listOfDocumentsByExpandingBooksInArray(paths))
+    for (const QString &path : paths.isEmpty() ? store::tl_sortedListOfAllItemsInHierarchy(base)
+                                               : listOfDocumentsByExpandingBooksInArray(paths))
         if (isEBookEntry(path))
             entries << path;
     run.namePages(entries);

@@ -45,15 +45,35 @@ QString validId(const QString &id)
     return valid;
 }
 
-// XHTML wants a text for every image; an empty one shows nothing.
-void addMissingAlternativeTexts(xmlNodePtr node)
+// Newer elements XHTML 1.1 lacks, and the older ones of the same kind that
+// take their place, marked by a class of the newer name.
+struct NewerElement
+{
+    const char *name;
+    const char *older;
+};
+constexpr NewerElement kNewerElements[] = {
+    {"mark", "span"},      {"section", "div"}, {"article", "div"}, {"aside", "div"},
+    {"header", "div"},     {"footer", "div"},  {"nav", "div"},     {"figure", "div"},
+    {"figcaption", "div"}, {"details", "div"}, {"summary", "div"}, {"main", "div"},
+};
+
+// Elements XHTML 1.1 knows, and a text for every image (an empty one shows
+// nothing).
+void makeElementsValid(xmlNodePtr node)
 {
     for (; node; node = node->next) {
         if (node->type != XML_ELEMENT_NODE)
             continue;
         if (xmlStrEqual(node->name, BAD_CAST "img") && !xmlHasProp(node, BAD_CAST "alt"))
             xmlSetProp(node, BAD_CAST "alt", BAD_CAST "");
-        addMissingAlternativeTexts(node->children);
+        for (const NewerElement &element : kNewerElements)
+            if (xmlStrEqual(node->name, BAD_CAST element.name)) {
+                xmlSetProp(node, BAD_CAST "class", BAD_CAST element.name);
+                xmlNodeSetName(node, BAD_CAST element.older);
+                break;
+            }
+        makeElementsValid(node->children);
     }
 }
 
@@ -88,11 +108,11 @@ QString withWellFormedBody(const QString &page)
     const qsizetype close = page.lastIndexOf(QStringLiteral("</body>"));
     if (open < 0 || close < open)
         return page;
-    const QByteArray html = "<html><body>" + page.mid(open + 6, close - open - 6).toUtf8() +
-                            "</body></html>";
+    const QByteArray html =
+        "<html><body>" + page.mid(open + 6, close - open - 6).toUtf8() + "</body></html>";
     htmlDocPtr doc = htmlReadMemory(html.constData(), int(html.size()), nullptr, "UTF-8",
-                                    HTML_PARSE_RECOVER | HTML_PARSE_NOERROR |
-                                        HTML_PARSE_NOWARNING | HTML_PARSE_NONET);
+                                    HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING |
+                                        HTML_PARSE_NONET);
     if (!doc)
         return page;
     xmlNodePtr body = xmlDocGetRootElement(doc);
@@ -100,16 +120,22 @@ QString withWellFormedBody(const QString &page)
     while (body && !(body->type == XML_ELEMENT_NODE && xmlStrEqual(body->name, BAD_CAST "body")))
         body = body->next;
     if (body)
-        addMissingAlternativeTexts(body->children);
+        makeElementsValid(body->children);
     xmlBufferPtr buffer = xmlBufferCreate();
     xmlSaveCtxtPtr save = xmlSaveToBuffer(buffer, "UTF-8", XML_SAVE_AS_XML | XML_SAVE_NO_DECL);
     for (xmlNodePtr child = body ? body->children : nullptr; child; child = child->next)
         xmlSaveTree(save, child);
     xmlSaveClose(save);
-    const QString repaired = QString::fromUtf8(reinterpret_cast<const char *>(xmlBufferContent(buffer)));
+    const QString repaired =
+        QString::fromUtf8(reinterpret_cast<const char *>(xmlBufferContent(buffer)));
     xmlBufferFree(buffer);
     xmlFreeDoc(doc);
     return page.left(open + 6) + repaired + page.mid(close);
+}
+
+QString newerElementStyles()
+{
+    return QStringLiteral("\nspan.mark { background-color: yellow; color: black; }\n");
 }
 
 QString pageNameForDocument(const QString &path)
@@ -161,9 +187,9 @@ QString withFlattenedLinks(const QString &html, const QString &documentFolder,
             pages.value(linkedDocument(store::tl_pathWithoutAnchor(target), documentFolder));
         if (page.isEmpty())
             return std::optional(QStringLiteral("<a"));
-        return std::optional(QStringLiteral("<a href=\"%1%2\"")
-                                 .arg(hrefForFileName(page),
-                                      anchor.isEmpty() ? QString() : u'#' + validId(anchor)));
+        return std::optional(
+            QStringLiteral("<a href=\"%1%2\"")
+                .arg(hrefForFileName(page), anchor.isEmpty() ? QString() : u'#' + validId(anchor)));
     });
 }
 

@@ -14,8 +14,11 @@ QString tl_stringByMakingHTMLePubCompliant(const QString &html);
 QString withValidIds(const QString &html);
 // The page's body as well-formed XML, read as a browser reads it: end tags
 // where they are missing, stray ones dropped, named entities as characters,
-// an empty alternative text for images without one.
+// an empty alternative text for images without one, and newer elements
+// ("mark", "section", ...) as the span or div of their class.
 QString withWellFormedBody(const QString &page);
+// What the newer elements look like by default, for the book's style sheet.
+QString newerElementStyles();
 
 // The page a document becomes: its name with "#" as "-" and "&" as "+",
 // ".html" in place of the extension of a converted document.

@@ -22,7 +22,8 @@ QString containerXML()
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
         "<container version=\"1.0\" xmlns=\"urn:oasis:names:tc:opendocument:xmlns:container\">\n"
         "  <rootfiles>\n"
-        "    <rootfile full-path=\"OPS/content.opf\" media-type=\"application/oebps-package+xml\"/>\n"
+        "    <rootfile full-path=\"OPS/content.opf\" "
+        "media-type=\"application/oebps-package+xml\"/>\n"
         "  </rootfiles>\n"
         "</container>\n");
 }
@@ -63,14 +64,13 @@ QString ncxTail()
 
 QString pageHead(const QString &identifier, const QString &title)
 {
-    return QStringLiteral(
-               "<html xmlns=\"http://www.w3.org/1999/xhtml\">\n<head>\n"
-               "<meta http-equiv=\"Content-Type\" content=\"application/xhtml+xml; "
-               "charset=utf-8\" />\n"
-               "<meta name=\"EPB-UUID\" content=\"%1\" />\n"
-               "<title>%2</title>\n"
-               "<link rel=\"stylesheet\" href=\"css/style.css\" type=\"text/css\" />\n"
-               "</head>\n")
+    return QStringLiteral("<html xmlns=\"http://www.w3.org/1999/xhtml\">\n<head>\n"
+                          "<meta http-equiv=\"Content-Type\" content=\"application/xhtml+xml; "
+                          "charset=utf-8\" />\n"
+                          "<meta name=\"EPB-UUID\" content=\"%1\" />\n"
+                          "<title>%2</title>\n"
+                          "<link rel=\"stylesheet\" href=\"css/style.css\" type=\"text/css\" />\n"
+                          "</head>\n")
         .arg(escaped(identifier), escaped(title));
 }
 
@@ -89,10 +89,9 @@ QString page(const QString &head, const QString &body)
 QString captionPage(const QString &head, const QString &imageHref, const QString &caption)
 {
     // The image inside a block: a body takes no bare inline content.
-    return head +
-           QStringLiteral("<body>\n<div><img src=\"TLImages/%1\" alt=\"%2\"/><br/></div><p "
-                          "class=\"caption\">%2</p>\n</body>\n</html>")
-               .arg(imageHref, escaped(caption));
+    return head + QStringLiteral("<body>\n<div><img src=\"TLImages/%1\" alt=\"%2\"/><br/></div><p "
+                                 "class=\"caption\">%2</p>\n</body>\n</html>")
+                      .arg(imageHref, escaped(caption));
 }
 
 QString coverPage(const QString &imageHref)
@@ -108,14 +107,16 @@ QString coverPage(const QString &imageHref)
 
 QString fontItem(int index, const QString &file)
 {
-    return QStringLiteral(" <item id=\"font%1\" href=\"fonts/%2\" media-type=\"font/opentype\" />\n")
+    return QStringLiteral(
+               " <item id=\"font%1\" href=\"fonts/%2\" media-type=\"font/opentype\" />\n")
         .arg(index)
         .arg(escaped(file));
 }
 
 QString styleSheetItem()
 {
-    return QStringLiteral(" <item id=\"stylesheet\" href=\"css/style.css\" media-type=\"text/css\" />\n");
+    return QStringLiteral(
+        " <item id=\"stylesheet\" href=\"css/style.css\" media-type=\"text/css\" />\n");
 }
 
 QString navigationItem(const QString &href)
@@ -167,30 +168,31 @@ QString packageDocument(const PackageMetadata &metadata, const QString &manifest
                         const QString &spine)
 {
     const EBookAttributes &a = metadata.attributes;
-    QString opf = QStringLiteral(
-                      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                      "<package xmlns=\"http://www.idpf.org/2007/opf\" "
-                      "unique-identifier=\"BookId\" version=\"2.0\">\n"
-                      "<metadata xmlns:dc=\"http://purl.org/dc/elements/1.1/\" "
-                      "xmlns:opf=\"http://www.idpf.org/2007/opf\">\n"
-                      "<dc:title>%1</dc:title>\n"
-                      "<dc:creator opf:role=\"aut\">%2</dc:creator>\n"
-                      "<dc:contributor opf:role=\"bkp\">%3</dc:contributor>\n"
-                      "<dc:date>%4</dc:date>\n"
-                      "<dc:identifier id=\"BookId\">%5</dc:identifier>\n"
-                      "<dc:language>en</dc:language>\n")
+    QString opf = QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                 "<package xmlns=\"http://www.idpf.org/2007/opf\" "
+                                 "unique-identifier=\"BookId\" version=\"2.0\">\n"
+                                 "<metadata xmlns:dc=\"http://purl.org/dc/elements/1.1/\" "
+                                 "xmlns:opf=\"http://www.idpf.org/2007/opf\">\n"
+                                 "<dc:title>%1</dc:title>\n"
+                                 "<dc:creator opf:role=\"aut\">%2</dc:creator>\n"
+                                 "<dc:contributor opf:role=\"bkp\">%3</dc:contributor>\n"
+                                 "<dc:date>%4</dc:date>\n"
+                                 "<dc:identifier id=\"BookId\">%5</dc:identifier>\n"
+                                 "<dc:language>en</dc:language>\n")
                       .arg(escaped(a.title), escaped(a.author), escaped(convert::generatorName()),
                            metadata.date, escaped(metadata.identifier));
     const auto optional = [&opf](const char *element, const QString &value) {
         if (!value.isEmpty())
-            opf += QStringLiteral("<dc:%1>%2</dc:%1>\n").arg(QLatin1String(element), escaped(value));
+            opf +=
+                QStringLiteral("<dc:%1>%2</dc:%1>\n").arg(QLatin1String(element), escaped(value));
     };
     optional("subject", a.subject);
     optional("description", a.description);
     optional("rights", a.rights);
     if (metadata.hasCover)
         opf += coverMeta();
-    return opf + QStringLiteral("</metadata>\n") + manifest + spine + QStringLiteral("\n</package>\n");
+    return opf + QStringLiteral("</metadata>\n") + manifest + spine +
+           QStringLiteral("\n</package>\n");
 }
 
 } // namespace tl::publish::epub

@@ -21,17 +21,21 @@ namespace {
 
 // Where paper is US Letter.
 constexpr QLocale::Territory kLetterTerritories[] = {
-    QLocale::UnitedStates, QLocale::Canada,     QLocale::Mexico,     QLocale::Chile,
-    QLocale::Colombia,     QLocale::Venezuela,  QLocale::Philippines, QLocale::PuertoRico,
-    QLocale::CostaRica,    QLocale::Guatemala,  QLocale::Panama,     QLocale::ElSalvador,
+    QLocale::UnitedStates, QLocale::Canada,
+    QLocale::Mexico,       QLocale::Chile,
+    QLocale::Colombia,     QLocale::Venezuela,
+    QLocale::Philippines,  QLocale::PuertoRico,
+    QLocale::CostaRica,    QLocale::Guatemala,
+    QLocale::Panama,       QLocale::ElSalvador,
     QLocale::Nicaragua,    QLocale::DominicanRepublic,
 };
 
 QString printerProgram()
 {
     const QString given = qEnvironmentVariable("TAVELLE_PDF_PRINTER");
-    return !given.isEmpty() ? given
-                            : QCoreApplication::applicationDirPath() + QStringLiteral("/tavelle-pdf");
+    return !given.isEmpty()
+               ? given
+               : QCoreApplication::applicationDirPath() + QStringLiteral("/tavelle-pdf");
 }
 
 constexpr int kPrintTimeoutMs = 120000;
@@ -58,11 +62,12 @@ QString printablePage(const QString &compiledPath)
     const QString text = store::tl_stringWithContentsOfFile(compiledPath)
                              .value_or(store::DecodedText{{}, store::TextEncoding::UTF8})
                              .text;
-    QString page = extension == u"html" ? text
-                   : extension == u"md"
-                       ? convert::tl_markdownToHTML(compiledPath)
-                       : convert::tl_createFormattedDocWithBody(
-                             compiledPath, QStringLiteral("<pre>%1</pre>").arg(text.toHtmlEscaped()));
+    QString page =
+        extension == u"html" ? text
+        : extension == u"md"
+            ? convert::tl_markdownToHTML(compiledPath)
+            : convert::tl_createFormattedDocWithBody(
+                  compiledPath, QStringLiteral("<pre>%1</pre>").arg(text.toHtmlEscaped()));
     const QString base =
         QUrl::fromLocalFile(path::deletingLastComponent(compiledPath) + u'/').toString();
     const qsizetype head = page.indexOf(QStringLiteral("<head>"));
@@ -70,8 +75,8 @@ QString printablePage(const QString &compiledPath)
     return head < 0 ? baseTag + page : page.insert(head + 6, baseTag);
 }
 
-std::optional<QString> printCompiledDocumentToPDF(const QString &compiledPath,
-                                                  const QString &title, const QString &folder)
+std::optional<QString> printCompiledDocumentToPDF(const QString &compiledPath, const QString &title,
+                                                  const QString &folder)
 {
     if (!QDir().mkpath(folder))
         return std::nullopt;
@@ -86,7 +91,7 @@ std::optional<QString> printCompiledDocumentToPDF(const QString &compiledPath,
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     printer.setProcessEnvironment(environment);
-    printer.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    printer.setProcessChannelMode(QProcess::MergedChannels);
     printer.start(printerProgram(), {page, pdf, systemPaper()});
     const bool printed = printer.waitForFinished(kPrintTimeoutMs) &&
                          printer.exitStatus() == QProcess::NormalExit && printer.exitCode() == 0 &&
@@ -95,7 +100,8 @@ std::optional<QString> printCompiledDocumentToPDF(const QString &compiledPath,
         printer.kill();
     QFile::remove(page);
     if (!printed) {
-        logLine(QStringLiteral("PDF: printing %1 failed").arg(compiledPath));
+        logLine(QStringLiteral("PDF: printing %1 failed: %2")
+                    .arg(compiledPath, QString::fromLocal8Bit(printer.readAll())));
         QFile::remove(pdf);
         return std::nullopt;
     }

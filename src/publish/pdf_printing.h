@@ -21,7 +21,7 @@ QString printablePage(const QString &compiledPath);
 
 // Prints the compiled document as TITLE.pdf, made unique in the folder
 // (created if need be); the PDF's path, or nothing when printing failed.
-std::optional<QString> printCompiledDocumentToPDF(const QString &compiledPath,
-                                                  const QString &title, const QString &folder);
+std::optional<QString> printCompiledDocumentToPDF(const QString &compiledPath, const QString &title,
+                                                  const QString &folder);
 
 } // namespace tl::publish
