@@ -1,11 +1,10 @@
 #include "publish/compile_selection.h"
 
 #include "foundation/path_string.h"
+#include "links/attachments.h"
 #include "publish/document_compiler.h"
 #include "publish/publish_texts.h"
 #include "store/extensions.h"
-#include "store/keys.h"
-#include "store/properties.h"
 
 #include <QSet>
 
@@ -107,10 +106,7 @@ QStringList withEmbeddedPhotos(const QStringList &documents)
         if (!hasTextExtension(path))
             continue;
         const QString folder = path::deletingLastComponent(path);
-        const QStringList names =
-            store::tl_propertyForKey(path, QLatin1String(keys::property::EmbeddedPhotos))
-                .toStringList();
-        for (const QString &name : names) {
+        for (const QString &name : links::embeddedPhotosOf(path)) {
             const QString attachment = path::appendingComponent(folder, name);
             if (!attachments.contains(attachment))
                 attachments << attachment;
