@@ -4,8 +4,10 @@
 #include "browser/event_bridge.h"
 #include "desktop_launch.h"
 #include "qt_alert_presenter.h"
+#include "reminder_agent_launch.h"
 #include "shell/version.h"
 #include "store/log.h"
+#include "tasks/reminder_rebuild.h"
 #include "theme.h"
 
 #include <QApplication>
@@ -73,6 +75,10 @@ int main(int argc, char **argv)
     if (!tl::assembly::checkAssembly())
         return 1;
     tl::app::Theme::instance().apply();
+    // The agent rebuilds and delivers reminders itself, also once the window
+    // is closed; a rebuild here only makes sure it runs.
+    tl::tasks::reminderRebuild() = tl::app::ensureReminderAgent;
+    tl::app::ensureReminderAgent();
 
     desktop.start();
     return app.exec();

@@ -335,11 +335,15 @@ int runTasks(const QCommandLineParser &parser, const Invocation &in)
 
 } // namespace
 
+// In commands_reminders.cpp.
+Command remindersCommand();
+
 const std::vector<Command> &tasksCommands()
 {
     static const std::vector<Command> commands{
         {"tasks", "Task lists, task states, due dates, repeats and tasks from text.", true,
          describeTasks, runTasks},
+        remindersCommand(),
     };
     return commands;
 }
