@@ -1,12 +1,16 @@
 #include "plain_text_view.h"
 
+#include "contexts/tag_database.h"
+#include "document/completion_popup.h"
 #include "document/hanging_indent_layout.h"
 #include "document/markdown_highlighter.h"
 #include "document/sort_lines_dialog.h"
+#include "editing/drops.h"
 #include "editing/keystroke.h"
 #include "editing/line_operations.h"
 #include "editing/lists.h"
 #include "editing/markdown_wrapping.h"
+#include "platform/alerts.h"
 #include "platform/settings.h"
 #include "store/library_root.h"
 #include "store/style_values.h"
@@ -21,6 +25,7 @@
 #include <QMimeData>
 #include <QTextBlock>
 #include <QTextCursor>
+#include <QUrl>
 
 namespace tl::app {
 
@@ -35,6 +40,16 @@ PlainTextView::PlainTextView(QWidget *parent) : QPlainTextEdit(parent)
     m_layout = new HangingIndentLayout(document());
     document()->setDocumentLayout(m_layout);
     m_highlighter = new MarkdownHighlighter(document(), m_layout);
+    m_popup = new CompletionPopup(this);
+    connect(m_popup, &CompletionPopup::chosen, this, [this](int index) {
+        if (!m_completions)
+            return;
+        const Completions completions = *m_completions;
+        m_completions.reset();
+        applyRule([&](EditorBuffer &b, EditorContext &) {
+            tl_insertCompletion(b, completions, index, store::libraryRoot());
+        });
+    });
     connect(this, &QPlainTextEdit::textChanged, this, [this] {
         if (m_loading)
             return;
@@ -175,10 +190,7 @@ void PlainTextView::applyRule(const Rule &rule, bool shift)
     const QTextCursor cursor = textCursor();
     EditorBuffer buffer(m_highlighter->text(),
                         {cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart()});
-    EditorContext context;
-    context.settings = EditorSettings::fromSettings();
-    context.keys.shift = shift;
-    context.libraryRoot = store::libraryRoot();
+    EditorContext context = editorContext(shift);
     rule(buffer, context);
     QTextCursor edit(document());
     if (!buffer.replacements().isEmpty()) {
@@ -195,6 +207,36 @@ void PlainTextView::applyRule(const Rule &rule, bool shift)
     edit.setPosition(int(selection.end()), QTextCursor::KeepAnchor);
     setTextCursor(edit);
     ensureCursorVisible();
+    if (m_completions)
+        showCompletions();
+}
+
+EditorContext PlainTextView::editorContext(bool shift)
+{
+    EditorContext context;
+    context.settings = EditorSettings::fromSettings();
+    context.keys.shift = shift;
+    context.libraryRoot = store::libraryRoot();
+    m_completions.reset();
+    context.completeWikiPath = [this, context](EditorBuffer &buffer) {
+        return !m_path.isEmpty() && tryToAutoExpandWikiPath(buffer, m_path, context.libraryRoot,
+                                                            context.settings, m_completions);
+    };
+    context.suggestContextTags = [this, context](EditorBuffer &buffer) {
+        // The tag list is read only when a context word stands before the caret.
+        if (!contextTagCompletions(buffer, {}, context.settings))
+            return false;
+        return tryToSuggestContextTags(buffer, contexts::tl_listOfAllAvailableTags(),
+                                       context.settings, m_completions);
+    };
+    return context;
+}
+
+void PlainTextView::showCompletions()
+{
+    const QRect caret = cursorRect();
+    m_popup->showChoices(m_completions->suggestions, viewport()->mapToGlobal(caret.bottomLeft()),
+                         font());
 }
 
 void PlainTextView::typeReplacement(TextRange affected, const QString &replacement, bool shift)
@@ -265,6 +307,14 @@ bool PlainTextView::handleEditingKey(QKeyEvent *event)
             return run([](EditorBuffer &b, EditorContext &c) {
                 insertMarkdownString(b, c, weakEmphasisMark(c), weakEmphasisMark(c));
             });
+        case Qt::Key_K:
+            insertMarkdownLink();
+            return true;
+        case Qt::Key_V:
+            if (!shift)
+                return false;
+            pasteAsMarkdown();
+            return true;
         case Qt::Key_L:
             return run([shift](EditorBuffer &b, EditorContext &c) {
                 shift ? tl_reverseToggleList(b, c) : tl_toggleList(b, c);
@@ -332,13 +382,94 @@ void PlainTextView::keyPressEvent(QKeyEvent *event)
     QPlainTextEdit::keyPressEvent(event);
 }
 
+void PlainTextView::dropEvent(QDropEvent *event)
+{
+    // A drag from elsewhere offering a copy brings the file in; a drag from
+    // the program itself, or a link, refers to it.
+    m_dropCopies = !event->source() && event->dropAction() == Qt::CopyAction;
+    m_dropping = true;
+    QPlainTextEdit::dropEvent(event);
+    m_dropping = false;
+}
+
+QString PlainTextView::droppedText(const QMimeData *source)
+{
+    DropContext drop;
+    drop.mayCopy = m_dropCopies;
+    drop.markdownDocument = QFileInfo(m_path).suffix().toLower() != u"html";
+    drop.commandAlone = QApplication::keyboardModifiers() == Qt::ControlModifier;
+    drop.root = store::libraryRoot();
+    QStringList pieces;
+    for (const QUrl &url : source->urls()) {
+        if (!url.isLocalFile()) {
+            pieces.append(QStringLiteral("[%1](%2)").arg(url.toString(), url.toString()));
+            continue;
+        }
+        const DroppedText dropped = textForDroppedFile(url.toLocalFile(), drop);
+        if (!dropped.attach) {
+            pieces.append(dropped.text);
+            continue;
+        }
+        const std::optional<QString> attachment =
+            m_path.isEmpty() ? std::nullopt
+                             : insertImageSavingToTLImages(url.toLocalFile(), true, m_path);
+        if (attachment)
+            pieces.append(*attachment);
+        else
+            platform::alerts().run(
+                {QString::fromLatin1(CannotInsertAttachment), QString(), {QStringLiteral("OK")}});
+    }
+    return pieces.join(u' ');
+}
+
 void PlainTextView::insertFromMimeData(const QMimeData *source)
 {
-    if (!mayEdit() || !source->hasText())
+    if (!mayEdit())
         return;
     const QTextCursor cursor = textCursor();
-    typeReplacement({cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart()},
-                    withNewlineParagraphs(source->text()), false);
+    const TextRange selection{cursor.selectionStart(),
+                              cursor.selectionEnd() - cursor.selectionStart()};
+    if (m_dropping && source->hasUrls()) {
+        const QString text = droppedText(source);
+        if (!text.isEmpty())
+            applyRule([&](EditorBuffer &b, EditorContext &) {
+                tl_smartReplaceCharactersInRange(b, selection, withNewlineParagraphs(text));
+            });
+        return;
+    }
+    if (source->hasText())
+        typeReplacement(selection, withNewlineParagraphs(source->text()), false);
+}
+
+void PlainTextView::pasteAsMarkdown()
+{
+    const QMimeData *clipboard = QApplication::clipboard()->mimeData();
+    if (!clipboard)
+        return;
+    PastedContent pasted;
+    if (clipboard->hasHtml())
+        pasted.html = clipboard->html();
+    pasted.text = clipboard->text();
+    const QString root = store::libraryRoot();
+    applyRule([&](EditorBuffer &b, EditorContext &) {
+        const QString markdown =
+            tl_pasteAsMarkdown(pasted, b.textIn(b.selection()).toString(), m_path, root);
+        const TextRange selection = b.selection();
+        if (b.tl_replaceCharactersInRange(selection, withNewlineParagraphs(markdown)))
+            b.setSelection({selection.location + markdown.size(), 0});
+    });
+}
+
+void PlainTextView::insertMarkdownLink()
+{
+    const QUrl url(QApplication::clipboard()->text().trimmed(), QUrl::StrictMode);
+    if (url.isValid() && !url.scheme().isEmpty()) {
+        pasteAsMarkdown();
+        return;
+    }
+    applyRule([](EditorBuffer &b, EditorContext &c) {
+        insertMarkdownString(b, c, QStringLiteral("["), QStringLiteral("]()"));
+    });
 }
 
 void PlainTextView::sortLines()
@@ -359,6 +490,7 @@ void PlainTextView::contextMenuEvent(QContextMenuEvent *event)
         applyRule([](EditorBuffer &b, EditorContext &) { tl_toggleComment(b); });
     });
     menu->addAction(tr("Sort Lines…"), this, &PlainTextView::sortLines);
+    menu->addAction(tr("Paste as Markdown"), this, &PlainTextView::pasteAsMarkdown);
     menu->exec(event->globalPos());
     delete menu;
 }

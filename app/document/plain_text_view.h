@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editing/completion.h"
 #include "editing/editor_settings.h"
 #include "editing/text_buffer.h"
 
@@ -12,6 +13,7 @@
 // colours.
 namespace tl::app {
 
+class CompletionPopup;
 class HangingIndentLayout;
 class MarkdownHighlighter;
 
@@ -31,6 +33,8 @@ public:
     // Runs a rule on the text and the selection as one undo step.
     void applyRule(const Rule &rule, bool shift = false);
     void sortLines();
+    void pasteAsMarkdown();
+    void insertMarkdownLink();
 
 Q_SIGNALS:
     // The first key that would change the text: set *allowed to false to
@@ -45,6 +49,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
     bool event(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
@@ -53,10 +58,17 @@ private:
     bool handleEditingKey(QKeyEvent *event);
     void typeReplacement(editing::TextRange affected, const QString &replacement, bool shift);
     void updateStyle();
+    editing::EditorContext editorContext(bool shift);
+    void showCompletions();
+    QString droppedText(const QMimeData *source);
 
     HangingIndentLayout *m_layout;
     MarkdownHighlighter *m_highlighter;
+    CompletionPopup *m_popup;
+    std::optional<editing::Completions> m_completions;
     QString m_path;
+    bool m_dropCopies = false;
+    bool m_dropping = false;
     bool m_editing = false;
     bool m_loading = false;
     double m_lineSpacing = 1.0;

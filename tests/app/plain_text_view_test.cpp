@@ -1,10 +1,14 @@
 // The plain-text view applies the editing rules to keys as one undo step
 // each, and colours Markdown without touching the undo history.
 #include "app_tests.h"
+#include "document/completion_popup.h"
 #include "document/hanging_indent_layout.h"
 #include "document/plain_text_view.h"
 #include "platform/settings.h"
+#include "store/library_root.h"
+#include "support/test_environment.h"
 
+#include <QDir>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextLayout>
@@ -75,6 +79,31 @@ private Q_SLOTS:
         view.undo();
         QVERIFY(!view.document()->isUndoAvailable());
         QCOMPARE(view.toPlainText(), QStringLiteral("## Heading\n- item *slanted*\nplain"));
+    }
+
+    void tabCompletesALinkFromTheList()
+    {
+        const QString root =
+            QDir(tltest::makeTemporaryFolder(QStringLiteral("Library"))).canonicalPath();
+        for (const char *name : {"Book/Today.md", "Book/Plan 1.md", "Book/Plan 2.md"})
+            QVERIFY(tltest::writeFile(root + u'/' + QString::fromLatin1(name), "text\n"));
+        tl::store::setLibraryRootOverride(root);
+        PlainTextView view;
+        view.setDocumentPath(root + QStringLiteral("/Book/Today.md"));
+        view.showText(QStringLiteral("See "), 4);
+        view.show();
+        QTest::keyClicks(&view, QStringLiteral("[[Pl"));
+        QCOMPARE(view.toPlainText(), QStringLiteral("See [[Pl]]"));
+        QTest::keyClick(&view, Qt::Key_Tab);
+        auto *popup = view.findChild<tl::app::CompletionPopup *>();
+        QVERIFY(popup && popup->isVisible());
+        QCOMPARE(popup->count(), 2);
+        QTest::keyClick(popup, Qt::Key_Down);
+        QTest::keyClick(popup, Qt::Key_Return);
+        QCOMPARE(view.toPlainText(), QStringLiteral("See [[Plan 2.md]]"));
+        view.undo();
+        QCOMPARE(view.toPlainText(), QStringLiteral("See [[Pl]]"));
+        tl::store::setLibraryRootOverride(QString());
     }
 
     void screenshotsWhenAsked()
