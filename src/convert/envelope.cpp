@@ -35,12 +35,22 @@ QString generatorName()
 
 QString formattedDocument(const QString &title, const QString &styleSheet, const QString &body)
 {
-    return QStringLiteral("<!DOCTYPE html>\n<html xmlns=\"http://www.w3.org/1999/xhtml\">"
-                          "\n<head>\n  <!-- Generator: %1 -->\n  <title>%2</title>\n  <meta "
-                          "http-equiv=\"Content-Type\" content=\"text/html; "
-                          "charset=utf-8\">\n%3\n</head>\n")
-               .arg(generatorName(), title, styleSheet) +
-           QStringLiteral("<body>\n%1\n</body>\n</html>").arg(body);
+    const QString head =
+        QStringLiteral("<!DOCTYPE html>\n<html xmlns=\"http://www.w3.org/1999/xhtml\">"
+                       "\n<head>\n  <!-- Generator: %1 -->\n  <title>%2</title>\n  <meta "
+                       "http-equiv=\"Content-Type\" content=\"text/html; "
+                       "charset=utf-8\">\n%3\n</head>\n")
+            .arg(generatorName(), title, styleSheet);
+    static const QString bodyStart = QStringLiteral("<body>\n");
+    static const QString bodyEnd = QStringLiteral("\n</body>\n</html>");
+    // Put together in one buffer: the body may be megabytes long.
+    QString document;
+    document.reserve(head.size() + bodyStart.size() + body.size() + bodyEnd.size());
+    document += head;
+    document += bodyStart;
+    document += body;
+    document += bodyEnd;
+    return document;
 }
 
 QString tl_createFormattedDocWithBody(const QString &path, const QString &body)

@@ -17,21 +17,25 @@ namespace tl::convert {
 
 namespace {
 
-// The matches of `<li>((?!<\/li>).)*?(<ol>)`. One starts at an item whose
-// first "<ol>" comes before its first "</li>"; only there is ICU asked, since
-// a failing attempt reads the whole item a character at a time.
-QList<RegexMatch> itemsHoldingLists(const QString &html, const Regex &regex)
+// The matches of `<li>((?!<\/li>).)*?(<ol>)`. One starts at each item whose
+// first "<ol>" comes before its first "</li>", and then it runs to that
+// "<ol>": the lazy run stops at the first "<ol>" and fails only at a "</li>",
+// and neither can begin inside the other. So the walk finds them without
+// asking ICU, whose failing attempts read a whole item a character at a time.
+QList<RegexMatch> itemsHoldingLists(const QString &html)
 {
     static const QStringMatcher item(u"<li>");
     static const QStringMatcher list(u"<ol>");
     static const QStringMatcher itemEnd(u"</li>");
+    const qsizetype itemLength = item.pattern().size();
+    const qsizetype listLength = list.pattern().size();
     QList<RegexMatch> matches;
     // The first "<ol>" and "</li>" at or after the item's content, found
     // again only once passed; -1 when there is none further on.
     qsizetype open = 0;
     qsizetype close = 0;
     for (qsizetype at = item.indexIn(html); at >= 0; at = item.indexIn(html, at + 1)) {
-        const qsizetype content = at + item.pattern().size();
+        const qsizetype content = at + itemLength;
         if (open < content)
             open = list.indexIn(html, content);
         if (open < 0)
@@ -40,41 +44,54 @@ QList<RegexMatch> itemsHoldingLists(const QString &html, const Regex &regex)
             close = itemEnd.indexIn(html, content);
         if (close >= 0 && close < open)
             continue;
-        if (const std::optional<RegexMatch> match = regex.matchAt(html, at)) {
-            matches.append(*match);
-            at = match->end() - 1;
-        }
+        RegexMatch match;
+        // The repeated group holds the last character it took, if any.
+        match.groups = {{at, open + listLength - at},
+                        open > content ? RegexMatch::Range{open - 1, 1} : RegexMatch::Range{},
+                        {open, listLength}};
+        matches.append(match);
+        at = open + listLength - 1;
     }
     return matches;
 }
 
-// The matches of `<[^>]*? id="(.*?)"`. The attribute of a match is the first
-// ` id="` behind its "<" with no ">" between, so a match starts at the first
-// "<" behind the last ">" in front of an attribute; only there is ICU asked,
-// since it would otherwise read every tag of the page.
-QList<RegexMatch> elementsWithIds(const QString &html, const Regex &regex)
+// The matches of `<[^>]*? id="(.*?)"` (dot matching line ends). The
+// attribute of a match is the first ` id="` behind its "<" with no ">"
+// between, so a match starts at the first "<" behind the last ">" in front
+// of an attribute, and its value runs to the next quote; without a quote
+// further on there is no match at all. The walk finds them without asking
+// ICU, which would read every tag of the page.
+QList<RegexMatch> elementsWithIds(const QString &html)
 {
     static const QStringMatcher attribute(u" id=\"");
+    const qsizetype attributeLength = attribute.pattern().size();
+    const QStringView view(html);
     QList<RegexMatch> matches;
-    qsizetype searched = 0; // where the next match may start
-    qsizetype scanned = 0;  // where the look for "<" and ">" goes on
-    qsizetype tag = -1;     // the first "<" since the last ">", from `searched` on
+    qsizetype scanned = 0; // where the look for "<" and ">" goes on
+    qsizetype tag = -1;    // the first "<" since the last ">" before `scanned`
     for (qsizetype at = attribute.indexIn(html, 1); at >= 0; at = attribute.indexIn(html, at + 1)) {
-        for (; scanned < at; ++scanned) {
-            if (html[scanned] == u'>')
-                tag = -1;
-            else if (html[scanned] == u'<' && tag < 0)
-                tag = scanned;
+        const QStringView stretch = view.sliced(scanned, at - scanned);
+        const qsizetype lastClose = stretch.lastIndexOf(u'>');
+        if (lastClose >= 0)
+            tag = -1;
+        if (tag < 0) {
+            const qsizetype from = lastClose + 1;
+            const qsizetype open = stretch.sliced(from).indexOf(u'<');
+            tag = open < 0 ? -1 : scanned + from + open;
         }
+        scanned = at;
         if (tag < 0)
             continue;
-        if (const std::optional<RegexMatch> match = regex.matchAt(html, tag)) {
-            matches.append(*match);
-            searched = match->end();
-            scanned = std::max(scanned, searched);
-            tag = -1;
-            at = std::max(at, searched - 1);
-        }
+        const qsizetype value = at + attributeLength;
+        const qsizetype quote = html.indexOf(u'"', value);
+        if (quote < 0)
+            break;
+        RegexMatch match;
+        match.groups = {{tag, quote + 1 - tag}, {value, quote - value}};
+        matches.append(match);
+        scanned = quote + 1;
+        tag = -1;
+        at = quote;
     }
     return matches;
 }
@@ -83,12 +100,10 @@ QList<RegexMatch> elementsWithIds(const QString &html, const Regex &regex)
 
 QString withOrderedSubListsClosed(const QString &html)
 {
-    static const Regex itemHoldingList(QStringLiteral(R"(<li>((?!<\/li>).)*?(<ol>))"),
-                                       RegexOption::DotMatchesNewline);
     if (!html.contains(QStringLiteral("<ol>")))
         return html;
     return Regex::editMatches(
-        html, itemsHoldingLists(html, itemHoldingList),
+        html, itemsHoldingLists(html),
         [](const RegexMatch &m, QStringView text) -> std::optional<QString> {
             return withGroupsReplaced(m, text, {{2, QStringLiteral("</li><ol>")}});
         });
@@ -96,8 +111,6 @@ QString withOrderedSubListsClosed(const QString &html)
 
 QString withUniqueIds(const QString &html)
 {
-    static const Regex id(QStringLiteral(R"re(<[^>]*? id="(.*?)")re"),
-                          RegexOption::DotMatchesNewline);
     QSet<QString> seen;
     // The suffix each id was last given: every smaller one was taken then,
     // and ids are never given back, so the next search for a free suffix
@@ -105,7 +118,7 @@ QString withUniqueIds(const QString &html)
     QHash<QString, qulonglong> lastSuffix;
     // The editor runs from the last match to the first: the last element
     // keeps its id.
-    return Regex::editMatches(html, elementsWithIds(html, id),
+    return Regex::editMatches(html, elementsWithIds(html),
                               [&](const RegexMatch &m, QStringView text) -> std::optional<QString> {
                                   QString value = m.capturedString(text, 1);
                                   std::optional<QString> edited;

@@ -86,32 +86,40 @@ private:
 
 } // namespace
 
-QList<RegexMatch> matchesUpToBracket(const QString &text, const Regex &regex,
-                                     const QString &opening, bool refusedBeforeColon)
+QList<RegexMatch> matchesUpToBracket(const QString &text, const QString &opening, BracketRun run)
 {
     const LiteralFinder openings(opening);
+    const qsizetype skipped = opening.size() + (run == BracketRun::AnyCharacter ? 1 : 0);
     QList<RegexMatch> matches;
     qsizetype close = -1;
     for (qsizetype at = openings.indexIn(text); at >= 0;) {
-        if (close < at + 3)
-            close = text.indexOf(u']', at + 3);
+        if (close < at + skipped)
+            close = text.indexOf(u']', at + skipped);
         if (close < 0)
             break;
-        std::optional<RegexMatch> match;
-        if (!refusedBeforeColon || close + 1 >= text.size() || text[close + 1] != u':')
-            match = regex.matchAt(text, at);
-        if (match)
-            matches.append(*match);
-        at = openings.indexIn(text, match ? match->end() : at + 1);
+        const bool refused =
+            run == BracketRun::NoBracketNorColonBehind &&
+            (close == at + skipped || (close + 1 < text.size() && text[close + 1] == u':'));
+        if (refused) {
+            at = openings.indexIn(text, at + 1);
+            continue;
+        }
+        RegexMatch match;
+        match.groups = {{at, close + 1 - at}, {at, opening.size()}};
+        matches.append(match);
+        at = openings.indexIn(text, close + 1);
     }
     return matches;
 }
 
 QList<RegexMatch> noteMatches(const QString &text)
 {
-    static const Regex note(QStringLiteral(R"(\[\^ ?[^\]]+?\](?!:))"),
-                            RegexOption::DotMatchesNewline);
-    return matchesUpToBracket(text, note, QStringLiteral("[^"), true);
+    // "\[\^ ?[^\]]+?\](?!:)"
+    QList<RegexMatch> matches =
+        matchesUpToBracket(text, QStringLiteral("[^"), BracketRun::NoBracketNorColonBehind);
+    for (RegexMatch &match : matches)
+        match.groups.resize(1);
+    return matches;
 }
 
 QString labelOfNote(QStringView note)

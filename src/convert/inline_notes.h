@@ -12,14 +12,15 @@ namespace tl::convert {
 // `code` is the code-range list of the whole pass, stale or not yet made.
 QString notesMovedToDefinitions(const QString &text, LazyCodeRanges &code);
 
-// The matches of an expression that is a two-character opening, a run of
-// at least one character that stops at the first "]", and that "]", with
-// "(?!:)" behind it when `refusedBeforeColon`. ICU would read on to the
-// "]" (or the end of the text) from every opening before it; here it is
-// asked only where the "]" stands and the look-ahead holds, so the walk is
-// linear in the text.
-QList<RegexMatch> matchesUpToBracket(const QString &text, const Regex &regex,
-                                     const QString &opening, bool refusedBeforeColon);
+// The matches of an expression that is an opening (group 1), a lazy run of
+// at least one character, and "]". Where the run takes any character, the
+// match ends at the first "]" behind its first character. Where it takes
+// no "]" and "(?!:)" follows the expression, the first "]" behind the
+// opening ends the match if the run is not empty and no ":" follows, and
+// there is no match at that opening otherwise. The walk is linear in the
+// text, where ICU would read on to the "]" from every opening.
+enum class BracketRun { AnyCharacter, NoBracketNorColonBehind };
+QList<RegexMatch> matchesUpToBracket(const QString &text, const QString &opening, BracketRun run);
 // Those of the note expression "\[\^ ?[^\]]+?\](?!:)".
 QList<RegexMatch> noteMatches(const QString &text);
 

@@ -35,8 +35,8 @@ QString replacedOutsideCode(const QString &text, const QList<RegexMatch> &matche
 
 QList<RegexMatch> caretNoteMatches(const QString &text)
 {
-    static const Regex caretNote(QStringLiteral(R"((\^\[).+?\])"), RegexOption::DotMatchesNewline);
-    return matchesUpToBracket(text, caretNote, QStringLiteral("^["), false);
+    // "(\^\[).+?\]" with dot matching line ends.
+    return matchesUpToBracket(text, QStringLiteral("^["), BracketRun::AnyCharacter);
 }
 
 QList<RegexMatch> highlightMatches(const QString &text)

@@ -18,6 +18,7 @@
 #include "store/style_values.h"
 
 #include <QFileInfo>
+#include <climits>
 
 namespace tl::convert {
 
@@ -138,7 +139,9 @@ QString markdownToHTMLForDocument(const QString &input, const QString &path,
 
 QString tl_markdownToHTML(const QString &receiver)
 {
-    if (!QFileInfo(receiver).isFile())
+    // A text longer than any path the system takes names no file, and is
+    // not converted to a path to be asked about.
+    if (receiver.size() >= PATH_MAX || !QFileInfo(receiver).isFile())
         return markdownToHTMLForDocument(receiver, QString());
     const std::optional<store::DecodedText> file = store::tl_stringWithContentsOfFile(receiver);
     return markdownToHTMLForDocument(file ? file->text : QString(), receiver);

@@ -70,6 +70,21 @@ private:
     qsizetype lastBackquote_ = -1;
 };
 
+// The end of the link that opens at `at`: the first "]]" behind at least
+// one character, with neither "[" nor a newline before it. -1 when there is
+// none.
+qsizetype firstClosing(QStringView text, qsizetype at)
+{
+    for (qsizetype next = at + 2; next < text.size(); ++next) {
+        const QChar c = text[next];
+        if (c == u'[' || c == u'\n')
+            return -1;
+        if (c == u']' && next > at + 2 && next + 1 < text.size() && text[next + 1] == u']')
+            return next + 2;
+    }
+    return -1;
+}
+
 // The end of the next longer link from the link that ends at `end`: its
 // text may take in "]" but neither "[" nor a newline. -1 when there is none.
 qsizetype nextClosing(QStringView text, qsizetype end)
@@ -88,19 +103,21 @@ qsizetype nextClosing(QStringView text, qsizetype end)
 
 QList<RegexMatch> wikiLinkMatches(const QString &text)
 {
-    // The expression is "(?<![`.*|\\])(\[\[([^\[\n]+?)\]\])(?!.*`)". Its look-ahead,
-    // no backquote further on the line, would read the rest of the line for
-    // every link in it; ICU matches the rest, and the look-ahead is
-    // answered from one look along each line.
-    static const Regex link(QStringLiteral(R"((?<![`.*|\\])(\[\[([^\[\n]+?)\]\]))"),
-                            RegexOption::AnchorsMatchLines);
+    // The expression is "(?<![`.*|\\])(\[\[([^\[\n]+?)\]\])(?!.*`)". A link opens
+    // at a "[[" with none of the five characters in front; its lazy run
+    // ends at the first "]]" at least one character on, and fails at a "["
+    // or a newline first. Its look-ahead, no backquote further on the line,
+    // would read the rest of the line for every link in it; it is answered
+    // from one look along each line.
     static const LiteralFinder opening(QStringLiteral("[["));
+    static const QString refusedBefore = QStringLiteral("`.*|\\");
     LineBackquotes lines(text);
     QList<RegexMatch> matches;
     qsizetype at = opening.indexIn(text);
     while (at >= 0) {
-        std::optional<RegexMatch> match = link.matchAt(text, at);
-        qsizetype end = match ? match->end() : -1;
+        qsizetype end = -1;
+        if (at == 0 || !refusedBefore.contains(text[at - 1]))
+            end = firstClosing(text, at);
         // A failed look-ahead lets the lazy run take in the "]]" and go on
         // to the next one.
         while (end >= 0 && lines.backquoteFollows(end))
@@ -109,9 +126,9 @@ QList<RegexMatch> wikiLinkMatches(const QString &text)
             at = opening.indexIn(text, at + 1);
             continue;
         }
-        match->groups[0] = match->groups[1] = {at, end - at};
-        match->groups[2] = {at + 2, end - at - 4};
-        matches.append(*match);
+        RegexMatch match;
+        match.groups = {{at, end - at}, {at, end - at}, {at + 2, end - at - 4}};
+        matches.append(match);
         at = opening.indexIn(text, end);
     }
     return matches;
