@@ -28,6 +28,9 @@ QList<RegexMatch> fencedBlocks(const QString &text, const Regex &blocks)
         if (!isFenceCharacter(text[run]) || !isFenceCharacter(text[run + 1]))
             continue;
         for (qsizetype at = std::max(tried, run - 4); at < run; ++at) {
+            // "[\A\n]" takes an "A" or a line end, and nothing else.
+            if (text[at] != u'\n' && text[at] != u'A')
+                continue;
             if (const std::optional<RegexMatch> match = blocks.matchAt(text, at)) {
                 matches.append(*match);
                 run = match->end();

@@ -44,10 +44,13 @@ public:
 
     void addFrom(const QString &text, qsizetype from)
     {
-        for (qsizetype at = text.indexOf(QStringLiteral("]:"), from); at >= 0;
-             at = text.indexOf(QStringLiteral("]:"), at + 1)) {
-            places_.push_back(at);
-            file(text, at);
+        // Colons are rarer than brackets: each is looked behind.
+        for (qsizetype colon = text.indexOf(u':', from + 1); colon >= 0;
+             colon = text.indexOf(u':', colon + 1)) {
+            if (text[colon - 1] != u']')
+                continue;
+            places_.push_back(colon - 1);
+            file(text, colon - 1);
         }
     }
 

@@ -1,15 +1,33 @@
 #include "convert/markdown_preparation.h"
 
 #include <QList>
+#include <algorithm>
 
 namespace tl::convert {
 
 namespace {
 
+bool startsWith(QStringView line, QStringView opening)
+{
+    if (line.size() < opening.size())
+        return false;
+    for (qsizetype k = 0; k < opening.size(); ++k) {
+        if (line[k] != opening[k])
+            return false;
+    }
+    return true;
+}
+
 bool endsWithPlainEnding(QStringView line)
 {
-    return line.endsWith(u"<-") || line.endsWith(u'#') || line.endsWith(u'=') ||
-           line.endsWith(u"  ");
+    const qsizetype n = line.size();
+    if (n == 0)
+        return false;
+    const QChar last = line[n - 1];
+    if (last == u'#' || last == u'=')
+        return true;
+    return n >= 2 &&
+           ((line[n - 2] == u'<' && last == u'-') || (line[n - 2] == u' ' && last == u' '));
 }
 
 bool isHyphenRule(QStringView line)
@@ -33,8 +51,11 @@ QString tl_makeEveryNewlineaLinebreak(const QString &text)
         unified.replace(u'\r', u'\n');
     }
 
-    QString result;
-    result.reserve(unified.size() + unified.size() / 8);
+    // Every line, the last piece of the split too, gains at most three
+    // characters: the result is written into a buffer of that size.
+    const qsizetype lines = unified.count(u'\n') + 1;
+    QString result(unified.size() + 3 * lines, Qt::Uninitialized);
+    QChar *out = result.data();
     bool inFence = false;
     // Line by line, as a split at "\n" gives them, the last piece too.
     for (qsizetype start = 0; start <= unified.size();) {
@@ -44,19 +65,24 @@ QString tl_makeEveryNewlineaLinebreak(const QString &text)
         const QStringView line = QStringView(unified).sliced(start, end - start);
         start = end + 1;
         bool hard;
-        if (line.startsWith(u"```") || line.startsWith(u"~~~")) {
+        if (startsWith(line, u"```") || startsWith(line, u"~~~")) {
             inFence = !inFence;
             hard = !(inFence || line.isEmpty());
-        } else if (line.startsWith(u">%") || line.startsWith(u"> %")) {
+        } else if (startsWith(line, u">%") || startsWith(line, u"> %")) {
             hard = false;
         } else if (isHyphenRule(line) || endsWithPlainEnding(line)) {
             hard = false;
         } else {
             hard = !(inFence || line.isEmpty());
         }
-        result.append(line);
-        result.append(hard ? QStringView(u"  \n") : QStringView(u"\n"));
+        out = std::copy(line.begin(), line.end(), out);
+        if (hard) {
+            *out++ = u' ';
+            *out++ = u' ';
+        }
+        *out++ = u'\n';
     }
+    result.truncate(out - result.constData());
     return result;
 }
 

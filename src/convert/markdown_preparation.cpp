@@ -169,24 +169,50 @@ QString preparedForMultiMarkdown(QString text)
         });
 }
 
-QString preparedForDefaultConverter(QString text, LazyCodeRanges &code)
+// The matches of the heading-anchor expression, which begins "^#" and
+// holds a "[" before the line ends: ICU is asked only at the line starts
+// that hold "#" and lines with a "[", where its search would try every line
+// and read every heading a character at a time.
+QList<RegexMatch> headingAnchorMatches(const QString &text)
 {
     static const Regex headingAnchor(QStringLiteral(R"(^#+ ?(.+?)(\[).+?(\])([\s#]*)$)"),
                                      RegexOption::AnchorsMatchLines);
+    auto holdsBracket = [&](qsizetype at) {
+        for (; at < text.size() && !Regex::isLineEnd(text[at]); ++at) {
+            if (text[at] == u'[')
+                return true;
+        }
+        return false;
+    };
+    QList<RegexMatch> matches;
+    for (qsizetype at = text.indexOf(u'#'); at >= 0; at = text.indexOf(u'#', at + 1)) {
+        if ((at > 0 && !Regex::isLineEnd(text[at - 1])) || !holdsBracket(at))
+            continue;
+        if (const std::optional<RegexMatch> match = headingAnchor.matchAt(text, at)) {
+            matches.append(*match);
+            at = std::max(at, match->end() - 1);
+        }
+    }
+    return matches;
+}
+
+QString preparedForDefaultConverter(QString text, LazyCodeRanges &code)
+{
     static const Regex checkbox(QStringLiteral(R"((- \[.\])\s+?)"));
     static const RegexTemplate oneBlank(checkbox, QStringLiteral("$1 "));
 
     text = notesMovedToDefinitions(text, code);
     if (!setting(keys::UseMMDCompatibleAnchors)) {
         // "## Title [anchor]" becomes "## [Title ](id:anchor)".
-        text = headingAnchor.replaceMatches(
-            text, [&](const RegexMatch &m, QStringView) -> std::optional<QString> {
-                return withGroupsReplaced(m, text,
+        text = Regex::editMatches(text, headingAnchorMatches(text),
+                                  [&](const RegexMatch &m, QStringView) -> std::optional<QString> {
+                                      return withGroupsReplaced(
+                                          m, text,
                                           {{1, QStringLiteral("[%1]").arg(m.captured(text, 1))},
                                            {2, QStringLiteral("(id:")},
                                            {3, QStringLiteral(")")},
                                            {4, QString()}});
-            });
+                                  });
     }
     return checkbox.replaceAll(text, oneBlank);
 }
