@@ -1,9 +1,9 @@
 #include "convert/contents_block.h"
 
+#include "foundation/literal_finder.h"
 #include "foundation/regex.h"
 
 #include <QStringList>
-#include <QStringMatcher>
 
 namespace tl::convert {
 
@@ -61,7 +61,7 @@ QString withContentsAtMarkers(const QString &html, const QString &list)
     static const Regex levelsParagraph(QStringLiteral(R"(<p>\s*\{\{TOC:(.{1,3})\}\}.*?</p>)"));
     // Both markers are written with braces; a page without them is spared
     // the expressions.
-    static const QStringMatcher braces(u"{{TOC");
+    static const LiteralFinder braces(QStringLiteral("{{TOC"));
     if (list.isEmpty())
         return html;
 

@@ -5,6 +5,7 @@
 #include "convert/discount.h"
 #include "convert/match_edits.h"
 #include "foundation/compare.h"
+#include "foundation/literal_finder.h"
 #include "foundation/regex.h"
 #include "platform/file_ops.h"
 #include "platform/folders.h"
@@ -14,7 +15,6 @@
 #include "store/text_encoding.h"
 
 #include <QFile>
-#include <QStringMatcher>
 #include <QUuid>
 #include <cerrno>
 #include <cstdio>
@@ -77,9 +77,9 @@ QString withoutCheckboxParagraphs(const QString &html)
     static const RegexTemplate item(paragraph, QStringLiteral(R"(<li class="$1">$2</li>)"));
     static const Regex blank(QStringLiteral(R"re((<li class="tl_checkbox.*?>) )re"));
     static const RegexTemplate tag(blank, QStringLiteral("$1"));
-    static const QStringMatcher start(u"<li class=\"tl_checkbox");
-    static const QStringMatcher opening(u"\"><p>");
-    static const QStringMatcher closing(u"</p></li>");
+    static const LiteralFinder start(QStringLiteral("<li class=\"tl_checkbox"));
+    static const LiteralFinder opening(QStringLiteral("\"><p>"));
+    static const LiteralFinder closing(QStringLiteral("</p></li>"));
     // The expression's lazy runs cross elements, so an attempt that fails
     // would read on to the end of the page, for every task item. A match
     // that starts at an item ends at the first closing behind the first
@@ -89,8 +89,8 @@ QString withoutCheckboxParagraphs(const QString &html)
     qsizetype copied = 0;
     qsizetype open = -1;
     qsizetype close = -1;
-    const qsizetype startLength = start.pattern().size();
-    const qsizetype openingLength = opening.pattern().size();
+    const qsizetype startLength = start.literal().size();
+    const qsizetype openingLength = opening.literal().size();
     for (qsizetype at = start.indexIn(html); at >= 0; at = start.indexIn(html, at + 1)) {
         if (at < copied)
             continue;
@@ -101,7 +101,7 @@ QString withoutCheckboxParagraphs(const QString &html)
         if (open < 0 || close < 0)
             break;
         const QStringView stretch =
-            QStringView(html).sliced(at, close + closing.pattern().size() - at);
+            QStringView(html).sliced(at, close + closing.literal().size() - at);
         const std::optional<RegexMatch> match = paragraph.match(stretch);
         if (!match || match->start() != 0)
             continue;

@@ -1,6 +1,7 @@
 #include "convert/html_postprocessing.h"
 
 #include "convert/match_edits.h"
+#include "foundation/literal_finder.h"
 #include "foundation/path_string.h"
 #include "foundation/regex.h"
 #include "store/item_path.h"
@@ -11,7 +12,6 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QSet>
-#include <QStringMatcher>
 
 namespace tl::convert {
 
@@ -24,11 +24,11 @@ namespace {
 // asking ICU, whose failing attempts read a whole item a character at a time.
 QList<RegexMatch> itemsHoldingLists(const QString &html)
 {
-    static const QStringMatcher item(u"<li>");
-    static const QStringMatcher list(u"<ol>");
-    static const QStringMatcher itemEnd(u"</li>");
-    const qsizetype itemLength = item.pattern().size();
-    const qsizetype listLength = list.pattern().size();
+    static const LiteralFinder item(QStringLiteral("<li>"));
+    static const LiteralFinder list(QStringLiteral("<ol>"));
+    static const LiteralFinder itemEnd(QStringLiteral("</li>"));
+    const qsizetype itemLength = item.literal().size();
+    const qsizetype listLength = list.literal().size();
     QList<RegexMatch> matches;
     // The first "<ol>" and "</li>" at or after the item's content, found
     // again only once passed; -1 when there is none further on.
@@ -63,8 +63,8 @@ QList<RegexMatch> itemsHoldingLists(const QString &html)
 // ICU, which would read every tag of the page.
 QList<RegexMatch> elementsWithIds(const QString &html)
 {
-    static const QStringMatcher attribute(u" id=\"");
-    const qsizetype attributeLength = attribute.pattern().size();
+    static const LiteralFinder attribute(QStringLiteral(" id=\""));
+    const qsizetype attributeLength = attribute.literal().size();
     const QStringView view(html);
     QList<RegexMatch> matches;
     qsizetype scanned = 0; // where the look for "<" and ">" goes on

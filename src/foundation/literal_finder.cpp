@@ -66,6 +66,40 @@ qsizetype indexOfPair(QStringView text, qsizetype from, char16_t first, char16_t
 
 } // namespace
 
+qsizetype indexOfCaselessPair(QStringView text, qsizetype from, char16_t first, char16_t second)
+{
+    const char16_t upper = second >= u'a' && second <= u'z' ? char16_t(second - 0x20) : second;
+    const char16_t *d = text.utf16();
+    const qsizetype n = text.size();
+    auto accepted = [&](char16_t c) { return c == second || c == upper || c > 0x7f; };
+    qsizetype at = std::max<qsizetype>(from, 0);
+#if defined(__SSE2__)
+    const __m128i firsts = _mm_set1_epi16(short(first));
+    const __m128i seconds = _mm_set1_epi16(short(second));
+    const __m128i uppers = _mm_set1_epi16(short(upper));
+    const __m128i ascii = _mm_set1_epi16(short(0xff80));
+    const __m128i zero = _mm_setzero_si128();
+    for (; at + 9 <= n; at += 8) {
+        const __m128i here = _mm_loadu_si128(reinterpret_cast<const __m128i *>(d + at));
+        const __m128i next = _mm_loadu_si128(reinterpret_cast<const __m128i *>(d + at + 1));
+        const __m128i beyondAscii =
+            _mm_andnot_si128(_mm_cmpeq_epi16(_mm_and_si128(next, ascii), zero), _mm_set1_epi16(-1));
+        const __m128i nextAccepted = _mm_or_si128(
+            _mm_or_si128(_mm_cmpeq_epi16(next, seconds), _mm_cmpeq_epi16(next, uppers)),
+            beyondAscii);
+        const int mask =
+            _mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi16(here, firsts), nextAccepted));
+        if (mask != 0)
+            return at + (__builtin_ctz(unsigned(mask)) >> 1);
+    }
+#endif
+    for (; at + 1 < n; ++at) {
+        if (d[at] == first && accepted(d[at + 1]))
+            return at;
+    }
+    return -1;
+}
+
 qsizetype LiteralFinder::indexIn(QStringView text, qsizetype from) const
 {
     if (literal_.isEmpty())

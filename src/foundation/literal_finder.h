@@ -24,4 +24,10 @@ private:
     qsizetype anchor_ = 0; // the character searched for
 };
 
+// The first position at or after `from` where `first` stands and, right
+// behind it, `second` (an ASCII character, lower-case if a letter) in either
+// case or any character beyond ASCII, which may fold into it; -1 when there
+// is none. The places where a caseless literal may begin.
+qsizetype indexOfCaselessPair(QStringView text, qsizetype from, char16_t first, char16_t second);
+
 } // namespace tl

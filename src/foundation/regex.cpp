@@ -169,8 +169,14 @@ private:
         // PrefixReader); the rest is compared by ASCII case. Any other
         // character may fold into several, so it ends the comparison with a
         // possible match.
-        for (qsizetype at = text.indexOf(prefix.front(), from); at >= 0;
-             at = text.indexOf(prefix.front(), at + 1)) {
+        // The places of the first two, when the second is ASCII.
+        const char16_t second = prefix.size() > 1 ? prefix[1].toLower().unicode() : 0xffff;
+        auto next = [&](qsizetype at) {
+            if (second > 0x7f)
+                return text.indexOf(prefix.front(), at);
+            return indexOfCaselessPair(text, at, prefix.front().unicode(), second);
+        };
+        for (qsizetype at = next(from); at >= 0; at = next(at + 1)) {
             bool possible = true;
             for (qsizetype k = 1; k < prefix.size() && possible; ++k) {
                 if (at + k >= text.size()) {
