@@ -54,6 +54,12 @@ QString contentsBlock(const QString &list)
     return QStringLiteral("<!-- TOC -->\n<div class=\"TOC\">\n%1\n</div>\n").arg(list);
 }
 
+bool holdsContentsMarker(const QString &html)
+{
+    static const LiteralFinder braces(QStringLiteral("{{TOC"));
+    return html.contains(QStringLiteral("<p><TOC><")) || braces.indexIn(html) >= 0;
+}
+
 QString withContentsAtMarkers(const QString &html, const QString &list)
 {
     static const Regex contentsMarker(QStringLiteral(R"(<p>\s*\{\{TOC\}\})"));

@@ -12,5 +12,8 @@ QString contentsBlock(const QString &list);
 // levels a "{{TOC:a-b}}" paragraph names at that one. The html is unchanged
 // when the list is empty.
 QString withContentsAtMarkers(const QString &html, const QString &list);
+// Whether the page holds a marker that withContentsAtMarkers fills; a page
+// without one is left as it is.
+bool holdsContentsMarker(const QString &html);
 
 } // namespace tl::convert

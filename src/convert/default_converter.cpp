@@ -238,15 +238,22 @@ QString tl_markdownWithPandoc(const QString &markdown, bool withTitleBlock, bool
             return markdown;
         if (withTitleBlock && !document->title().isEmpty())
             write(output.get(), titleBlock(*document));
-        QString list = QString::fromUtf8(document->contents());
-        if (mmdAnchors)
-            list = contentsListWithAnchorBracketsRemoved(list);
-        if (withContents && !list.isEmpty() && !markdown.contains(QStringLiteral("<TOC>")) &&
+        // The contents list serves the top of the page and the markers in
+        // it; a page with neither is spared making it.
+        std::optional<QString> list;
+        auto contentsList = [&] {
+            if (!list) {
+                list = QString::fromUtf8(document->contents());
+                if (mmdAnchors)
+                    list = contentsListWithAnchorBracketsRemoved(*list);
+            }
+            return *list;
+        };
+        if (withContents && !contentsList().isEmpty() &&
+            !markdown.contains(QStringLiteral("<TOC>")) &&
             !markdown.contains(QStringLiteral("{{TOC")))
-            write(output.get(), contentsBlock(list));
-        const bool written = document->writeHTML(output.get());
-        document.reset();
-        if (!written || std::fclose(output.release()) != 0)
+            write(output.get(), contentsBlock(*list));
+        if (!document->writeHTML(output.get()) || std::fclose(output.release()) != 0)
             return QString();
 
         const std::optional<QByteArray> bytes = platform::readFile(files.html);
@@ -254,7 +261,9 @@ QString tl_markdownWithPandoc(const QString &markdown, bool withTitleBlock, bool
             return QString();
         const auto decoded = store::decodedTextOfUnknownEncoding(*bytes);
         QString html = withCheckboxClasses(decoded ? decoded->text : QString());
-        html = withContentsAtMarkers(html, list);
+        if (holdsContentsMarker(html))
+            html = withContentsAtMarkers(html, contentsList());
+        document.reset();
         html = withoutCheckboxParagraphs(html);
         return mmdAnchors ? withHeadingAnchorBracketsRemoved(html) : html;
     }
