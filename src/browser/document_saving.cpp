@@ -158,8 +158,10 @@ void TLKSDocumentViewController::writeTextToFile()
             return;
         }
     }
-    if (!path.isEmpty())
+    if (!path.isEmpty()) {
         afterSaving(stringEncoding == hashedIn ? hash : hashOf(text), originalPath);
+        keepContextsInStep(text);
+    }
 }
 
 bool TLKSDocumentViewController::saveNewDocument(const QString &text)

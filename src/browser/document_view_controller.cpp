@@ -229,6 +229,7 @@ void TLKSDocumentViewController::loadPlainText()
     }
     plainText = text;
     m_state->loadedText = text;
+    noteEmbeddedContexts(text);
     titleIsFirstLineOfText = store::tl_stringMatchesFirstLineOfText(
         path::deletingExtension(path::lastComponent(path)), text);
 }
@@ -249,8 +250,10 @@ void TLKSDocumentViewController::loadFormattedPage()
     formattedMainFrameURL = formattedPage.url.isEmpty() ? formattedPage.baseUrl : formattedPage.url;
     if (m_state->decision.readOnly)
         formattedPage.editable = false;
-    if (formattedPage.editable)
+    if (formattedPage.editable) {
         m_state->innerHTML = convert::tl_getInnerHTML(request.text);
+        noteEmbeddedContexts(store::tl_htmlToPlainText(m_state->innerHTML));
+    }
 }
 
 void TLKSDocumentViewController::applyLockRule()

@@ -190,6 +190,10 @@ Q_SIGNALS:
 private:
     struct State;
     void setWindowEdited(bool edited);
+    // The contexts the shown text holds that the item bears too, and after a
+    // save the item's tags changed by what the text gained and lost.
+    void noteEmbeddedContexts(const QString &text);
+    void keepContextsInStep(const QString &savedText);
     void loadPlainText();
     void loadFormattedPage();
     void applyLockRule();
