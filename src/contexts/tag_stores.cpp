@@ -11,6 +11,7 @@
 #include "store/plist_file.h"
 
 #include <QCryptographicHash>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
@@ -99,6 +100,26 @@ std::pair<TagIndex, QByteArray> loadIndexWithDigest()
 }
 
 } // namespace
+
+bool forEachInBatches(qsizetype count, const std::function<void(TagStores &, qsizetype)> &step,
+                      const std::atomic_bool *stop)
+{
+    constexpr qint64 kBatchMs = 1000;
+    bool changed = false;
+    qsizetype next = 0;
+    while (next < count && !(stop && stop->load())) {
+        TagStores stores;
+        QElapsedTimer timer;
+        timer.start();
+        for (; next < count && timer.elapsed() < kBatchMs; ++next) {
+            if (stop && stop->load())
+                break;
+            step(stores, next);
+        }
+        changed |= stores.commit();
+    }
+    return changed;
+}
 
 TagIndex loadIndex()
 {

@@ -4,6 +4,8 @@
 
 #include <QString>
 #include <QStringList>
+#include <atomic>
+#include <functional>
 #include <mutex>
 
 namespace tl::contexts {
@@ -48,6 +50,13 @@ private:
     QByteArray m_indexDigest;
     QByteArray m_listDigest;
 };
+
+// Runs the step for items 0..count-1 in batches of about a second each, so
+// that a long run over the library never keeps other writers waiting for
+// long; stops between items once `stop` is set. Answers whether the index
+// changed.
+bool forEachInBatches(qsizetype count, const std::function<void(TagStores &, qsizetype)> &step,
+                      const std::atomic_bool *stop);
 
 // TagDB.plist as last read or written by this process; read again only when
 // the file changed on disk.
