@@ -1,5 +1,6 @@
 #include "tasks/task_extraction.h"
 
+#include "contexts/tag_database.h"
 #include "foundation/clock.h"
 #include "foundation/compare.h"
 #include "foundation/path_string.h"
@@ -154,8 +155,7 @@ QString taskMarker()
 QString tl_extractTasksToPath(const QString &text, const QString &documentPath, ExtractionMode mode,
                               store::TextEncoding encoding, bool inNewBook, QStringList *created)
 {
-    const QStringList tags =
-        store::tl_propertyForKey(documentPath, QLatin1String(P::Tags)).toStringList();
+    const QStringList tags = contexts::tl_verifiedTagList(documentPath);
     const QString target = targetFolder(documentPath, mode, inNewBook, tags);
     if (mode == ExtractionMode::WholeDocument) {
         const QString moved = path::appendingComponent(target, path::lastComponent(documentPath));
@@ -195,6 +195,8 @@ QString tl_extractTasksToPath(const QString &text, const QString &documentPath, 
             store::tl_setProperty(*task, tags, QLatin1String(P::Tags));
         if (setting(keys::AssignDefaultDueDate))
             tl_setDueDate(*task, due);
+        if (setting(S::ContextsEnabled) && setting(S::ExtractContextsAutomatically))
+            contexts::tl_collectTagsFromText(*task, piece);
         store::tl_setProperty(*task, source, QLatin1String(P::URL));
         for (int i = 0; i < toggles; ++i)
             tl_toggleTask(*task);

@@ -1,3 +1,4 @@
+#include "contexts/tag_files.h"
 #include "store/properties.h"
 #include "task_fixture.h"
 #include "tasks/task_extraction.h"
@@ -18,6 +19,7 @@ protected:
     {
         TaskListTest::SetUp();
         setSetting("markTaskWithCharacter", " > ");
+        writePlist(contexts::availableTagsPath(), QStringList{"work", "home"});
     }
 
     // The names of the documents in a folder, with their task states.
@@ -74,7 +76,7 @@ TEST_F(ExtractionTest, EachModeMakesItsPiecesOnceWithTheirStates)
 TEST_F(ExtractionTest, TasksRememberTheirSourceInTextOrder)
 {
     const QString doc = makeFile(book_ + "/My Notes.md");
-    store::tl_setProperty(doc, QStringList{"work"}, "Tags");
+    store::tl_setProperty(doc, QStringList{"work", "gone"}, "Tags");
     tl_extractTasksToPath("> Call\n> Call \n> (X) Old idea\n> Call\n> Call Ann", doc,
                           ExtractionMode::MarkedLines, TextEncoding::UTF8, false);
     tl_extractTasksToPath("Call\nabout rent\n\nCall Bob", doc, ExtractionMode::Paragraphs,
