@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/alerts.h"
+
 #include <QCommandLineParser>
 #include <QString>
 #include <QStringList>
@@ -8,6 +10,14 @@
 #include <optional>
 
 namespace tl::cli {
+
+// Alerts of a headless run go to standard error as "message: text"; the
+// answers are those pushed, else the first button.
+class StandardErrorAlerts : public platform::HeadlessAlertPresenter
+{
+public:
+    int run(const platform::Alert &alert) override;
+};
 
 // Exit statuses of the command.
 enum Exit { Success = 0, Failure = 1, Usage = 2 };
@@ -43,6 +53,7 @@ const std::vector<Command> &fountainCommands();
 const std::vector<Command> &tasksCommands();
 const std::vector<Command> &searchCommands();
 const std::vector<Command> &publishCommands();
+const std::vector<Command> &schemeCommands();
 
 // No arguments, or only the launch gestures: the desktop program is wanted.
 bool startsDesktopProgram(int argc, char **argv);

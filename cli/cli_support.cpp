@@ -101,6 +101,14 @@ QString plainText(const QVariant &value)
 
 } // namespace
 
+int StandardErrorAlerts::run(const platform::Alert &alert)
+{
+    fail(alert.informativeText.isEmpty()
+             ? alert.message
+             : alert.message + QStringLiteral(": ") + alert.informativeText);
+    return HeadlessAlertPresenter::run(alert);
+}
+
 void printValue(const QVariant &value, bool json)
 {
     if (json) {

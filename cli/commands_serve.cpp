@@ -19,19 +19,6 @@ namespace tl::cli {
 
 namespace {
 
-// Alerts of a headless run go to standard error as "message: text".
-class StandardErrorAlerts : public platform::HeadlessAlertPresenter
-{
-public:
-    int run(const platform::Alert &alert) override
-    {
-        fail(alert.informativeText.isEmpty()
-                 ? alert.message
-                 : alert.message + QStringLiteral(": ") + alert.informativeText);
-        return HeadlessAlertPresenter::run(alert);
-    }
-};
-
 // SIGINT and SIGTERM may reach any thread; the handler only tells the pipe,
 // and the main thread stops the server.
 int stopPipe[2] = {-1, -1};

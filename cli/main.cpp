@@ -23,7 +23,7 @@ std::vector<const Command *> allCommands()
     for (const auto *group :
          {&libraryCommands(), &settingsCommands(), &pathCommands(), &itemCommands(),
           &convertCommands(), &fountainCommands(), &browserCommands(), &tasksCommands(),
-          &searchCommands(), &publishCommands(), &serveCommands()})
+          &searchCommands(), &publishCommands(), &schemeCommands(), &serveCommands()})
         for (const Command &c : *group)
             all.push_back(&c);
     return all;

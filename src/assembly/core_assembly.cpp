@@ -4,6 +4,7 @@
 #include "convert/html_to_text.h"
 #include "convert/store_registration.h"
 #include "links/link_jobs.h"
+#include "links/link_resolution.h"
 #include "platform/alerts.h"
 #include "platform/settings.h"
 #include "screenplay/script_page.h"
@@ -114,6 +115,10 @@ void assembleCore(const CoreParts &parts)
     install(hooks.effectiveAppearanceName, parts.effectiveAppearanceName,
             "effectiveAppearanceName hook");
     install(hooks.openDocuments, parts.openDocuments, "openDocuments hook");
+    const bool mayAsk = parts.host == Host::Desktop;
+    hooks.findAlternativePath = [mayAsk](const QString &wanted) {
+        return links::tl_findAlternativePathExcluding({wanted, {}, mayAsk, {}});
+    };
 }
 
 QStringList missingParts()

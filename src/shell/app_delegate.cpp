@@ -14,6 +14,7 @@
 #include "shell/preferences.h"
 #include "shell/shell_hooks.h"
 #include "shell/shell_keys.h"
+#include "shell/url_actions.h"
 #include "store/item_path.h"
 #include "store/keys.h"
 #include "store/library_folders.h"
@@ -229,7 +230,8 @@ void AppDelegate::applicationDidFinishLaunching()
             return;
     } else if (rootIsExistingFolder()) {
         if (settings.contains(S::TerminatedGracefully) &&
-            settings.boolValue(S::OpenMostRecentDocOnLaunch) && !m_options.noRestore) {
+            settings.boolValue(S::OpenMostRecentDocOnLaunch) && !m_options.noRestore &&
+            !isHandlingURLEvent()) {
             settings.remove(S::TerminatedGracefully);
             const QString last = settings.string(S::LastSelectedMainWindowDocument);
             if (!last.isEmpty() && last.startsWith(root) && QFileInfo::exists(last))

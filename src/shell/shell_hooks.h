@@ -21,6 +21,16 @@ struct ShellHooks
     std::function<QString()> effectiveAppearanceName = [] { return QStringLiteral("Light"); };
     // Opens the last session's extra document windows.
     std::function<void(const QVariantList &)> openDocuments = [](const QVariantList &) {};
+    // A replacement for a linked item that is missing, with its anchor; ""
+    // when none is found. The links subsystem fills it in.
+    std::function<QString(const QString &wanted)> findAlternativePath = [](const QString &) {
+        return QString();
+    };
+    // Brings the window already showing the document to the front (following
+    // its anchor); false when no window shows it.
+    std::function<bool(const QString &path)> showInOpenWindow = [](const QString &) {
+        return false;
+    };
 };
 
 ShellHooks &shellHooks();

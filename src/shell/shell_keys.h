@@ -15,4 +15,5 @@ inline constexpr char LaunchLocalWebDAVServer[] = "launchLocalWebDAVServer";
 inline constexpr char SelectAppearanceManually[] = "selectAppearanceManually";
 inline constexpr char OutlineIsCollapsed[] = "outlineIsCollapsed";
 inline constexpr char IgnoreDroppedFilesOnLaunch[] = "ignoreDroppedFilesOnLaunch";
+inline constexpr char AddDroppedItemsToInbox[] = "addDroppedItemsToInbox";
 } // namespace tl::keys::setting

@@ -57,3 +57,35 @@ TEST_F(SearchCommand, AnswersFromAnIndexKeptFreshByTheCommand)
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(SearchCommand, DoorsFromOutsideRunHeadless)
+{
+    struct Case
+    {
+        QStringList args;
+        QByteArray input;
+        int exitCode;
+        QString out;
+    };
+    const Case cases[] = {
+        {{"note", "--title", "Call"}, "ring back", 0, library + "/Call.txt\n"},
+        {{"add-selection", "--rtf"}, "{\\rtf1 x}", 0, library + "/{-rtf1 x}.rtf\n"},
+        {{"add-selection"}, "", 1, ""},
+        {{"url", "tavelle://addnote?title=Memo&text"}, {}, 0, ""},
+        {{"url", "tavelle://Book/Tea.md"}, {}, 0, library + "/Book/Tea.md\n"},
+        {{"url", "tavelle://search?organ"}, {}, 0, library + "/Book/Tea.md\n"},
+        {{"url", "http://example.com"}, {}, 2, ""},
+        {{"open", library + "/Coffee.txt"}, {}, 0, library + "/Coffee.txt\n"},
+    };
+    for (const Case &c : cases) {
+        const auto r =
+            tltest::runTavelle(home, QStringList{"--library", library} + c.args, c.input);
+        EXPECT_EQ(r.exitCode, c.exitCode) << c.args.join(' ').toStdString() << r.err.toStdString();
+        EXPECT_EQ(r.out, c.out) << c.args.join(' ').toStdString();
+    }
+    EXPECT_EQ(tltest::readFile(library + "/Memo.txt"), "text");
+}
+
+} // namespace

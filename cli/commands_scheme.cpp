@@ -1,0 +1,140 @@
+// url, open, note, add-selection: the doors into the program from outside,
+// run headless: tavelle:// addresses, files handed over, and the services.
+#include "browser/library_search.h"
+#include "cli.h"
+#include "foundation/events.h"
+#include "foundation/notification_center.h"
+#include "shell/url_actions.h"
+#include "store/library_root.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <memory>
+
+namespace tl::cli {
+
+namespace {
+
+QString standardInput()
+{
+    QFile input;
+    if (!input.open(stdin, QIODevice::ReadOnly))
+        return {};
+    return QString::fromUtf8(input.readAll());
+}
+
+void describeURL(QCommandLineParser &p)
+{
+    p.addPositionalArgument("URL", "A tavelle:// address: show, search, addnote or grab.", "URL");
+}
+
+int runURL(const QCommandLineParser &, const Invocation &in)
+{
+    if (in.arguments.size() != 1 || !shell::parsedTavelleURL(in.arguments[0]))
+        return fail("usage: tavelle url 'tavelle://...'", Usage);
+    platform::setAlertPresenter(std::make_shared<StandardErrorAlerts>());
+    // Without a window the item to show is printed, and a search prints its results.
+    QString searchScope = store::libraryRoot();
+    const ScopedObserver shown(events::ShowItemAtPath, [](const QString &, const QVariantMap &p) {
+        printLine(p.value("path").toString());
+    });
+    const ScopedObserver book(events::NewBookSelected,
+                              [&searchScope](const QString &, const QVariantMap &p) {
+                                  searchScope = p.value("path").toString();
+                              });
+    const ScopedObserver search(
+        events::StartSpotlightSearch, [&](const QString &, const QVariantMap &p) {
+            const browser::SearchResults results = browser::runLibrarySearch(
+                p.value("term").toString(), searchScope, search::Field::NameOrContent,
+                browser::SearchSource::FreshIndex);
+            for (const QString &path : results.paths())
+                printLine(path);
+        });
+    shell::handleTavelleURL(in.arguments[0]);
+    while (shell::downloadsInFlight() > 0)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    return Success;
+}
+
+void describeOpen(QCommandLineParser &p)
+{
+    p.addPositionalArgument("PATH", "A file or folder handed over from outside.", "PATH");
+    p.addOption({"answer", "The button to press when a question is asked (0 is the first).", "N"});
+    p.addOption({"ask", "Ask how to proceed, as with the Option key held."});
+}
+
+int runOpen(const QCommandLineParser &p, const Invocation &in)
+{
+    if (in.arguments.size() != 1)
+        return fail("usage: tavelle open PATH [--answer N] [--ask]", Usage);
+    auto alerts = std::make_shared<StandardErrorAlerts>();
+    alerts->pushAnswer(p.isSet("answer") ? p.value("answer").toInt() : -1);
+    platform::setAlertPresenter(alerts);
+    // Without a window the items it would open and the copies made are printed.
+    const auto printPaths = [](const QString &, const QVariantMap &payload) {
+        for (const QString &path : payload.value("paths").toStringList())
+            printLine(path);
+        if (payload.contains("path"))
+            printLine(payload.value("path").toString());
+    };
+    const ScopedObserver opened(events::OpenItemsInNewWindow, printPaths);
+    const ScopedObserver copied(events::HandleFileModificationInstantly, printPaths);
+    if (!shell::applicationOpenFile(absolutePath(in.arguments[0]), p.isSet("ask")))
+        return fail("Files handed over are ignored (ignoreDroppedFilesOnLaunch is set)");
+    return Success;
+}
+
+void describeNote(QCommandLineParser &p)
+{
+    p.addOption({"title", "The note's title; its first line when left out.", "TITLE"});
+    p.addOption({"book",
+                 "The book to put it in; the default inbox or the top level when left "
+                 "out.",
+                 "BOOK"});
+}
+
+int runNote(const QCommandLineParser &p, const Invocation &)
+{
+    QString book = shell::defaultInboxOrRoot();
+    if (p.isSet("book")) {
+        const std::optional<QString> chosen = itemInLibrary(p.value("book"), Inside::RootAllowed);
+        if (!chosen)
+            return Failure;
+        book = *chosen;
+    }
+    const QString path = shell::addNote(standardInput(), p.value("title"), book);
+    if (path.isEmpty())
+        return fail("Nothing to note: standard input is empty");
+    printLine(path);
+    return Success;
+}
+
+void describeAddSelection(QCommandLineParser &p)
+{
+    p.addOption({"rtf", "The text is RTF: the document gets the extension rtf."});
+}
+
+int runAddSelection(const QCommandLineParser &p, const Invocation &)
+{
+    const QString path = shell::addSelection(standardInput(), p.isSet("rtf"));
+    if (path.isEmpty())
+        return fail("Nothing to add: standard input is empty");
+    printLine(path);
+    return Success;
+}
+
+} // namespace
+
+const std::vector<Command> &schemeCommands()
+{
+    static const std::vector<Command> commands{
+        {"url", "Run a tavelle:// address", true, describeURL, runURL},
+        {"open", "Take in a file or folder handed over from outside", true, describeOpen, runOpen},
+        {"note", "A quick note from standard input", true, describeNote, runNote},
+        {"add-selection", "A document from the text on standard input", true, describeAddSelection,
+         runAddSelection},
+    };
+    return commands;
+}
+
+} // namespace tl::cli
