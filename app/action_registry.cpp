@@ -55,6 +55,10 @@ const std::vector<ActionSpec> &specs()
          [](const ActionState &s) { return s.documentSelected; }},
         {ActionId::DuplicateAsLatex, "LaTeX", K(), nullptr,
          [](const ActionState &s) { return s.documentSelected; }},
+        {ActionId::Compile, "&Compile...", K(), nullptr,
+         [](const ActionState &s) { return s.itemsSelected || s.bookShown; }},
+        {ActionId::CreateEBook, "Create &E-Book...", K(), nullptr,
+         [](const ActionState &s) { return s.itemsSelected || s.bookShown; }},
         {ActionId::MoveToTrash, "Move to &Trash", K(K::Delete), "user-trash",
          [](const ActionState &s) { return s.itemsSelected; }},
         {ActionId::ShowInFileManager, "Show in File &Manager", K(), "system-file-manager",
@@ -183,6 +187,8 @@ void ActionRegistry::fillMenuBar(QMenuBar *bar) const
     file->addAction(action(ActionId::Save));
     file->addAction(action(ActionId::Duplicate));
     file->addMenu(duplicateAsMenu(file));
+    file->addAction(action(ActionId::Compile));
+    file->addAction(action(ActionId::CreateEBook));
     file->addSeparator();
     file->addAction(action(ActionId::ShowInFileManager));
     file->addAction(action(ActionId::OpenWithDefaultApplication));
@@ -235,6 +241,8 @@ void ActionRegistry::fillItemMenu(QMenu *menu) const
     menu->addAction(action(ActionId::Rename));
     menu->addAction(action(ActionId::Duplicate));
     menu->addMenu(duplicateAsMenu(menu));
+    menu->addAction(action(ActionId::Compile));
+    menu->addAction(action(ActionId::CreateEBook));
     menu->addSeparator();
     menu->addAction(action(ActionId::Pin));
     menu->addAction(action(ActionId::ToggleFavorite));

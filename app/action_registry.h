@@ -41,6 +41,8 @@ enum class ActionId {
     DuplicateAsFormatted,
     DuplicateAsFountain,
     DuplicateAsLatex,
+    Compile,
+    CreateEBook,
     MoveToTrash,
     ShowInFileManager,
     OpenWithDefaultApplication,

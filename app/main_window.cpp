@@ -14,6 +14,7 @@
 #include "inline_renamer.h"
 #include "item_actions.h"
 #include "outline_pane.h"
+#include "publishing/publish_runner.h"
 #include "script_pages_label.h"
 #include "server_pane.h"
 #include "shell/app_state.h"
@@ -132,6 +133,13 @@ void MainWindow::buildActions()
             for (const QString &path : selectedItems())
                 m_items->duplicateAs(path, kind);
         });
+    auto *publishing = new PublishRunner(this);
+    a.onTriggered(ActionId::Compile, [this, publishing] {
+        publishing->compile(selectedItems(), m_list->shownBook());
+    });
+    a.onTriggered(ActionId::CreateEBook, [this, publishing] {
+        publishing->createEBook(selectedItems(), m_list->shownBook());
+    });
     a.onTriggered(ActionId::MoveToTrash, [this] { m_items->moveToTrash(selectedItems()); });
     a.onTriggered(ActionId::ShowInFileManager, [this] {
         if (!selectedItems().isEmpty())

@@ -6,8 +6,8 @@ namespace apptest {
 
 QList<QObject *> allTests()
 {
-    return {makeNavigationRulesTest(), makeWelcomeWindowTest(), makeMainWindowTest(),
-            makeScriptPagesLabelTest(), makePlainTextViewTest()};
+    return {makeNavigationRulesTest(),  makeWelcomeWindowTest(), makeMainWindowTest(),
+            makeScriptPagesLabelTest(), makePlainTextViewTest(), makePublishingTest()};
 }
 
 tl::platform::HeadlessAlertPresenter &alerts()

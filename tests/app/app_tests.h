@@ -21,5 +21,6 @@ QObject *makeMainWindowTest();
 QObject *makeWelcomeWindowTest();
 QObject *makeScriptPagesLabelTest();
 QObject *makePlainTextViewTest();
+QObject *makePublishingTest();
 
 } // namespace apptest
