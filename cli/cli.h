@@ -54,6 +54,7 @@ const std::vector<Command> &tasksCommands();
 const std::vector<Command> &searchCommands();
 const std::vector<Command> &publishCommands();
 const std::vector<Command> &schemeCommands();
+const std::vector<Command> &linksCommands();
 
 // No arguments, or only the launch gestures: the desktop program is wanted.
 bool startsDesktopProgram(int argc, char **argv);

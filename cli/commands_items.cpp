@@ -1,6 +1,7 @@
 // mv, cp, rm, trash, dup, pin, recent, file, name: item operations and the
 // rules of document files.
 #include "cli.h"
+#include "links/rename_propagation.h"
 #include "store/custom_order.h"
 #include "store/document_file.h"
 #include "store/duplicate_as.h"
@@ -83,6 +84,8 @@ int runMoveOrCopy(const QCommandLineParser &parser, const Invocation &in)
     }
     const bool done = copy ? store::tl_copyItemToPath(*source, *target)
                            : store::tl_moveItemToPath(*source, *target);
+    // Links are rewritten on the serial queue; the command ends after them.
+    links::waitForLinkRewrites();
     if (!done)
         return fail(QStringLiteral("%1 failed: %2").arg(copy ? "Copy" : "Move", *source));
     printValue(*target, in.json);

@@ -284,6 +284,7 @@ void TLKSDocumentViewController::afterSaving(const QString &hash, const QString 
 {
     md5hash = hash;
     modDateOfPresentedDocument = platform::modificationDate(path).value_or(QDateTime());
+    followLinksAfterSave(originalPath);
     if (!originalPath.isEmpty() && originalPath != path)
         post(events::FileMoved,
              {{"originalPath", originalPath}, {"newPath", path}, {"silentReload", "1"}});

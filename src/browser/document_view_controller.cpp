@@ -209,6 +209,7 @@ void TLKSDocumentViewController::showDocument()
     readOffsets();
     if (!path.isEmpty() && QFileInfo::exists(path))
         store::tl_addToRecentItems(path);
+    assignBacklinksOnShow();
     Q_EMIT documentShown();
 }
 

@@ -209,6 +209,9 @@ private:
     bool saveExistingDocument(const QString &text);
     // What every path that wrote does; the hash is of the text as written.
     void afterSaving(const QString &hash, const QString &originalPath);
+    // Backlinks and attachments kept in step with the shown document.
+    void assignBacklinksOnShow();
+    void followLinksAfterSave(const QString &originalPath);
     // Moves the document itself: the view's own rename, never queued.
     bool moveShownDocument(const QString &target);
     void adoptPath(const QString &newPath);

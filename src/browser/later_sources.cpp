@@ -1,6 +1,7 @@
 #include "browser/later_sources.h"
 
 #include "contexts/tag_database.h"
+#include "links/backlink_upkeep.h"
 #include "tasks/due_tasks.h"
 #include "tasks/task_list.h"
 #include "tasks/task_lists.h"
@@ -58,8 +59,9 @@ void tl_collectTagsInPlist(const QString &plistPath)
     contexts::tl_collectTagsInPlist(plistPath);
 }
 
-void tl_repairBrokenBacklink(const QString &)
+void tl_repairBrokenBacklink(const QString &itemPath)
 {
+    links::repairAfterCollection(itemPath);
 }
 
 } // namespace tl::browser

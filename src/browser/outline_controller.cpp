@@ -415,6 +415,15 @@ void TLKSOutlineViewController::followInbox(const QString &source, const QString
     store::TLStaticFunctions::tl_writeLocationSpecificSettings();
 }
 
+// Links follow an item another program moved: once its properties file has
+// followed it, the stored path tells where it was.
+void TLKSOutlineViewController::repairLinksAfterOutsideMove(const QString &target)
+{
+    Scheduler::main().schedule(QStringLiteral("repairLinks %1").arg(target),
+                               kPropertiesFollowDelay + kFollowUpDelay,
+                               [target] { tl_repairBrokenBacklink(target); });
+}
+
 void TLKSOutlineViewController::presentedSubitemAtURLDidMoveToURL(const QString &source,
                                                                   const QString &target)
 {
@@ -458,6 +467,8 @@ void TLKSOutlineViewController::presentedSubitemAtURLDidMoveToURL(const QString 
         }
         for (const QString &parent : {bookOf(source), bookOf(target)})
             m_model.reloadItem(TLKSOutlineItem::childAtPath(parent));
+        if (inLibrary)
+            repairLinksAfterOutsideMove(target);
         return;
     }
     if (exists && isDirectory) {
@@ -465,6 +476,7 @@ void TLKSOutlineViewController::presentedSubitemAtURLDidMoveToURL(const QString 
         if (inLibrary) {
             store::tl_changePathInTagDBToPath(source, target);
             store::tl_changeSortOrderToPath(source, target);
+            repairLinksAfterOutsideMove(target);
         }
     }
     moveInTree(source, target);

@@ -46,6 +46,7 @@ public:
     // The file presenter's callbacks.
     void presentedSubitemDidChangeAtURL(const QString &path);
     void presentedSubitemAtURLDidMoveToURL(const QString &source, const QString &target);
+    void repairLinksAfterOutsideMove(const QString &target);
     void handleWatchReport(const platform::FileWatchReport &report);
 
     void updateSmartBookOfType(int type);

@@ -2,6 +2,8 @@
 
 #include "foundation/path_string.h"
 #include "store/extensions.h"
+#include "store/item_path.h"
+#include "store/keys.h"
 
 #include <QDir>
 #include <QStringList>
@@ -13,6 +15,15 @@ bool isPackageExtension(const QString &extension)
     static const QStringList linkPackages{"numbers", "key",      "rtfd",    "graffle",
                                           "app",     "ooutline", "cardflow"};
     return linkPackages.contains(extension) || store::packageExtensions().contains(extension);
+}
+
+bool isSkippedByLinkWalks(const QString &path)
+{
+    const QString name = path::lastComponent(path);
+    return name == u".Trash" || name == u".TLTrash" || store::tl_pathIsExcludedFromDisplay(path) ||
+           name.startsWith(QStringLiteral("Sync Report")) || name == QLatin1String(names::MacLog) ||
+           name == QLatin1String(names::DropboxLog) ||
+           path.contains(QLatin1String(names::TLResources));
 }
 
 void walkTree(const QString &top, const std::function<bool(const WalkEntry &)> &visit)

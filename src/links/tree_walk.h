@@ -16,6 +16,10 @@ struct WalkEntry
 
 void walkTree(const QString &top, const std::function<bool(const WalkEntry &)> &visit);
 
+// What the walks over a moved or checked book pass by: the trash, items
+// hidden from display, logs and sync reports, and the program's resources.
+bool isSkippedByLinkWalks(const QString &path);
+
 // Whether a lower-cased extension marks a package folder that walks skip.
 bool isPackageExtension(const QString &lowerCasedExtension);
 

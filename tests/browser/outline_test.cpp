@@ -7,6 +7,8 @@
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
 #include "foundation/scheduler.h"
+#include "links/backlink_upkeep.h"
+#include "links/rename_propagation.h"
 #include "platform/alerts.h"
 #include "shell/app_state.h"
 #include "store/keys.h"
@@ -180,6 +182,24 @@ TEST_F(Outline, NewRootListsOnlyTheSettingsThatDiffer)
     EXPECT_EQ(alerts->shownAlerts()[0].informativeText,
               QString::fromUtf8("Default Inbox: Inbox\nLink Management: Active\n"));
     tl::platform::setAlertPresenter(nullptr);
+}
+
+TEST_F(Outline, LinksFollowADocumentMovedByAnotherProgram)
+{
+    auto &clock = useManualClock(QDateTime(QDate(2024, 1, 1), QTime(0, 0), Qt::UTC));
+    setSetting("manageLinks", true);
+    makeFile(inRoot("A/x.md"));
+    const QString linker = makeFile(inRoot("B/z.md"), "[x](../A/x.md)");
+    tl::links::tl_refreshBacklinksForReferencedDocuments(linker);
+    TLKSOutlineViewController controller;
+    // The file manager moves the document alone; its properties follow it.
+    makeFolder(inRoot("C"));
+    QFile::rename(inRoot("A/x.md"), inRoot("C/x.md"));
+    controller.presentedSubitemAtURLDidMoveToURL(inRoot("A/x.md"), inRoot("C/x.md"));
+    clock.advance(1);
+    tl::Scheduler::main().runDue();
+    tl::links::waitForLinkRewrites();
+    EXPECT_EQ(tltest::readFile(linker), "[x](../C/x.md)");
 }
 
 TEST_F(Outline, OutsideChangesUpdateTheTreeAndPostEvents)

@@ -1,0 +1,188 @@
+#include "links/rename_propagation.h"
+
+#include "foundation/compare.h"
+#include "foundation/path_string.h"
+#include "foundation/serial_queue.h"
+#include "links/backlinks.h"
+#include "links/link_rewrite.h"
+#include "links/reference_scan.h"
+#include "links/rewrite_journal.h"
+#include "links/tree_walk.h"
+#include "platform/alerts.h"
+#include "store/extensions.h"
+#include "store/item_path.h"
+#include "store/library_root.h"
+#include "store/log.h"
+#include "store/plist_file.h"
+
+#include <QElapsedTimer>
+#include <QFileInfo>
+
+namespace tl::links {
+
+namespace {
+
+bool exists(const QString &path)
+{
+    return store::tl_fileExistsAtPathIsDirectory(path);
+}
+
+// `path` is `folder` or lies below it.
+bool isAtOrBelow(const QString &path, const QString &folder)
+{
+    return path == folder || path.startsWith(folder + u'/');
+}
+
+QString replacingPrefix(const QString &path, const QString &prefix, const QString &replacement)
+{
+    return replacement + path.mid(prefix.size());
+}
+
+void runJournaled(PendingRewrite::Kind kind, const QString &from, const QString &to,
+                  std::function<void()> work)
+{
+    const QString note = beginRewrite({kind, from, to});
+    SerialQueue::main().post([note, work = std::move(work)] {
+        work();
+        finishRewrite(note);
+    });
+}
+
+} // namespace
+
+bool isLinkBearing(const QString &path)
+{
+    static const QStringList kinds{"md", "markdown", "text", "mdown", "rmd", "txt", "html"};
+    return kinds.contains(store::lowerCasedExtension(path));
+}
+
+void adjustLinksAndBacklinksNow(const QString &from, const QString &to)
+{
+    const QString root = store::libraryRoot();
+    if (QFileInfo::exists(store::propertiesFilePath(to)))
+        setReferencedPath(to, store::tl_normalizedPath(to));
+    tl_renameLinksInDocumentFrom(to, from, to);
+    for (const QString &linker : backlinksOf(to))
+        tl_renameLinksInDocumentFrom(root + linker, from, to);
+    if (!isLinkBearing(to))
+        return;
+    for (const QString &referenced : tl_verifiedArrayOfReferencedDocuments(to))
+        tl_changeBacklinkFrom(referenced, from, to);
+}
+
+void tl_adjustLinksAndBacklinksAfterRenameFrom(const QString &from, const QString &to)
+{
+    if (exists(from)) {
+        logLine(
+            QStringLiteral("not changing links & backlinks because old path still exists\n%1\n%2")
+                .arg(from, to));
+        return;
+    }
+    runJournaled(PendingRewrite::Kind::Document, from, to,
+                 [from, to] { adjustLinksAndBacklinksNow(from, to); });
+}
+
+void renameAllLinksNow(const QString &from, const QString &to)
+{
+    QElapsedTimer timer;
+    timer.start();
+    const QString root = store::libraryRoot();
+    QStringList documents;
+    int items = 0;
+    const auto visit = [&](const WalkEntry &entry) {
+        if (isSkippedByLinkWalks(entry.path))
+            return false;
+        ++items;
+        if (!entry.isFolder && isLinkBearing(entry.path))
+            documents.append(entry.path);
+        if (!hasMismatch(entry.path))
+            return true;
+        const QString old = replacingPrefix(entry.path, to, from);
+        const bool oldExists = exists(root + referencedPathOf(entry.path));
+        QStringList handled;
+        for (const QString &backlink : backlinksOf(entry.path)) {
+            QString linker = root + backlink;
+            if (isAtOrBelow(linker, from)) {
+                linker = replacingPrefix(linker, from, to);
+                tl_renameLinksInDocumentFrom(linker, from, to);
+            } else if (oldExists) {
+                continue;
+            } else {
+                tl_renameLinksInDocumentFrom(linker, old, entry.path);
+            }
+            handled.append(store::tl_normalizedPath(linker));
+        }
+        if (handled.isEmpty())
+            tl_removeBacklinks(entry.path);
+        else
+            setBacklinks(entry.path, handled);
+        return true;
+    };
+    // The book itself may be linked to as well.
+    visit({to, true});
+    walkTree(to, visit);
+    for (const QString &document : documents) {
+        const QString old = replacingPrefix(document, to, from);
+        const bool oldExists = exists(old);
+        tl_renameLinksInDocumentFrom(document, old, document);
+        for (const QString &referenced : tl_verifiedArrayOfReferencedDocuments(document)) {
+            if (oldExists)
+                tl_addBacklink(referenced, document);
+            else
+                tl_changeBacklinkFrom(referenced, old, document);
+        }
+    }
+    logLine(QStringLiteral("***** updated references in %1 items in %2")
+                .arg(items)
+                .arg(double(timer.elapsed()) / 1000));
+}
+
+void tl_renameAllLinksFrom(const QString &from, const QString &to)
+{
+    runJournaled(PendingRewrite::Kind::Book, from, to, [from, to] { renameAllLinksNow(from, to); });
+}
+
+void tl_askToAdjustLinksAndBacklinksAfterRenameFrom(const QString &from, const QString &to)
+{
+    const QStringList backlinks = backlinksOf(to);
+    if (backlinks.isEmpty() && tl_arrayOfAllReferencesInDocument(to).isEmpty())
+        return;
+    const QString count =
+        backlinks.size() == 1
+            ? QStringLiteral("One document is linking to this document.")
+            : QStringLiteral("%1 documents are linking to this document.").arg(backlinks.size());
+    const int answer = platform::alerts().run(
+        {QStringLiteral("Update Links"),
+         count + u'\n' + QStringLiteral("Do you want to update the links?"),
+         {QStringLiteral("Update"), QStringLiteral("Do not Update"), QStringLiteral("Cancel")}});
+    if (answer == 0)
+        tl_adjustLinksAndBacklinksAfterRenameFrom(from, to);
+    else if (answer == 1)
+        tl_removeBacklinks(to);
+}
+
+QStringList finishInterruptedRewrites()
+{
+    QStringList report;
+    for (const auto &[note, rewrite] : unfinishedRewrites()) {
+        const bool book = rewrite.kind == PendingRewrite::Kind::Book;
+        report << QStringLiteral("finishing an interrupted link rewrite after the move of %1 to %2")
+                      .arg(rewrite.from, rewrite.to);
+        logLine(report.last());
+        SerialQueue::main().post([note, rewrite, book] {
+            if (book)
+                renameAllLinksNow(rewrite.from, rewrite.to);
+            else
+                adjustLinksAndBacklinksNow(rewrite.from, rewrite.to);
+            finishRewrite(note);
+        });
+    }
+    return report;
+}
+
+void waitForLinkRewrites()
+{
+    SerialQueue::main().waitUntilIdle();
+}
+
+} // namespace tl::links
