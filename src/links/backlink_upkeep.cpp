@@ -1,5 +1,7 @@
 #include "links/backlink_upkeep.h"
 
+#include "contexts/context_keys.h"
+#include "contexts/tag_files.h"
 #include "foundation/clock.h"
 #include "foundation/compare.h"
 #include "foundation/dates.h"
@@ -7,7 +9,6 @@
 #include "foundation/notification_center.h"
 #include "foundation/path_string.h"
 #include "links/backlinks.h"
-#include "links/library_info.h"
 #include "links/links_keys.h"
 #include "links/reference_scan.h"
 #include "links/rename_propagation.h"
@@ -26,6 +27,9 @@
 namespace tl::links {
 
 namespace {
+
+// In Info.plist: the item count of the last check of the whole library.
+constexpr char kNumberOfDocumentsWithBacklinks[] = "numberOfDocumentsWithBacklinks";
 
 bool manageLinks()
 {
@@ -127,10 +131,10 @@ RefreshReport tl_refreshAllBacklinksStartingAtReferenceDate(const QString &book,
     timer.start();
     const QString root = store::libraryRoot();
     const bool wholeLibrary = book == root;
-    const QString dateKey = QLatin1String(keys::info::AutocollectDateBacklinks);
+    const QString dateKey = QLatin1String(contexts::keys::AutocollectDateBacklinks);
     QDateTime limit = distantPast();
-    if (sinceLast && wholeLibrary && libraryInfoValue(dateKey).isValid())
-        limit = libraryInfoValue(dateKey).toDateTime();
+    if (sinceLast && wholeLibrary && contexts::infoValue(dateKey).isValid())
+        limit = contexts::infoValue(dateKey).toDateTime();
     const QDateTime started = tl::clock().now();
 
     RefreshReport report;
@@ -151,7 +155,7 @@ RefreshReport tl_refreshAllBacklinksStartingAtReferenceDate(const QString &book,
         return false;
     });
     if (wholeLibrary)
-        setLibraryInfoValue(dateKey, started);
+        contexts::setInfoValue(dateKey, started);
     report.message = refreshMessage(report.documents, report.references);
     reloadShownDocumentIfBacklinksShow();
     logLine(QStringLiteral("***** %1 items, %2 refs in %3")
@@ -224,8 +228,7 @@ CheckReport tl_findBrokenBacklinksSilently(const QString &book, bool silently, b
         return true;
     });
     if (book == store::libraryRoot())
-        setLibraryInfoValue(QLatin1String(keys::info::NumberOfDocumentsWithBacklinks),
-                            report.items);
+        contexts::setInfoValue(QLatin1String(kNumberOfDocumentsWithBacklinks), report.items);
     report.mismatches = count;
     for (qsizetype i = 0; i < mismatched.size(); ++i)
         report.found << QStringLiteral("%1 ( %2 )").arg(mismatched[i], stored[i]);
