@@ -105,14 +105,12 @@ void TLKSDocumentCompiler::setProgressSheet(ProgressSheet sheet)
 
 void TLKSDocumentCompiler::showSheet()
 {
-    m_progress = 0;
     if (m_sheet.show)
         m_sheet.show();
 }
 
 void TLKSDocumentCompiler::updateProgress(double percent)
 {
-    m_progress = percent;
     if (m_sheet.update)
         m_sheet.update(percent);
 }
@@ -139,11 +137,6 @@ QStringList TLKSDocumentCompiler::listOfDocumentsByExpandingBooksInArray(const Q
             documents << path;
     }
     return documents;
-}
-
-QString TLKSDocumentCompiler::tl_makeHTMLFromDirectory()
-{
-    return tl_createHTMLFromDocuments({effectiveBasePath()}, QString(), QString(), false);
 }
 
 QString TLKSDocumentCompiler::tl_createHTMLFromDocuments(const QStringList &paths,

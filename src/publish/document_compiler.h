@@ -48,7 +48,6 @@ public:
     bool creatingeBook = false;
 
     void setProgressSheet(ProgressSheet sheet);
-    double currentProgress() const { return m_progress.load(); }
 
     // Folders replaced by all their documents in reading order.
     static QStringList listOfDocumentsByExpandingBooksInArray(const QStringList &paths);
@@ -58,9 +57,6 @@ public:
     // separated by two empty lines.
     QString tl_createHTMLFromDocuments(const QStringList &paths, const QString &title,
                                        const QString &separator, bool autoFormat);
-    // The base folder itself, untitled, as HTML.
-    QString tl_makeHTMLFromDirectory();
-
     // The finished e-book's path, or nothing when the run was stopped.
     std::optional<QString> tl_makeePubWithAttributes(const EBookAttributes &attributes,
                                                      const QStringList &paths);
@@ -73,7 +69,6 @@ public:
 
 private:
     ProgressSheet m_sheet;
-    std::atomic<double> m_progress{0};
 };
 
 } // namespace tl::publish
