@@ -65,6 +65,12 @@ const std::vector<ActionSpec> &specs()
          [](const ActionState &s) { return s.oneItemSelected; }},
         {ActionId::OpenWithDefaultApplication, "Open With Default Application", K(), nullptr,
          [](const ActionState &s) { return s.documentSelected; }},
+        {ActionId::CopyLink, "Copy &Link", K(), nullptr,
+         [](const ActionState &s) { return s.oneItemSelected; }},
+        {ActionId::CopyMarkdownLink, "Copy &Markdown Link", K(), nullptr,
+         [](const ActionState &s) { return s.oneItemSelected; }},
+        {ActionId::CheckLinks, "Check Lin&ks", K(), nullptr,
+         [](const ActionState &s) { return s.hasLibrary; }},
         {ActionId::Pin, "&Pin to Top", K(QStringLiteral("Ctrl+Shift+P")), "view-pin",
          [](const ActionState &s) { return s.oneItemSelected; }},
         {ActionId::ToggleFavorite, "&Favorite", K(QStringLiteral("Ctrl+Shift+F")), "starred",
@@ -211,6 +217,10 @@ void ActionRegistry::fillMenuBar(QMenuBar *bar) const
     item->addAction(action(ActionId::Pin));
     item->addAction(action(ActionId::ToggleFavorite));
     item->addMenu(colorLabelMenu(item));
+    item->addSeparator();
+    item->addAction(action(ActionId::CopyLink));
+    item->addAction(action(ActionId::CopyMarkdownLink));
+    item->addAction(action(ActionId::CheckLinks));
 
     QMenu *view = bar->addMenu(QStringLiteral("&View"));
     view->addAction(action(ActionId::TogglePlainAndFormatted));

@@ -13,6 +13,7 @@
 #include "foundation/path_string.h"
 #include "inline_renamer.h"
 #include "item_actions.h"
+#include "link_actions.h"
 #include "outline_pane.h"
 #include "publishing/publish_runner.h"
 #include "script_pages_label.h"
@@ -154,6 +155,12 @@ void MainWindow::buildActions()
             m_items->pin(selectedItems().first());
     });
     a.onTriggered(ActionId::ToggleFavorite, [this] { m_items->toggleFavorite(selectedItems()); });
+    a.onTriggered(ActionId::CopyLink, [this] { copyLinkToClipboard(selectedItems().value(0)); });
+    a.onTriggered(ActionId::CopyMarkdownLink,
+                  [this] { copyMarkdownLinkToClipboard(selectedItems().value(0)); });
+    a.onTriggered(ActionId::CheckLinks, [this] {
+        checkLinks(m_list->shownBook().isEmpty() ? store::libraryRoot() : m_list->shownBook());
+    });
     a.onColorLabel([this](const QString &name) { m_items->setColorLabel(selectedItems(), name); });
     a.onTriggered(ActionId::TogglePlainAndFormatted, [this] { m_document->toggleView(); });
     a.onTriggered(ActionId::ShowOutline, [this] {

@@ -6,6 +6,7 @@
 #include "document/preview_pane.h"
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
+#include "link_actions.h"
 #include "store/style_values.h"
 
 #include <QLabel>
@@ -66,9 +67,11 @@ FormattedView *DocumentPane::formattedView()
     m_formatted = new FormattedView(this);
     m_stack->addWidget(m_formatted);
     TLKSDocumentViewController *c = m_controller;
-    connect(m_formatted, &FormattedView::libraryLinkActivated, this, [](const QString &path) {
-        NotificationCenter::defaultCenter().post(QLatin1String(events::ShowItemAtPath),
-                                                 {{QStringLiteral("path"), path}});
+    connect(m_formatted, &FormattedView::libraryLinkActivated, this, [c](const QString &link) {
+        const QString path = followLibraryLink(link, c->path);
+        if (!path.isEmpty())
+            NotificationCenter::defaultCenter().post(QLatin1String(events::ShowItemAtPath),
+                                                     {{QStringLiteral("path"), path}});
     });
     connect(m_formatted, &FormattedView::checkboxClicked, this,
             [c](const QString &text, int occurrence) {

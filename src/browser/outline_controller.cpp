@@ -9,6 +9,7 @@
 #include "foundation/notification_center.h"
 #include "foundation/path_string.h"
 #include "foundation/scheduler.h"
+#include "links/rename_propagation.h"
 #include "platform/alerts.h"
 #include "platform/file_watcher.h"
 #include "platform/settings.h"
@@ -159,6 +160,8 @@ bool TLKSOutlineViewController::initFileCoordinationAndTaskLists()
     m_watcher->onReport = [this](const platform::FileWatchReport &r) { handleWatchReport(r); };
     const bool watching = m_watcher->watch(store::libraryRoot());
     updateListOfTasklists();
+    // Link rewrites a crash cut short are finished for this library.
+    links::finishInterruptedRewrites();
     return watching;
 }
 

@@ -7,7 +7,8 @@ namespace apptest {
 QList<QObject *> allTests()
 {
     return {makeNavigationRulesTest(),  makeWelcomeWindowTest(), makeMainWindowTest(),
-            makeScriptPagesLabelTest(), makePlainTextViewTest(), makePublishingTest()};
+            makeScriptPagesLabelTest(), makePlainTextViewTest(), makePublishingTest(),
+            makeLinkActionsTest()};
 }
 
 tl::platform::HeadlessAlertPresenter &alerts()

@@ -22,5 +22,6 @@ QObject *makeWelcomeWindowTest();
 QObject *makeScriptPagesLabelTest();
 QObject *makePlainTextViewTest();
 QObject *makePublishingTest();
+QObject *makeLinkActionsTest();
 
 } // namespace apptest
