@@ -65,14 +65,20 @@ int compile(const QCommandLineParser &parser, const Invocation &in)
         compiler.tl_createHTMLFromDocuments(*selection, title, QString(), format == u"auto");
     if (compiled.isEmpty())
         return fail(QStringLiteral("Cannot write the compiled document"));
-    printLine(compiled);
-    if (!parser.isSet(QStringLiteral("pdf")))
+    if (!parser.isSet(QStringLiteral("pdf"))) {
+        printValue(compiled, in.json);
         return Success;
+    }
     const QString folder = absolutePath(parser.value(QStringLiteral("pdf")));
     const std::optional<QString> pdf = publish::printCompiledDocumentToPDF(compiled, title, folder);
     if (!pdf)
         return fail(QStringLiteral("Cannot print the PDF into %1").arg(folder));
-    printLine(*pdf);
+    if (in.json)
+        printValue(
+            QVariantMap{{QStringLiteral("document"), compiled}, {QStringLiteral("pdf"), *pdf}},
+            true);
+    else
+        printList({compiled, *pdf}, false);
     return Success;
 }
 
@@ -100,7 +106,7 @@ int epub(const QCommandLineParser &parser, const Invocation &in)
     if (!book)
         return fail(QStringLiteral("The e-book was not made"));
     if (!parser.isSet(QStringLiteral("o"))) {
-        printLine(*book);
+        printValue(*book, in.json);
         return Success;
     }
     const QString target = absolutePath(parser.value(QStringLiteral("o")));
@@ -108,7 +114,7 @@ int epub(const QCommandLineParser &parser, const Invocation &in)
         QFile::remove(*book);
         return fail(QStringLiteral("Cannot write %1").arg(target));
     }
-    printLine(target);
+    printValue(target, in.json);
     return Success;
 }
 

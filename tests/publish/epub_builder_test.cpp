@@ -71,6 +71,15 @@ TEST_F(EPubTest, LinksBetweenChaptersPointToTheirPages)
     EXPECT_TRUE(zipEntries(*book).contains("OPS/b-c+d.html"));
 }
 
+TEST_F(EPubTest, ASuppliedNavigationReplacesTheGeneratedOne)
+{
+    const std::optional<QString> book = make({doc("a.md", "# A"), doc("own.ncx", "<ncx/>")});
+    ASSERT_TRUE(book);
+    EXPECT_TRUE(zipEntries(*book).contains("OPS/own.ncx"));
+    EXPECT_FALSE(zipEntries(*book).contains("OPS/toc.ncx"));
+    EXPECT_TRUE(opf(*book).contains("<item id=\"ncx\" href=\"own.ncx\""));
+}
+
 TEST_F(EPubTest, StopLeavesNothing)
 {
     compiler_.setProgressSheet({{}, [this](double) { compiler_.stopProcess = true; }, {}});
