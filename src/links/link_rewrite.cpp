@@ -36,7 +36,7 @@ QString withoutDiacritics(const QString &text)
 
 bool existsInLibrary(const QString &rootPath)
 {
-    return store::tl_fileExistsAtPathIsDirectory(store::libraryRoot() + rootPath);
+    return itemExists(store::libraryRoot() + rootPath);
 }
 
 // Everything one document's rewrite needs to know, worked out once.
@@ -57,8 +57,7 @@ QString ownLinkAfterMove(const Move &m, const QString &p)
     const QString anchor = store::tl_pathAnchor(p);
     const QString bare = store::tl_pathWithoutAnchor(p);
     const QString here = QDir::cleanPath(path::appendingComponent(m.folder, bare));
-    if (store::tl_fileExistsAtPathIsDirectory(here) ||
-        store::tl_fileExistsAtPathIsDirectory(decoded(here)))
+    if (itemExists(here) || itemExists(decoded(here)))
         return {};
     const QString old =
         QDir::cleanPath(path::appendingComponent(path::deletingLastComponent(m.from), bare));

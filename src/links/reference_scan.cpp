@@ -3,6 +3,7 @@
 #include "convert/html_to_text.h"
 #include "foundation/path_string.h"
 #include "foundation/regex.h"
+#include "links/backlinks.h"
 #include "store/document_file.h"
 #include "store/item_path.h"
 #include "store/library_root.h"
@@ -55,8 +56,7 @@ QString decodedOrEmpty(const QString &text)
 
 bool existsInLibrary(const QString &rootPath)
 {
-    return !rootPath.isEmpty() &&
-           store::tl_fileExistsAtPathIsDirectory(store::libraryRoot() + rootPath);
+    return !rootPath.isEmpty() && itemExists(store::libraryRoot() + rootPath);
 }
 
 // The raw target as a root path or a path relative to the document's
@@ -87,7 +87,7 @@ std::optional<QString> verified(QString s, const QString &folder)
         if (spelling.isEmpty())
             continue;
         const QString full = QDir::cleanPath(path::appendingComponent(folder, spelling));
-        if (store::tl_fileExistsAtPathIsDirectory(full))
+        if (itemExists(full))
             return store::tl_normalizedPath(full);
     }
     return std::nullopt;

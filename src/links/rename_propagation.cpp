@@ -24,7 +24,7 @@ namespace {
 
 bool exists(const QString &path)
 {
-    return store::tl_fileExistsAtPathIsDirectory(path);
+    return itemExists(path);
 }
 
 // `path` is `folder` or lies below it.

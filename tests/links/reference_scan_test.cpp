@@ -64,6 +64,13 @@ TEST_F(VerifiedReferences, ExistingItemsOnlyInTextOrder)
               (QStringList{"/B/y.md", "/A/x.md", "/A/my doc.md", "/A/R&D.md", "/A"}));
 }
 
+TEST_F(VerifiedReferences, ANameStoredDecomposedIsFoundComposed)
+{
+    makeFile(inRoot(QString::fromUtf8("A/Cafe\xCC\x81.md")));
+    const QString doc = makeFile(inRoot("A/doc.md"), "[c](Caf\xC3\xA9.md)");
+    EXPECT_EQ(tl_verifiedArrayOfReferencedDocuments(doc).size(), 1);
+}
+
 TEST_F(VerifiedReferences, UnreadableDocumentHasNone)
 {
     EXPECT_TRUE(tl_verifiedArrayOfReferencedDocuments(inRoot("gone.md")).isEmpty());
