@@ -1,5 +1,6 @@
 #include "document/document_pane.h"
 
+#include "document/backlinks_list.h"
 #include "document/formatted_view.h"
 #include "document/pdf_pane.h"
 #include "document/plain_text_view.h"
@@ -25,6 +26,8 @@ DocumentPane::DocumentPane(QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_stack);
+    auto *backlinks = new BacklinksList(this);
+    layout->addWidget(backlinks);
     static_cast<QLabel *>(m_empty)->setAlignment(Qt::AlignCenter);
     static_cast<QLabel *>(m_empty)->setText(QStringLiteral("No Document Selected"));
     m_empty->setEnabled(false);
@@ -37,6 +40,8 @@ DocumentPane::DocumentPane(QWidget *parent)
     TLKSDocumentViewController *c = m_controller;
     connect(c, &TLKSDocumentViewController::documentShown, this,
             &DocumentPane::showCurrentDocument);
+    connect(c, &TLKSDocumentViewController::documentShown, backlinks,
+            [backlinks, c] { backlinks->follow(c->path); });
     connect(c, &TLKSDocumentViewController::formattedPageChanged, this,
             &DocumentPane::showFormattedPage);
     connect(c, &TLKSDocumentViewController::plainTextReplaced, this,

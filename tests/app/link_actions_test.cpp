@@ -1,7 +1,9 @@
 // The window's link commands: what goes on the clipboard, and a link whose
 // target is missing offering to create it.
 #include "app_tests.h"
+#include "document/backlinks_list.h"
 #include "link_actions.h"
+#include "links/backlinks.h"
 #include "platform/alerts.h"
 #include "store/library_root.h"
 #include "support/test_environment.h"
@@ -43,6 +45,24 @@ private Q_SLOTS:
         QCOMPARE(tltest::readFile(root + QStringLiteral("/A/New.md")), QByteArray("New"));
         QCOMPARE(tl::app::followLibraryLink(root + QStringLiteral("/A/New.md"), QString()),
                  root + QStringLiteral("/A/New.md"));
+        tl::store::setLibraryRootOverride({});
+    }
+
+    void theBacklinksListShowsWhoLinksHere()
+    {
+        const QString root = tltest::makeTemporaryFolder(QStringLiteral("LinkLibrary3"));
+        tl::store::setLibraryRootOverride(root);
+        QVERIFY(tltest::writeFile(root + QStringLiteral("/A/x.md"), "x"));
+        QVERIFY(tltest::writeFile(root + QStringLiteral("/B/z.md"), "[x](../A/x.md)"));
+        tl::links::tl_addBacklink(root + QStringLiteral("/A/x.md"),
+                                  root + QStringLiteral("/B/z.md"));
+        tl::app::BacklinksList list;
+        list.follow(root + QStringLiteral("/A/x.md"));
+        QCOMPARE(list.count(), 1);
+        QCOMPARE(list.item(0)->text(), QStringLiteral("z"));
+        QVERIFY(!list.isHidden());
+        list.follow(root + QStringLiteral("/B/z.md"));
+        QVERIFY(list.isHidden());
         tl::store::setLibraryRootOverride({});
     }
 };
