@@ -51,6 +51,7 @@ const std::vector<Command> &serveCommands();
 const std::vector<Command> &browserCommands();
 const std::vector<Command> &fountainCommands();
 const std::vector<Command> &tasksCommands();
+const std::vector<Command> &contextsCommands();
 const std::vector<Command> &searchCommands();
 const std::vector<Command> &publishCommands();
 const std::vector<Command> &schemeCommands();

@@ -23,8 +23,8 @@ std::vector<const Command *> allCommands()
     for (const auto *group :
          {&libraryCommands(), &settingsCommands(), &pathCommands(), &itemCommands(),
           &convertCommands(), &fountainCommands(), &browserCommands(), &tasksCommands(),
-          &searchCommands(), &publishCommands(), &schemeCommands(), &linksCommands(),
-          &serveCommands()})
+          &contextsCommands(), &searchCommands(), &publishCommands(), &schemeCommands(),
+          &linksCommands(), &serveCommands()})
         for (const Command &c : *group)
             all.push_back(&c);
     return all;
