@@ -8,6 +8,7 @@
 #include "foundation/compare.h"
 #include "foundation/dates.h"
 #include "foundation/path_string.h"
+#include "links/attachments.h"
 #include "platform/settings.h"
 #include "shell/shell_keys.h"
 #include "store/extensions.h"
@@ -24,6 +25,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QThreadPool>
 
 namespace tl::browser {
 
@@ -258,10 +260,10 @@ void TLKSDocumentListViewController::fillSmartBook()
         addRows(lastSearchResults(), true);
         return;
     case RecentlyModified:
-        addRows(searchFilter.isEmpty() ? pathsOfRows(tl_recentlyModifiedItems(
-                                             platform::settings().integer(
-                                                 QLatin1String(S::RecentlyModifiedSince))))
-                                       : readResultFile(recentlyModifiedItemsFile()),
+        addRows(searchFilter.isEmpty()
+                    ? pathsOfRows(tl_recentlyModifiedItems(
+                          platform::settings().integer(QLatin1String(S::RecentlyModifiedSince))))
+                    : readResultFile(recentlyModifiedItemsFile()),
                 true);
         store::tl_sortByParameter(documentsList, QStringLiteral("modDate"), true);
         return;
@@ -290,8 +292,13 @@ void TLKSDocumentListViewController::reloadBook()
 void TLKSDocumentListViewController::handleOpenBookNotification(const QString &bookPath,
                                                                 int smartType)
 {
-    if (takeOpenedBook(bookPath, smartType))
-        reloadBook();
+    if (!takeOpenedBook(bookPath, smartType))
+        return;
+    reloadBook();
+    // Attachments nothing in the book uses any more go, off the main thread.
+    if (smartBookType == 0)
+        QThreadPool::globalInstance()->start(
+            [book = path] { links::tl_cleanupImagesFolder(book); });
 }
 
 bool TLKSDocumentListViewController::takeOpenedBook(const QString &bookPath, int smartType)
