@@ -3,7 +3,9 @@
 #include "editing/text_buffer.h"
 
 #include <QString>
+#include <cctype>
 #include <ostream>
+#include <string>
 
 inline void PrintTo(const QString &text, std::ostream *os)
 {
@@ -35,6 +37,16 @@ inline QString marked(const tl::editing::EditorBuffer &buffer)
     if (selection.length == 0)
         return text.insert(selection.location, u'|');
     return text.insert(selection.end(), u'»').insert(selection.location, u'«');
+}
+
+// A test name made of a table row's name.
+template <typename Info> std::string caseName(const Info &info)
+{
+    std::string name = info.param.name;
+    for (char &ch : name)
+        if (!std::isalnum(static_cast<unsigned char>(ch)))
+            ch = '_';
+    return name;
 }
 
 } // namespace tltest

@@ -294,13 +294,7 @@ TEST_P(EditingRules, GiveTheText)
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, EditingRules, testing::ValuesIn(cases),
-                         [](const testing::TestParamInfo<Case> &info) {
-                             std::string name = info.param.name;
-                             for (char &ch : name)
-                                 if (!std::isalnum(static_cast<unsigned char>(ch)))
-                                     ch = '_';
-                             return name;
-                         });
+                         [](const auto &info) { return tltest::caseName(info); });
 
 TEST(EditingRules, ALockedDocumentRefusesEveryEdit)
 {

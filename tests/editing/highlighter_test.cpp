@@ -123,13 +123,7 @@ TEST_P(HighlightRuns, Golden)
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, HighlightRuns, testing::ValuesIn(runCases),
-                         [](const testing::TestParamInfo<RunCase> &info) {
-                             std::string name = info.param.name;
-                             for (char &ch : name)
-                                 if (!std::isalnum(static_cast<unsigned char>(ch)))
-                                     ch = '_';
-                             return name;
-                         });
+                         [](const auto &info) { return tltest::caseName(info); });
 
 TEST(Highlighting, TitleBlockOnlyInARangeFromTheStart)
 {
@@ -209,13 +203,7 @@ TEST_P(RecomputeRange, CoversWhatTheEditChanged)
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, RecomputeRange, testing::ValuesIn(rangeCases),
-                         [](const testing::TestParamInfo<RangeCase> &info) {
-                             std::string name = info.param.name;
-                             for (char &ch : name)
-                                 if (!std::isalnum(static_cast<unsigned char>(ch)))
-                                     ch = '_';
-                             return name;
-                         });
+                         [](const auto &info) { return tltest::caseName(info); });
 
 TEST(Palette, ExactColoursAndTheirVariants)
 {
