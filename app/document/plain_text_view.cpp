@@ -56,7 +56,7 @@ PlainTextView::PlainTextView(QWidget *parent) : QPlainTextEdit(parent)
         const QTextCursor cursor = textCursor();
         const bool textBefore =
             !cursor.block().text().left(cursor.positionInBlock()).trimmed().isEmpty();
-        Q_EMIT textEdited(toPlainText(), textBefore);
+        Q_EMIT textEdited(m_highlighter->text(), textBefore); // kept in step, not rebuilt
     });
     connect(this, &QPlainTextEdit::cursorPositionChanged, this,
             [this] { Q_EMIT caretMoved(textCursor().position()); });

@@ -45,13 +45,13 @@ qsizetype nextFence(QStringView text, qsizetype from)
 
 TextRange rangeToRecompute(QStringView text, TextRange edited)
 {
-    const EditorBuffer buffer(text.toString()); // shared, not copied, until changed
-    const TextRange edit = buffer.paragraphRange(edited);
+    const auto paragraphAt = [text](qsizetype at) { return paragraphRangeIn(text, {at, 0}); };
+    const TextRange edit = paragraphRangeIn(text, edited);
     TextRange result = edit;
     // A title block or quotation at the start colours the first block as a whole.
     qsizetype firstBlockEnd = 0;
     while (firstBlockEnd < text.size()) {
-        const TextRange paragraph = buffer.paragraphRange(firstBlockEnd);
+        const TextRange paragraph = paragraphAt(firstBlockEnd);
         if (paragraph.length <= 1 || paragraph.location > edit.end())
             break;
         firstBlockEnd = paragraph.end();
@@ -64,9 +64,9 @@ TextRange rangeToRecompute(QStringView text, TextRange edited)
     const bool insideFence = before.size() % 2 == 1;
     const qsizetype textEnd = text.size();
     const auto fenceLineEnd = [&](qsizetype fence) {
-        return fence < 0 ? textEnd : buffer.paragraphRange(fence + 1).end();
+        return fence < 0 ? textEnd : paragraphAt(fence + 1).end();
     };
-    const QStringView editedText = buffer.textIn(edit);
+    const QStringView editedText = text.mid(edit.location, edit.length);
     qsizetype blanks = 0;
     while (blanks < editedText.size() && blanks < 3 && editedText.at(blanks).isSpace())
         ++blanks;
@@ -83,13 +83,13 @@ TextRange rangeToRecompute(QStringView text, TextRange edited)
     } else {
         span = edit;
         while (span.location > 0) {
-            const TextRange previous = buffer.paragraphRange(span.location - 1);
+            const TextRange previous = paragraphAt(span.location - 1);
             if (previous.length <= 1)
                 break;
             span = {previous.location, span.end() - previous.location};
         }
         while (span.end() < textEnd) {
-            const TextRange next = buffer.paragraphRange(span.end());
+            const TextRange next = paragraphAt(span.end());
             if (next.length <= 1)
                 break;
             span.length = next.end() - span.location;
@@ -98,7 +98,7 @@ TextRange rangeToRecompute(QStringView text, TextRange edited)
     const qsizetype start = std::min(result.location, span.location);
     qsizetype end = std::max(result.end(), span.end());
     if (end < textEnd)
-        end = buffer.paragraphRange(end).end(); // one paragraph more
+        end = paragraphAt(end).end(); // one paragraph more
     return {start, end - start};
 }
 

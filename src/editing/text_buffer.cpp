@@ -49,17 +49,7 @@ QStringView EditorBuffer::textIn(TextRange range) const
 
 TextRange EditorBuffer::paragraphRange(TextRange range) const
 {
-    const qsizetype size = m_text.size();
-    qsizetype start = std::clamp<qsizetype>(range.location, 0, size);
-    while (start > 0 && !isParagraphSeparator(m_text.at(start - 1)))
-        --start;
-    qsizetype end =
-        std::clamp<qsizetype>(range.length > 0 ? range.end() - 1 : range.location, start, size);
-    while (end < size && !isParagraphSeparator(m_text.at(end)))
-        ++end;
-    if (end < size)
-        end += (m_text.at(end) == u'\r' && end + 1 < size && m_text.at(end + 1) == u'\n') ? 2 : 1;
-    return {start, end - start};
+    return paragraphRangeIn(m_text, range);
 }
 
 TextRange EditorBuffer::paragraphRangeTrimmed(TextRange range) const
@@ -68,6 +58,21 @@ TextRange EditorBuffer::paragraphRangeTrimmed(TextRange range) const
     while (paragraphs.length > 0 && isParagraphSeparator(m_text.at(paragraphs.end() - 1)))
         --paragraphs.length;
     return paragraphs;
+}
+
+TextRange paragraphRangeIn(QStringView text, TextRange range)
+{
+    const qsizetype size = text.size();
+    qsizetype start = std::clamp<qsizetype>(range.location, 0, size);
+    while (start > 0 && !isParagraphSeparator(text.at(start - 1)))
+        --start;
+    qsizetype end =
+        std::clamp<qsizetype>(range.length > 0 ? range.end() - 1 : range.location, start, size);
+    while (end < size && !isParagraphSeparator(text.at(end)))
+        ++end;
+    if (end < size)
+        end += (text.at(end) == u'\r' && end + 1 < size && text.at(end + 1) == u'\n') ? 2 : 1;
+    return {start, end - start};
 }
 
 bool isParagraphSeparator(QChar c)

@@ -59,6 +59,8 @@ private:
 };
 
 bool isParagraphSeparator(QChar c);
+// The paragraphs of `text` that `range` touches, terminators included.
+TextRange paragraphRangeIn(QStringView text, TextRange range);
 // Every paragraph separator of pasted or dropped text as "\n", the editor's own.
 QString withNewlineParagraphs(const QString &text);
 // Whether the text holds nothing but blanks, tabs and paragraph separators.
