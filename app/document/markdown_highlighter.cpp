@@ -30,10 +30,11 @@ void MarkdownHighlighter::setStyle(const HighlightOptions &options, const Palett
     m_options = options;
     m_palette = palette;
     m_font = font;
-    m_options.width = [font](QStringView text, double stroke) {
-        QFont measured = font;
-        measured.setBold(stroke < 0);
-        return QFontMetricsF(measured).horizontalAdvance(text.toString());
+    QFont bold = font;
+    bold.setBold(true);
+    m_options.width = [regular = QFontMetricsF(font), bold = QFontMetricsF(bold)](QStringView text,
+                                                                                  double stroke) {
+        return (stroke < 0 ? bold : regular).horizontalAdvance(text.toString());
     };
     rehighlightAll();
 }

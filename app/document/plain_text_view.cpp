@@ -151,9 +151,6 @@ void PlainTextView::updateStyle()
     m_loading = true;
     m_highlighter->setStyle(options, named, font());
     m_loading = loading;
-    QPalette caret = palette();
-    caret.setColor(QPalette::Text, toColor(colors.base));
-    setPalette(caret);
 }
 
 bool PlainTextView::event(QEvent *event)
@@ -437,8 +434,13 @@ void PlainTextView::insertFromMimeData(const QMimeData *source)
             });
         return;
     }
-    if (source->hasText())
-        typeReplacement(selection, withNewlineParagraphs(source->text()), false);
+    if (!source->hasText())
+        return;
+    const QString pasted = withNewlineParagraphs(source->text());
+    applyRule([&](EditorBuffer &b, EditorContext &c) {
+        if (!pasteLinkIntoConstruct(b, pasted, c.libraryRoot))
+            typeText(b, c, selection, pasted);
+    });
 }
 
 void PlainTextView::pasteAsMarkdown()

@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QSet>
+#include <QUrl>
 #include <algorithm>
 #include <array>
 
@@ -138,6 +139,28 @@ void sortCandidates(QStringList &candidates, const QString &word, bool numericOr
 }
 
 } // namespace
+
+bool pasteLinkIntoConstruct(EditorBuffer &buffer, const QString &pasted, const QString &root)
+{
+    const QString link = pasted.trimmed();
+    const QUrl url(link, QUrl::StrictMode);
+    if (!url.isValid() || url.scheme().isEmpty() || link.contains(u' '))
+        return false;
+    const std::optional<Construct> construct = constructAroundCaret(buffer);
+    if (!construct)
+        return false;
+    QString path = link;
+    if (url.scheme() == u"tavelle" && !store::tl_isTavelleURLSchemeAction(link))
+        path = store::tl_pathFromTavelleURLScheme(link);
+    else if (url.isLocalFile())
+        path = url.toLocalFile();
+    if (!root.isEmpty() && path.startsWith(root + u'/'))
+        path = path.mid(root.size());
+    const TextRange inner{construct->innerStart, construct->innerEnd - construct->innerStart};
+    if (buffer.tl_replaceCharactersInRange(inner, path))
+        buffer.setSelection({inner.location + path.size(), 0});
+    return true;
+}
 
 bool completionLess(const QString &a, const QString &b, const QString &word, bool numericOrder)
 {

@@ -41,6 +41,10 @@ bool tryToAutoExpandWikiPath(EditorBuffer &buffer, const QString &documentPath, 
 bool tryToSuggestContextTags(const EditorBuffer &buffer, const QStringList &availableTags,
                              const EditorSettings &settings, std::optional<Completions> &shown);
 
+// A link pasted inside one of those constructs replaces its inner text by
+// the link's path. Answers whether the paste was such a link.
+bool pasteLinkIntoConstruct(EditorBuffer &buffer, const QString &pasted, const QString &root);
+
 // The order of the list: documents before books, names that begin with the
 // typed word first, then by name (numeric by the setting), then by folder.
 bool completionLess(const QString &a, const QString &b, const QString &word, bool numericOrder);

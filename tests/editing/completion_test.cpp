@@ -85,6 +85,18 @@ TEST_F(Completion, AnchorsOfTheDocument)
     EXPECT_EQ(shown, (QStringList{QStringLiteral("Index"), QStringLiteral("Intro")}));
 }
 
+TEST(PasteIntoConstruct, ALinkReplacesTheInnerText)
+{
+    const QString root = QStringLiteral("/home/u/Library");
+    EditorBuffer buffer = tltest::markedBuffer(QStringLiteral("see [x](old|)"));
+    EXPECT_TRUE(
+        pasteLinkIntoConstruct(buffer, QStringLiteral("file:///home/u/Library/B/n.md"), root));
+    EXPECT_EQ(tltest::marked(buffer), QStringLiteral("see [x](/B/n.md|)"));
+    EXPECT_FALSE(pasteLinkIntoConstruct(buffer, QStringLiteral("plain words"), root));
+    EditorBuffer outside = tltest::markedBuffer(QStringLiteral("see |"));
+    EXPECT_FALSE(pasteLinkIntoConstruct(outside, QStringLiteral("https://example.org"), root));
+}
+
 TEST(ContextCompletion, TagsThatBeginWithTheTypedWord)
 {
     EditorSettings settings;
