@@ -11,6 +11,7 @@
 #include "publish/compile_selection.h"
 #include "publish/compile_text.h"
 #include "publish/image_copies.h"
+#include "publish/mail_parts.h"
 #include "publish/publish_texts.h"
 #include "store/document_file.h"
 #include "store/extensions.h"
@@ -20,7 +21,6 @@
 #include "store/properties.h"
 #include "store/reading_order.h"
 #include "store/safe_names.h"
-#include "store/text_conversions.h"
 
 #include <QDir>
 #include <QFile>
@@ -49,24 +49,12 @@ QString readText(const QString &path)
     return decoded ? decoded->text : QString();
 }
 
-// A mail message counts when it has something to show; until mail is
-// imported properly, one without an HTML rendering is left out.
-std::optional<QString> mailText(const QString &path)
-{
-    const QString html = store::tl_emlToHTML(path);
-    if (html.isEmpty()) {
-        logLine(QStringLiteral("compile: skipping mail message without HTML %1").arg(path));
-        return std::nullopt;
-    }
-    return convert::tl_getInnerHTML(html);
-}
-
 // The text a document brings, before its images are gathered.
 std::optional<QString> entryText(const QString &path, CompileRun &run)
 {
     const QString extension = store::lowerCasedExtension(path);
     if (extension == u"eml")
-        return mailText(path);
+        return mailBody(path);
     if (extension == u"webloc" || extension == u"url")
         return webLinkEntry(browser::tl_embeddedURL(path),
                             path::deletingExtension(path::lastComponent(path)),

@@ -16,6 +16,7 @@
 #include "publish/epub_markup.h"
 #include "publish/epub_navigation.h"
 #include "publish/epub_package.h"
+#include "publish/mail_parts.h"
 #include "store/document_file.h"
 #include "store/extensions.h"
 #include "store/item_path.h"
@@ -189,7 +190,7 @@ private:
                 return convert::tl_getInnerHTML(text->text);
         }
         if (extension == u"eml")
-            return convert::tl_getInnerHTML(store::tl_emlToHTML(path));
+            return mailBody(path).value_or(QString());
         if (extension == u"webarchive")
             return convert::tl_getInnerHTML(store::tl_webarchiveToHTML(path));
         if (extension == u"webloc" || extension == u"url")
