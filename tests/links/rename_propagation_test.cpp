@@ -4,6 +4,7 @@
 #include "links/link_jobs.h"
 #include "links/rename_propagation.h"
 #include "links/rewrite_journal.h"
+#include "platform/alerts.h"
 #include "platform/file_ops.h"
 #include "store/item_operations.h"
 #include "store/library_fixture.h"
@@ -70,6 +71,26 @@ TEST_F(RenamePropagation, ABookMoveRewritesLinkersInsideAndOutside)
     EXPECT_EQ(backlinksOf(inRoot("D/B2/x.md")), (QStringList{"/D/B2/sib.md", "/C/out.md"}));
     EXPECT_EQ(backlinksOf(inRoot("C/out.md")), QStringList{"/D/B2/x.md"});
     EXPECT_EQ(referencedPathOf(inRoot("D/B2/x.md")), "/D/B2/x.md");
+}
+
+TEST_F(RenamePropagation, AskingFirstUpdatesOrLetsTheBacklinksGo)
+{
+    auto presenter = std::make_shared<platform::HeadlessAlertPresenter>();
+    platform::setAlertPresenter(presenter);
+    doc("A/x.md");
+    doc("B/z.md", "[x](../A/x.md)");
+    showAll({"B/z.md"});
+    QFile::rename(inRoot("A/x.md"), inRoot("A/y.md"));
+    QFile::rename(inRoot("A/x.md.plist"), inRoot("A/y.md.plist"));
+    presenter->pushAnswer(1);
+    tl_askToAdjustLinksAndBacklinksAfterRenameFrom(inRoot("A/x.md"), inRoot("A/y.md"));
+    waitForLinkRewrites();
+    ASSERT_EQ(presenter->shownAlerts().size(), 1);
+    EXPECT_EQ(presenter->shownAlerts()[0].informativeText,
+              "One document is linking to this document.\nDo you want to update the links?");
+    EXPECT_EQ(text("B/z.md"), "[x](../A/x.md)");
+    EXPECT_TRUE(backlinksOf(inRoot("A/y.md")).isEmpty());
+    platform::setAlertPresenter(nullptr);
 }
 
 TEST_F(RenamePropagation, ACopyIsNoRename)
