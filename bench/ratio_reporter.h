@@ -27,6 +27,13 @@ public:
                         target);
     }
 
+    // "LABEL: T ms (target: under L ms)" when it ran; times in milliseconds.
+    void printLimit(const std::string &name, const char *label, double limitMilliseconds)
+    {
+        if (const double t = m_times[name]; t > 0)
+            std::printf("%s: %.1f ms (target: under %.0f ms)\n", label, t, limitMilliseconds);
+    }
+
 private:
     std::map<std::string, double> m_times;
 };

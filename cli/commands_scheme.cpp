@@ -44,7 +44,7 @@ int runURL(const QCommandLineParser &, const Invocation &in)
                               });
     const ScopedObserver search(
         events::StartSpotlightSearch, [&](const QString &, const QVariantMap &p) {
-            const browser::SearchResults results = browser::runLibrarySearch(
+            const browser::SearchOutcome results = browser::runLibrarySearch(
                 p.value("term").toString(), searchScope, search::Field::NameOrContent,
                 browser::SearchSource::FreshIndex);
             for (const QString &path : results.paths())

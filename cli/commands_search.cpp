@@ -61,7 +61,7 @@ int runSearch(const QCommandLineParser &p, const Invocation &in)
     const search::Field field = p.isSet("title")     ? search::Field::Name
                                 : p.isSet("content") ? search::Field::Content
                                                      : search::Field::NameOrContent;
-    const browser::SearchResults results = browser::runLibrarySearch(
+    const browser::SearchOutcome results = browser::runLibrarySearch(
         in.arguments.join(u' '), scope, field, browser::SearchSource::FreshIndex);
     printRows(results.rows, in.json);
     return Success;

@@ -50,7 +50,7 @@ QString searchScope(const QString &shownBook)
     return store::libraryRoot();
 }
 
-QStringList SearchResults::paths() const
+QStringList SearchOutcome::paths() const
 {
     return pathsOfRows(rows);
 }
@@ -71,12 +71,12 @@ search::SearchIndex &searchIndexOfLibrary()
     return *index;
 }
 
-SearchResults runLibrarySearch(const QString &searchText, const QString &scope, search::Field field,
+SearchOutcome runLibrarySearch(const QString &searchText, const QString &scope, search::Field field,
                                SearchSource source)
 {
     const QStringList hits =
         searchHits(search::Query{tl_arrayOfSearchTermsInString(searchText), field}, scope, source);
-    SearchResults results;
+    SearchOutcome results;
     for (const QString &item : itemsForSearchHits(hits))
         results.rows << store::tl_rowForItem(item);
     store::tl_sortByParameter(results.rows, QStringLiteral("title"), false);

@@ -41,7 +41,7 @@ enum class SearchSource {
     Walk,
 };
 
-struct SearchResults
+struct SearchOutcome
 {
     // The items' rows, sorted by title.
     QList<store::ListRow> rows;
@@ -49,7 +49,7 @@ struct SearchResults
     QStringList paths() const;
 };
 // Runs a search and writes its items to the last search's result file.
-SearchResults runLibrarySearch(const QString &searchText, const QString &scope, search::Field field,
+SearchOutcome runLibrarySearch(const QString &searchText, const QString &scope, search::Field field,
                                SearchSource source);
 
 // The index of the current library, made on first use and anew after a

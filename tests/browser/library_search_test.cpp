@@ -79,14 +79,14 @@ TEST_F(LibrarySearch, ResultsAreSortedByTitleAndWrittenToTheResultFile)
     writePlist(inRoot("Other/C.md.plist"), QVariantMap{{"Note", "Tea"}});
     for (const SearchSource source : {SearchSource::Walk, SearchSource::FreshIndex}) {
         QFile::remove(lastSearchResultsFile());
-        const SearchResults results =
+        const SearchOutcome results =
             runLibrarySearch("tea", root_, tl::search::Field::NameOrContent, source);
         EXPECT_EQ(relative(results.paths()),
                   QStringList({"Book/A.md", "Book/b tea.md", "Other/C.md"}));
         EXPECT_EQ(results.title, "Search: tea - 3 Hits");
         EXPECT_EQ(lastSearchResults(), results.paths());
     }
-    const SearchResults inBook =
+    const SearchOutcome inBook =
         runLibrarySearch("tea", inRoot("Book"), tl::search::Field::Content, SearchSource::Index);
     EXPECT_EQ(relative(inBook.paths()), QStringList({"Book/A.md"}));
     EXPECT_EQ(inBook.title, "Book ⟩ Search: tea - 1 Hits");

@@ -1,0 +1,103 @@
+#include "browser/search_field.h"
+
+#include "browser/browser_keys.h"
+#include "browser/document_list.h"
+#include "browser/document_list_model.h"
+#include "browser/library_search.h"
+#include "browser/smart_books.h"
+#include "foundation/events.h"
+#include "foundation/scheduler.h"
+#include "platform/settings.h"
+#include "store/library_root.h"
+
+namespace tl::browser {
+
+namespace S = keys::setting;
+
+namespace {
+
+const QString kQueryKey = QStringLiteral("search field query");
+
+} // namespace
+
+SearchFieldController::SearchFieldController(DocumentListModel &model, QObject *parent)
+    : QObject(parent), m_model(model),
+      m_searchEvents(QLatin1String(events::StartSpotlightSearch),
+                     [this](const QString &, const QVariantMap &payload) {
+                         // After the book the same address selects.
+                         const QString term = payload.value(QStringLiteral("term")).toString();
+                         QMetaObject::invokeMethod(
+                             this, [this, term] { handleStartSpotlightSearchNotification(term); },
+                             Qt::QueuedConnection);
+                     })
+{
+}
+
+void SearchFieldController::searchFieldDidChange(const QString &text)
+{
+    Scheduler::main().cancel(kQueryKey);
+    m_text = text;
+    TLKSDocumentListViewController &list = m_model.list();
+    if (text.isEmpty()) {
+        leaveSearchResults();
+        return;
+    }
+    if (list.smartBookType == SearchResults) {
+        list.searchFilter.clear();
+        Scheduler::main().schedule(kQueryKey, 0.3, [this] { startSpotlightSearchWithString(); });
+    } else if (list.smartBookType == OrdinaryBook) {
+        m_model.setFilter(text);
+    }
+}
+
+void SearchFieldController::startSpotlightSearchWithString(const QString &text)
+{
+    TLKSDocumentListViewController &list = m_model.list();
+    if (list.smartBookType != OrdinaryBook && list.smartBookType != SearchResults)
+        return;
+    const QString query = text.isEmpty() ? m_text : text;
+    if (query.isEmpty()) {
+        leaveSearchResults();
+        return;
+    }
+    if (list.smartBookType == OrdinaryBook)
+        m_book = list.path;
+    const SearchOutcome results = runLibrarySearch(query, searchScope(m_book),
+                                                   searchFieldFromSettings(), SearchSource::Index);
+    m_title = results.title;
+    list.smartBookType = SearchResults;
+    list.searchFilter.clear();
+    m_model.reloadBookInBackground();
+    Q_EMIT titleChanged(m_title);
+}
+
+void SearchFieldController::handleStartSpotlightSearchNotification(const QString &term)
+{
+    platform::Settings &settings = platform::settings();
+    TLKSDocumentListViewController &list = m_model.list();
+    if (list.smartBookType == OrdinaryBook && list.path != store::libraryRoot())
+        settings.remove(QLatin1String(S::SearchAllBooks));
+    settings.remove(QLatin1String(S::SearchTitle));
+    settings.remove(QLatin1String(S::SearchContent));
+    m_text = term;
+    Q_EMIT fieldTextChanged(term);
+    startSpotlightSearchWithString(term);
+}
+
+void SearchFieldController::leaveSearchResults()
+{
+    TLKSDocumentListViewController &list = m_model.list();
+    m_text.clear();
+    const bool inResults = list.smartBookType == SearchResults;
+    if (inResults) {
+        list.smartBookType = OrdinaryBook;
+        list.path = m_book.isEmpty() ? store::libraryRoot() : m_book;
+        m_title.clear();
+        Q_EMIT titleChanged(m_title);
+    }
+    m_model.setFilter({});
+    if (inResults)
+        m_model.reloadBookInBackground();
+}
+
+} // namespace tl::browser

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+class QLocalServer;
+
+// One running desktop program per user: it listens on a local socket in
+// $XDG_RUNTIME_DIR, and a later start hands its addresses and paths over
+// instead of opening a second window.
+namespace tl::shell {
+
+// The socket's path: $XDG_RUNTIME_DIR, else the temporary folder.
+QString instanceSocketPath();
+
+// Gives the requests (tavelle:// addresses and absolute paths) to the running
+// program; false when none runs or it did not take them in time.
+bool handOverToRunningInstance(const QStringList &requests, int timeoutMilliseconds = 2000);
+
+// Whether a request is an address rather than a path.
+bool isTavelleAddress(const QString &request);
+
+class InstanceServer : public QObject
+{
+    Q_OBJECT
+public:
+    explicit InstanceServer(QObject *parent = nullptr);
+    ~InstanceServer() override;
+
+    // Starts listening; false when another program already listens. A socket
+    // left behind by a program that ended is taken over.
+    bool listen();
+
+Q_SIGNALS:
+    void requestsReceived(const QStringList &requests);
+
+private:
+    QLocalServer *m_server;
+};
+
+} // namespace tl::shell
