@@ -1,5 +1,6 @@
 #include "desktop_launch.h"
 
+#include "browser/search_index_keeper.h"
 #include "main_window.h"
 #include "platform/settings.h"
 #include "shell/app_delegate.h"
@@ -26,6 +27,7 @@ DesktopLaunch::~DesktopLaunch()
 
 void DesktopLaunch::start()
 {
+    m_searchIndex = std::make_unique<browser::SearchIndexKeeper>();
     shell::AppDelegate &delegate = shell::appDelegate();
     delegate.applicationWillFinishLaunching();
     const QString root = platform::settings().string(QLatin1String(keys::setting::TavelleFolder));
@@ -70,6 +72,15 @@ void DesktopLaunch::showAllPanes()
 {
     if (m_main)
         m_main->showAllPanes();
+}
+
+void DesktopLaunch::bringToFront()
+{
+    if (!m_main)
+        return;
+    m_main->show();
+    m_main->raise();
+    m_main->activateWindow();
 }
 
 void DesktopLaunch::finish()

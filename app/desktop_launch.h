@@ -6,7 +6,8 @@
 
 namespace tl::browser {
 class EventBridge;
-}
+class SearchIndexKeeper;
+} // namespace tl::browser
 
 // The start of the desktop program after the core is assembled: the
 // welcome window while no library is chosen, then the main window; and the
@@ -25,6 +26,8 @@ public:
 
     void start();
     void showAllPanes();
+    // Shows the main window above the others, for a request from outside.
+    void bringToFront();
 
 private:
     void showMainWindow();
@@ -34,6 +37,7 @@ private:
     QPointer<MainWindow> m_main;
     QPointer<WelcomeWindow> m_welcome;
     bool m_finished = false;
+    std::unique_ptr<browser::SearchIndexKeeper> m_searchIndex;
 };
 
 } // namespace tl::app

@@ -4,6 +4,7 @@
 #include "browser/document_list_model.h"
 #include "browser/event_bridge.h"
 #include "browser/outline_model.h"
+#include "browser/search_field.h"
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
 #include "list_delegate.h"
@@ -89,7 +90,8 @@ DocumentListPane::DocumentListPane(browser::DocumentListModel &model,
                                    browser::OutlineModel &outline, browser::EventBridge &bridge,
                                    const ActionRegistry &actions, QWidget *parent)
     : QWidget(parent), m_model(model), m_view(new DocumentListView(outline, this)),
-      m_filter(new QLineEdit(this)), m_sort(new QToolButton(this)), m_empty(new QLabel(this))
+      m_filter(new QLineEdit(this)), m_sort(new QToolButton(this)), m_empty(new QLabel(this)),
+      m_search(new browser::SearchFieldController(model, this)), m_searchTitle(new QLabel(this))
 {
     setObjectName(QStringLiteral("documentListPane"));
     m_filter->setPlaceholderText(QStringLiteral("Filter"));
@@ -133,11 +135,26 @@ DocumentListPane::DocumentListPane(browser::DocumentListModel &model,
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addLayout(bar);
+    m_searchTitle->setContentsMargins(8, 0, 8, 4);
+    m_searchTitle->hide();
+    layout->addWidget(m_searchTitle);
     layout->addWidget(m_view, 1);
     layout->addWidget(m_empty, 1);
 
-    connect(m_filter, &QLineEdit::textChanged, this,
-            [this](const QString &text) { m_model.setFilter(text); });
+    connect(m_filter, &QLineEdit::textChanged, m_search,
+            &browser::SearchFieldController::searchFieldDidChange);
+    connect(m_filter, &QLineEdit::returnPressed, m_search,
+            [this] { m_search->startSpotlightSearchWithString(); });
+    connect(m_search, &browser::SearchFieldController::fieldTextChanged, this,
+            [this](const QString &text) {
+                const QSignalBlocker quiet(m_filter);
+                m_filter->setText(text);
+            });
+    connect(m_search, &browser::SearchFieldController::titleChanged, this,
+            [this](const QString &title) {
+                m_searchTitle->setText(title);
+                m_searchTitle->setVisible(!title.isEmpty());
+            });
     connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
         if (!m_silent)
             handleSelection();

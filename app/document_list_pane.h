@@ -11,6 +11,7 @@ namespace tl::browser {
 class DocumentListModel;
 class EventBridge;
 class OutlineModel;
+class SearchFieldController;
 } // namespace tl::browser
 
 // The document list: what the selected book holds, with the filter field
@@ -73,6 +74,9 @@ private:
     QLineEdit *m_filter;
     QToolButton *m_sort;
     QLabel *m_empty;
+    // The field filters a plain book and searches the library on Return.
+    browser::SearchFieldController *m_search;
+    QLabel *m_searchTitle;
     QString m_pendingSelection;
     bool m_silent = false;
 };

@@ -3,8 +3,11 @@
 #include "assembly/core_assembly.h"
 #include "browser/event_bridge.h"
 #include "desktop_launch.h"
+#include "launch_requests.h"
 #include "qt_alert_presenter.h"
 #include "reminder_agent_launch.h"
+#include "shell/single_instance.h"
+#include "shell/url_actions.h"
 #include "shell/version.h"
 #include "store/log.h"
 #include "tasks/reminder_rebuild.h"
@@ -13,10 +16,17 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QIcon>
+#include <QTimer>
 
 namespace {
 
-tl::shell::LaunchOptions parseLaunchOptions(const QStringList &arguments)
+struct Launch
+{
+    tl::shell::LaunchOptions options;
+    QStringList requests;
+};
+
+Launch parseLaunch(const QStringList &arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Tavelle, the desktop program."));
@@ -29,10 +39,12 @@ tl::shell::LaunchOptions parseLaunchOptions(const QStringList &arguments)
         QStringLiteral("Show the library's top book, not the last document."));
     parser.addOption(choose);
     parser.addOption(noRestore);
-    parser.addPositionalArgument(QStringLiteral("url"), QStringLiteral("A tavelle:// address."),
-                                 QStringLiteral("[url]"));
+    parser.addPositionalArgument(QStringLiteral("url"),
+                                 QStringLiteral("tavelle:// addresses, files or folders to open."),
+                                 QStringLiteral("[url|path...]"));
     parser.process(arguments);
-    return {parser.isSet(choose), parser.isSet(noRestore)};
+    return {{parser.isSet(choose), parser.isSet(noRestore)},
+            tl::app::launchRequests(parser.positionalArguments())};
 }
 
 // Without a desktop's icon theme (a bare X server) the freedesktop icons
@@ -54,7 +66,12 @@ int main(int argc, char **argv)
     QApplication::setApplicationVersion(QString::fromLatin1(tl::shell::kShortVersion));
     QApplication::setDesktopFileName(QStringLiteral("com.tavelle.app"));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/tavelle/icons/tavelle.svg")));
-    const tl::shell::LaunchOptions launch = parseLaunchOptions(QApplication::arguments());
+    const Launch launch = parseLaunch(QApplication::arguments());
+    // One program per user: a running one takes the requests and comes to the front.
+    if (tl::shell::handOverToRunningInstance(launch.requests))
+        return 0;
+    tl::shell::InstanceServer instance;
+    instance.listen();
     tl::setUpDiagnostics();
     chooseIconTheme();
 
@@ -62,7 +79,7 @@ int main(int argc, char **argv)
     tl::app::DesktopLaunch desktop(bridge);
     tl::assembly::CoreParts parts;
     parts.host = tl::assembly::Host::Desktop;
-    parts.launch = launch;
+    parts.launch = launch.options;
     parts.alerts = std::make_shared<tl::app::QtAlertPresenter>();
     parts.showWhatsNew = [] {};
     parts.showAllPanes = [&desktop] { desktop.showAllPanes(); };
@@ -80,6 +97,14 @@ int main(int argc, char **argv)
     tl::tasks::reminderRebuild() = tl::app::ensureReminderAgent;
     tl::app::ensureReminderAgent();
 
+    if (std::any_of(launch.requests.begin(), launch.requests.end(), tl::shell::isTavelleAddress))
+        tl::shell::setHandlingURLEvent();
     desktop.start();
+    QObject::connect(&instance, &tl::shell::InstanceServer::requestsReceived, &desktop,
+                     [&desktop](const QStringList &requests) {
+                         desktop.bringToFront();
+                         tl::app::runLaunchRequests(requests);
+                     });
+    QTimer::singleShot(0, &desktop, [&launch] { tl::app::runLaunchRequests(launch.requests); });
     return app.exec();
 }

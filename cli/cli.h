@@ -62,6 +62,12 @@ bool startsDesktopProgram(int argc, char **argv);
 // Replaces this process with the desktop program beside the command; answers
 // only when that fails.
 int execDesktopProgram(int argc, char **argv);
+// The same with the arguments after the program's name.
+int execDesktopProgram(const QStringList &arguments);
+// `tavelle URL|PATH`: handed to the running desktop program; with none, an
+// address that needs no window runs here, anything else starts the program
+// with it. Nothing when the argument is neither an address nor a path.
+std::optional<int> runLaunchRequest(const QString &argument);
 
 // Prints one line to standard error and answers the status.
 int fail(const QString &message, int status = Failure);

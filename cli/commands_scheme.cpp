@@ -4,11 +4,13 @@
 #include "cli.h"
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
+#include "shell/single_instance.h"
 #include "shell/url_actions.h"
 #include "store/library_root.h"
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <memory>
 
 namespace tl::cli {
@@ -28,10 +30,8 @@ void describeURL(QCommandLineParser &p)
     p.addPositionalArgument("URL", "A tavelle:// address: show, search, addnote or grab.", "URL");
 }
 
-int runURL(const QCommandLineParser &, const Invocation &in)
+int runAddress(const QString &address)
 {
-    if (in.arguments.size() != 1 || !shell::parsedTavelleURL(in.arguments[0]))
-        return fail("usage: tavelle url 'tavelle://...'", Usage);
     platform::setAlertPresenter(std::make_shared<StandardErrorAlerts>());
     // Without a window the item to show is printed, and a search prints its results.
     QString searchScope = store::libraryRoot();
@@ -50,10 +50,17 @@ int runURL(const QCommandLineParser &, const Invocation &in)
             for (const QString &path : results.paths())
                 printLine(path);
         });
-    shell::handleTavelleURL(in.arguments[0]);
+    shell::handleTavelleURL(address);
     while (shell::downloadsInFlight() > 0)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     return Success;
+}
+
+int runURL(const QCommandLineParser &, const Invocation &in)
+{
+    if (in.arguments.size() != 1 || !shell::parsedTavelleURL(in.arguments[0]))
+        return fail("usage: tavelle url 'tavelle://...'", Usage);
+    return runAddress(in.arguments[0]);
 }
 
 void describeOpen(QCommandLineParser &p)
@@ -124,6 +131,22 @@ int runAddSelection(const QCommandLineParser &p, const Invocation &)
 }
 
 } // namespace
+
+std::optional<int> runLaunchRequest(const QString &argument)
+{
+    const std::optional<shell::TavelleURL> address = shell::parsedTavelleURL(argument);
+    if (!address && !QFileInfo::exists(argument))
+        return std::nullopt;
+    const QString request = address ? argument : absolutePath(argument);
+    if (shell::handOverToRunningInstance({request}))
+        return Success;
+    static const QStringList windowless{"addnote",     "grab",        "append",
+                                        "addnewdoc",   "addnewtask",  "wifi_sharing",
+                                        "webdav_sync", "addnewsketch"};
+    if (address && windowless.contains(address->host.toLower()))
+        return runAddress(argument);
+    return execDesktopProgram({request});
+}
 
 const std::vector<Command> &schemeCommands()
 {

@@ -38,6 +38,17 @@ bool startsDesktopProgram(int argc, char **argv)
     return true;
 }
 
+int execDesktopProgram(const QStringList &arguments)
+{
+    std::vector<QByteArray> bytes;
+    std::vector<char *> argv{nullptr};
+    for (const QString &argument : arguments)
+        bytes.push_back(argument.toLocal8Bit());
+    for (QByteArray &argument : bytes)
+        argv.push_back(argument.data());
+    return execDesktopProgram(int(argv.size()), argv.data());
+}
+
 int execDesktopProgram(int argc, char **argv)
 {
     const std::string program = siblingExecutable();

@@ -34,7 +34,8 @@ QString overview()
 {
     QString text = QStringLiteral(
         "Usage: tavelle [--library DIR] [--json] COMMAND [ARGS...]\n"
-        "       tavelle [--choose-library] [--no-restore]   (the desktop program)\n\n"
+        "       tavelle [--choose-library] [--no-restore]   (the desktop program)\n"
+        "       tavelle URL|PATH   (to the running desktop program, or starting it)\n\n"
         "Tavelle keeps documents, notes and tasks in an ordinary folder tree.\n"
         "Without --library the command works on the library chosen last with 'tavelle init'.\n\n"
         "Commands:\n");
@@ -121,5 +122,8 @@ int main(int argc, char **argv)
     for (const Command *command : allCommands())
         if (name == QLatin1String(command->name))
             return runCommand(*command, args, json);
+    if (args.isEmpty())
+        if (const std::optional<int> handled = runLaunchRequest(name))
+            return *handled;
     return fail(QStringLiteral("Unknown command: %1 (run 'tavelle --help')").arg(name), Usage);
 }

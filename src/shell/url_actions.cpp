@@ -179,11 +179,16 @@ std::optional<TavelleURL> parsedTavelleURL(const QString &url)
 
 void handleGetURLEvent(const QString &url)
 {
-    g_handlingURLEvent = true;
+    setHandlingURLEvent();
     if (url.section(u':', 0, 0).toLower() == u"tavelle")
         handleTavelleURL(url);
     else
         logLine(QStringLiteral("no TL scheme: %1").arg(url));
+}
+
+void setHandlingURLEvent()
+{
+    g_handlingURLEvent = true;
 }
 
 bool isHandlingURLEvent()

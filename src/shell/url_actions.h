@@ -24,6 +24,8 @@ std::optional<TavelleURL> parsedTavelleURL(const QString &url);
 // show the recent document, then runs tavelle:// addresses.
 void handleGetURLEvent(const QString &url);
 bool isHandlingURLEvent();
+// Marks the launch as one for a URL before its event is run.
+void setHandlingURLEvent();
 // Runs a tavelle:// address: download, note, search, refusal or an item to show.
 void handleTavelleURL(const QString &url);
 
