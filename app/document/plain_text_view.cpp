@@ -198,6 +198,9 @@ void PlainTextView::applyRule(const Rule &rule, bool shift)
             edit.insertText(replacement.string);
         }
         edit.endEditBlock();
+        // Typing after a rule would merge into the rule's undo step while the
+        // document counts as modified; nothing else reads that flag.
+        document()->setModified(false);
     }
     const TextRange selection = buffer.selection();
     edit.setPosition(int(selection.location));

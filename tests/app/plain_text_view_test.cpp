@@ -42,10 +42,15 @@ private Q_SLOTS:
         QCOMPARE(view.toPlainText(), QStringLiteral("- milk"));
         view.redo();
         QCOMPARE(view.toPlainText(), QStringLiteral("- milk\n- "));
+        QTest::keyClicks(&view, QStringLiteral("eggs"));
         QTest::keyClick(&view, Qt::Key_Return);
-        QCOMPARE(view.toPlainText(), QStringLiteral("- milk\n\n"));
-        view.undo();
-        QCOMPARE(view.toPlainText(), QStringLiteral("- milk\n- "));
+        QTest::keyClick(&view, Qt::Key_Return);
+        QCOMPARE(view.toPlainText(), QStringLiteral("- milk\n- eggs\n\n"));
+        for (const char *before :
+             {"- milk\n- eggs\n- ", "- milk\n- eggs", "- milk\n- ", "- milk"}) {
+            view.undo();
+            QCOMPARE(view.toPlainText(), QString::fromLatin1(before));
+        }
     }
 
     void pairsAndNumbersFollowTheKeys()
