@@ -20,6 +20,7 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QFileInfo>
+#include <QFontDatabase>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMimeData>
@@ -98,6 +99,9 @@ constexpr char CheckMixedTextDirectionsKey[] = "checkMixedTextDirections";
 constexpr char WikiActivateLinksKey[] = "WikiActivateLinksInPlaintext";
 constexpr char IgnoreCommentsKey[] = "ignoreCommentsForWordCount";
 constexpr char UseSolarizedKey[] = "useSolarizedTheme";
+constexpr char UseMonospacedFontKey[] = "useMonospacedFontForMarkdownEditing";
+constexpr char MonospacedFontNameKey[] = "monospacedFontName";
+constexpr char MonospacedFontSizeKey[] = "monospacedFontSize";
 
 DocumentKind kindOf(const QString &extension)
 {
@@ -138,6 +142,17 @@ void PlainTextView::updateStyle()
     options.stroke = devicePixelRatioF() > 1 ? -5.0 : -3.0;
     options.lineFragmentPadding = document()->documentMargin();
 
+    const bool loading = m_loading;
+    m_loading = true;
+    if (options.kind == DocumentKind::Markdown && settings.boolValue(UseMonospacedFontKey)) {
+        const QString family = settings.string(MonospacedFontNameKey);
+        QFont mono =
+            family.isEmpty() ? QFontDatabase::systemFont(QFontDatabase::FixedFont) : QFont(family);
+        if (const qint64 size = settings.integer(MonospacedFontSizeKey); size > 0)
+            mono.setPointSize(int(size));
+        setFont(mono);
+    }
+
     PaletteOptions colors;
     colors.base = toRgba(palette().color(QPalette::Text));
     colors.background = toRgba(palette().color(QPalette::Base));
@@ -147,8 +162,6 @@ void PlainTextView::updateStyle()
     colors.dark = Theme::instance().isDark();
     colors.html = options.kind == DocumentKind::Html;
     const Palette named(colors);
-    const bool loading = m_loading;
-    m_loading = true;
     m_highlighter->setStyle(options, named, font());
     m_loading = loading;
 }

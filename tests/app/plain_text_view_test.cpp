@@ -9,6 +9,8 @@
 #include "support/test_environment.h"
 
 #include <QDir>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextLayout>
@@ -108,6 +110,17 @@ private Q_SLOTS:
         QCOMPARE(view.toPlainText(), QStringLiteral("See [[Plan 2.md]]"));
         view.undo();
         QCOMPARE(view.toPlainText(), QStringLiteral("See [[Pl]]"));
+        const QString folder = qEnvironmentVariable("TAVELLE_SCREENSHOTS");
+        if (!folder.isEmpty()) {
+            view.resize(480, 200);
+            view.moveCursor(QTextCursor::End);
+            QTest::keyClicks(&view, QStringLiteral(" and [[Pl"));
+            QTest::keyClick(&view, Qt::Key_Tab);
+            QTest::qWait(200);
+            QGuiApplication::primaryScreen()
+                ->grabWindow(0, 0, 0, 700, 500)
+                .save(folder + QStringLiteral("/editor-completion.png"));
+        }
         tl::store::setLibraryRootOverride(QString());
     }
 
