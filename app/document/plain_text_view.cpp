@@ -141,6 +141,12 @@ void PlainTextView::updateStyle()
     options.lineHeightMultiple = m_lineSpacing;
     options.stroke = devicePixelRatioF() > 1 ? -5.0 : -3.0;
     options.lineFragmentPadding = document()->documentMargin();
+    options.namesFile = [folder = QFileInfo(m_path).path(),
+                         root = store::libraryRoot()](QStringView target) {
+        const QString path = QUrl::fromPercentEncoding(target.toString().toUtf8());
+        return !path.isEmpty() &&
+               QFileInfo::exists((path.startsWith(u'/') ? root : folder) + u'/' + path);
+    };
 
     const bool loading = m_loading;
     m_loading = true;
@@ -320,14 +326,21 @@ bool PlainTextView::handleEditingKey(QKeyEvent *event)
             return run([](EditorBuffer &b, EditorContext &c) {
                 insertMarkdownString(b, c, weakEmphasisMark(c), weakEmphasisMark(c));
             });
-        case Qt::Key_K:
-            insertMarkdownLink();
-            return true;
         case Qt::Key_V:
             if (!shift)
                 return false;
             pasteAsMarkdown();
             return true;
+        case Qt::Key_K:
+            if (!shift) {
+                insertMarkdownLink();
+                return true;
+            }
+            return run([](EditorBuffer &b, EditorContext &) {
+                const QString lines = tl_deleteLine(b);
+                if (!lines.isEmpty())
+                    QApplication::clipboard()->setText(lines);
+            });
         case Qt::Key_L:
             return run([shift](EditorBuffer &b, EditorContext &c) {
                 shift ? tl_reverseToggleList(b, c) : tl_toggleList(b, c);
