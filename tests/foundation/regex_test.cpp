@@ -344,28 +344,9 @@ TEST(Regex, ReplaceMatchesIsTheLastToFirstEdit)
 
 TEST(Regex, ReplaceWhileMatchingStartsAgainFromTheBeginning)
 {
-    struct Case
-    {
-        const char *pattern;
-        const char *templ;
-        const char *text;
-        const char *expected;
-    };
-    const Case cases[] = {
-        // Each replacement makes a new match to its left.
-        {"ab", "b", "aaab", "b"},
-        {"(\\d)x", "x$1", "123x", "x123"},
-        // A match that appears only after a later replacement.
-        {"\\(\\)", "", "((()))()", ""},
-        {"\n\n\n", "\n\n", "a\n\n\n\n\nb", "a\n\nb"},
-        {"q", "z", "abc", "abc"},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.pattern);
-        const Regex re(c.pattern);
-        EXPECT_EQ(re.replaceWhileMatching(c.text, c.templ), c.expected);
-    }
-    // One pass would not have done it.
+    // Each replacement makes a new match to its left, which one pass misses;
+    // more templates are checked against the plain loop below.
+    EXPECT_EQ(Regex("ab").replaceWhileMatching("aaab", "b"), "b");
     EXPECT_EQ(Regex("ab").replaceAll("aaab", "b"), "aab");
 
     // Nested parentheses resolve from the inside out.

@@ -21,14 +21,6 @@ using namespace servertest;
 
 namespace {
 
-QByteArray pattern(qsizetype size)
-{
-    QByteArray bytes(size, Qt::Uninitialized);
-    for (qsizetype i = 0; i < size; ++i)
-        bytes[i] = char('A' + (i * 13 + i / 509) % 26);
-    return bytes;
-}
-
 struct CurlResult
 {
     int exitCode = -1;
@@ -184,53 +176,6 @@ TEST_F(ServerTest, CurlWithDigestGetsTheFile)
         curl(digest() + QStringList{"--write-out", "\n%{http_code}", url("/Book/small.txt")});
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     EXPECT_TRUE(r.out == small + "\n200");
-}
-
-TEST_F(ServerTest, CurlWithWrongPasswordGets401)
-{
-    startServer();
-    const auto r = curl(digest("wrong") + QStringList{"--output", "/dev/null", "--write-out",
-                                                      "%{http_code}", url("/Book/small.txt")});
-    EXPECT_EQ(r.out, "401");
-    const auto none =
-        curl({"--output", "/dev/null", "--write-out", "%{http_code}", url("/Book/small.txt")});
-    EXPECT_EQ(none.out, "401");
-}
-
-TEST_F(ServerTest, CurlRangesSingleAndMultiple)
-{
-    startServer();
-    const auto one = curl(digest() + QStringList{"--range", "100-199", url("/Book/small.txt")});
-    EXPECT_TRUE(one.out == small.mid(100, 100));
-
-    const auto many =
-        curl(digest() + QStringList{"--range", "0-4,4000-", "--include", url("/Book/small.txt")});
-    QByteArray out = many.out;
-    // curl shows the 401 of the challenge too; the last response is the answer.
-    std::optional<Response> response;
-    while (auto next = takeResponse(out))
-        response = next;
-    ASSERT_TRUE(response) << many.out.toStdString();
-    EXPECT_EQ(response->status, 206);
-    EXPECT_TRUE(response->header("Content-Type").startsWith("multipart/byteranges; boundary="));
-    EXPECT_EQ(response->header("Content-Length").toLongLong(), response->body.size());
-    EXPECT_TRUE(response->body.contains("Content-Range: bytes 0-4/4096\r\n\r\n" + small.left(5)));
-    EXPECT_TRUE(
-        response->body.contains("Content-Range: bytes 4000-4095/4096\r\n\r\n" + small.mid(4000)));
-}
-
-TEST_F(ServerTest, CurlHeadGetsTheLength)
-{
-    startServer();
-    const auto r = curl(digest() + QStringList{"--head", url("/Book/small.txt")});
-    QByteArray out = r.out;
-    // curl shows the 401 of the challenge too; the last response is the answer.
-    std::optional<Response> last;
-    while (auto next = takeResponse(out, false))
-        last = next;
-    ASSERT_TRUE(last) << r.out.toStdString();
-    EXPECT_EQ(last->status, 200);
-    EXPECT_EQ(last->header("Content-Length"), "4096");
 }
 
 TEST_F(ServerTest, CurlReusesTheConnection)

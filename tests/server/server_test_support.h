@@ -29,6 +29,16 @@
 
 namespace servertest {
 
+// Bytes of a given size in a pattern that does not repeat at short distances,
+// so that a piece out of place shows.
+inline QByteArray pattern(qsizetype size)
+{
+    QByteArray bytes(size, Qt::Uninitialized);
+    for (qsizetype i = 0; i < size; ++i)
+        bytes[i] = char('a' + (i * 7 + i / 251) % 26);
+    return bytes;
+}
+
 // A blocking TCP socket connected to the loopback address, or -1.
 inline int connectToLoopback(uint16_t port)
 {

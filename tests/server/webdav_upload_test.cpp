@@ -6,14 +6,6 @@ using namespace servertest;
 
 namespace {
 
-QByteArray pattern(qsizetype size)
-{
-    QByteArray bytes(size, Qt::Uninitialized);
-    for (qsizetype i = 0; i < size; ++i)
-        bytes[i] = char('a' + (i * 7 + i / 1021) % 26);
-    return bytes;
-}
-
 QByteArray chunked(const QByteArray &body, qsizetype piece)
 {
     QByteArray out;
