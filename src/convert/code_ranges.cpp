@@ -44,14 +44,39 @@ QList<RegexMatch> fencedBlocks(const QString &text, const Regex &blocks)
 
 } // namespace
 
+QList<RegexMatch> backquoteSpans(const QString &text, bool acrossLines)
+{
+    QList<RegexMatch> matches;
+    for (qsizetype at = text.indexOf(u'`'); at >= 0;) {
+        // The lazy run takes one character, a backquote too, and then
+        // stops at the next backquote; without dot-matches-newline a line
+        // end before it fails the attempt.
+        const qsizetype close = text.indexOf(u'`', at + 2);
+        if (close < 0)
+            break;
+        bool crossed = false;
+        for (qsizetype k = at + 1; !acrossLines && k < close && !crossed; ++k)
+            crossed = Regex::isLineEnd(text[k]);
+        if (crossed) {
+            at = text.indexOf(u'`', at + 1);
+            continue;
+        }
+        RegexMatch match;
+        match.groups = {{at, close + 1 - at}};
+        matches.append(match);
+        at = text.indexOf(u'`', close + 1);
+    }
+    return matches;
+}
+
 QList<RegexMatch> tl_rangesOfFencedCodeBlocks(const QString &text)
 {
     // "[\A\n]" is kept as ICU reads it.
     static const Regex blocks(QStringLiteral(R"([\A\n]\s{0,3}([~|`]{3,})[^~`].*?\n\s{0,3}\1)"),
                               RegexOption::DotMatchesNewline);
-    static const Regex spans(QStringLiteral("`.+?`"), RegexOption::AnchorsMatchLines);
+    // Then "`.+?`" with anchors matching lines, which has none.
     QList<RegexMatch> ranges = fencedBlocks(text, blocks);
-    ranges.append(spans.allMatches(text));
+    ranges.append(backquoteSpans(text, false));
     return ranges;
 }
 

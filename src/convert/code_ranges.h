@@ -13,6 +13,9 @@ namespace tl::convert {
 // cross a line).
 QList<RegexMatch> tl_rangesOfFencedCodeBlocks(const QString &text);
 
+// The matches of "`.+?`", with dot-matches-newline when `acrossLines`.
+QList<RegexMatch> backquoteSpans(const QString &text, bool acrossLines);
+
 // Whether the result lies wholly inside one of the ranges; an overlap alone
 // does not count.
 bool tl_textCheckingResultsIntersectResult(const QList<RegexMatch> &ranges,

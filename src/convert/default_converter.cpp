@@ -48,13 +48,32 @@ discount::Flags flagsFor(const QString &markdown)
 
 // The stock library marks task items with its own class and a box glyph;
 // the style sheets and later steps know them by these two classes.
-QString withCheckboxClasses(QString html)
+QString withCheckboxClasses(const QString &html)
 {
-    html.replace(QStringLiteral("<li class=\"github_checkbox\">&#x2610;"),
-                 QStringLiteral("<li class=\"tl_checkbox\">"));
-    html.replace(QStringLiteral("<li class=\"github_checkbox\">&#x2611;"),
-                 QStringLiteral("<li class=\"tl_checkbox_done\">"));
-    return html;
+    // The two items differ in the glyph's last digit and never overlap, so
+    // one walk makes both replacements.
+    static const LiteralFinder item(QStringLiteral("<li class=\"github_checkbox\">&#x261"));
+    static const QString open = QStringLiteral("<li class=\"tl_checkbox\">");
+    static const QString done = QStringLiteral("<li class=\"tl_checkbox_done\">");
+    const qsizetype itemLength = item.literal().size() + 2; // the digit and ";"
+    QString result;
+    qsizetype copied = 0;
+    for (qsizetype at = item.indexIn(html); at >= 0; at = item.indexIn(html, at + 1)) {
+        const qsizetype digit = at + item.literal().size();
+        if (digit + 1 >= html.size() || html[digit + 1] != u';' ||
+            (html[digit] != u'0' && html[digit] != u'1'))
+            continue;
+        if (copied == 0)
+            result.reserve(html.size());
+        result += QStringView(html).sliced(copied, at - copied);
+        result += html[digit] == u'0' ? open : done;
+        copied = at + itemLength;
+        at = copied - 1;
+    }
+    if (copied == 0)
+        return html;
+    result += QStringView(html).sliced(copied);
+    return result;
 }
 
 // "Title [x]" shows as "Title " where the bracket made the id x.
@@ -68,6 +87,30 @@ QString withAnchorBracketsRemoved(const QString &html, const Regex &regex)
         });
 }
 
+// "(<li class="tl_checkbox.*?>) " replaced by "$1": the tag runs to the first
+// ">" with a blank behind it, and a line end before that fails the match.
+QString withoutBlanksBehindTaskTags(const QString &html)
+{
+    static const LiteralFinder start(QStringLiteral("<li class=\"tl_checkbox"));
+    QString result;
+    qsizetype copied = 0;
+    for (qsizetype at = start.indexIn(html); at >= 0; at = start.indexIn(html, at + 1)) {
+        qsizetype end = at + start.literal().size();
+        while (end + 1 < html.size() && !Regex::isLineEnd(html[end]) &&
+               !(html[end] == u'>' && html[end + 1] == u' '))
+            ++end;
+        if (end + 1 >= html.size() || Regex::isLineEnd(html[end]))
+            continue;
+        result += QStringView(html).sliced(copied, end + 1 - copied);
+        copied = end + 2; // the blank goes
+        at = end + 1;
+    }
+    if (copied == 0)
+        return html;
+    result += QStringView(html).sliced(copied);
+    return result;
+}
+
 // A task item loses its paragraph and the blank behind its tag.
 QString withoutCheckboxParagraphs(const QString &html)
 {
@@ -75,8 +118,6 @@ QString withoutCheckboxParagraphs(const QString &html)
         QStringLiteral(R"re(<li class="(tl_checkbox.*?)"><p>(.*?)</p></li>)re"),
         RegexOption::DotMatchesNewline);
     static const RegexTemplate item(paragraph, QStringLiteral(R"(<li class="$1">$2</li>)"));
-    static const Regex blank(QStringLiteral(R"re((<li class="tl_checkbox.*?>) )re"));
-    static const RegexTemplate tag(blank, QStringLiteral("$1"));
     static const LiteralFinder start(QStringLiteral("<li class=\"tl_checkbox"));
     static const LiteralFinder opening(QStringLiteral("\"><p>"));
     static const LiteralFinder closing(QStringLiteral("</p></li>"));
@@ -113,7 +154,7 @@ QString withoutCheckboxParagraphs(const QString &html)
         result = html;
     else
         result += QStringView(html).sliced(copied);
-    return blank.replaceAll(result, tag);
+    return withoutBlanksBehindTaskTags(result);
 }
 
 // The two work files of one run, removed when the run ends.

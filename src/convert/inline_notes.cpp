@@ -155,10 +155,9 @@ QList<RegexMatch> codeOfNotes(const QString &text)
                                        RegexOption::DotMatchesNewline);
     static const Regex tildeFences(QStringLiteral(R"(\n(~{3,}?)\s*\n.*?\n\1)"),
                                    RegexOption::DotMatchesNewline);
-    static const Regex spans(QStringLiteral("`.+?`"), RegexOption::DotMatchesNewline);
     QList<RegexMatch> ranges = backquoteFences.allMatches(text);
     ranges.append(tildeFences.allMatches(text));
-    ranges.append(spans.allMatches(text));
+    ranges.append(backquoteSpans(text, true));
     return ranges;
 }
 

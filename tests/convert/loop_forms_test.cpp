@@ -126,6 +126,8 @@ TEST(LoopForms, LinearWalksFindTheMatchesOfTheirExpressions)
     const Regex caretNote(QStringLiteral(R"((\^\[).+?\])"), RegexOption::DotMatchesNewline);
     const Regex note(QStringLiteral(R"(\[\^ ?[^\]]+?\](?!:))"), RegexOption::DotMatchesNewline);
     const Regex linkTarget(QStringLiteral(R"(\[[^\]]*\]\((.*?)\))"));
+    const Regex spanOnALine(QStringLiteral("`.+?`"), RegexOption::AnchorsMatchLines);
+    const Regex span(QStringLiteral("`.+?`"), RegexOption::DotMatchesNewline);
     const QStringList pieces = {
         "[[", "]]", "]", "[", "`",  "a",  " ",  ".",      "|",      "==", "=",  "{",    "^[", "[^",
         "^",  ":",  "(", ")", "](", "\n", "\r", "\u2028", "\u0085", "\f", "\v", "\r\n", "é",  "😀"};
@@ -137,6 +139,9 @@ TEST(LoopForms, LinearWalksFindTheMatchesOfTheirExpressions)
         expectSameMatches(tl::convert::caretNoteMatches(text), caretNote.allMatches(text), text);
         expectSameMatches(tl::convert::noteMatches(text), note.allMatches(text), text);
         expectSameMatches(tl::convert::linkTargetMatches(text), linkTarget.allMatches(text), text);
+        expectSameMatches(tl::convert::backquoteSpans(text, false), spanOnALine.allMatches(text),
+                          text);
+        expectSameMatches(tl::convert::backquoteSpans(text, true), span.allMatches(text), text);
     }
 }
 
