@@ -108,13 +108,9 @@ BENCHMARK(BM_Outline)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::Shutdown();
-    reporter.printRatio("BM_DocumentList", "BM_ListFloor", "document list of 10,000 documents",
-                        "plain walk", 1.5);
-    reporter.printRatio("BM_Outline", "BM_OutlineFloor", "outline of 5,000 books", "plain walk",
-                        1.5);
+    return runBenchmarksWithRatios(
+        argc, argv,
+        {{"BM_DocumentList", "BM_ListFloor", "document list of 10,000 documents", "plain walk",
+          1.5},
+         {"BM_Outline", "BM_OutlineFloor", "outline of 5,000 books", "plain walk", 1.5}});
 }

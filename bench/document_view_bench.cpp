@@ -172,16 +172,12 @@ BENCHMARK(BM_ListModelOneRow)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
     tl::convert::registerConversionsWithStore();
-    benchmark::Initialize(&argc, argv);
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::Shutdown();
-    reporter.printRatio("BM_ShowMarkdown", "BM_ConvertFloor", "showing a 20 KB Markdown document",
-                        "converting its text", 1.5);
-    reporter.printRatio("BM_SaveMegabyte", "BM_WriteFloor", "saving a 1 MB text",
-                        "writing its bytes", 3.0);
-    reporter.printRatio("BM_ListModelOneRow", "BM_ListRebuildFloor",
-                        "one changed row of a 10,000-row list model", "listing the book anew", 0.2);
+    return runBenchmarksWithRatios(
+        argc, argv,
+        {{"BM_ShowMarkdown", "BM_ConvertFloor", "showing a 20 KB Markdown document",
+          "converting its text", 1.5},
+         {"BM_SaveMegabyte", "BM_WriteFloor", "saving a 1 MB text", "writing its bytes", 3.0},
+         {"BM_ListModelOneRow", "BM_ListRebuildFloor", "one changed row of a 10,000-row list model",
+          "listing the book anew", 0.2}});
 }

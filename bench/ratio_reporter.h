@@ -2,8 +2,10 @@
 
 // Prints Google Benchmark's results as usual and keeps each run's time, so a
 // benchmark can state its cost as a ratio to a floor measured in the same run.
+#include <QCoreApplication>
 #include <benchmark/benchmark.h>
 #include <cstdio>
+#include <initializer_list>
 #include <map>
 #include <string>
 
@@ -37,3 +39,29 @@ public:
 private:
     std::map<std::string, double> m_times;
 };
+
+// One ratio a benchmark program states: the run `name` against the run
+// `floor`, with the words for each and the target.
+struct BenchmarkRatio
+{
+    const char *name;
+    const char *floor;
+    const char *label;
+    const char *floorLabel;
+    double target;
+};
+
+// The main of a benchmark program that states ratios: every benchmark asked
+// for, with an application object, then each ratio whose two runs ran.
+inline int runBenchmarksWithRatios(int argc, char **argv,
+                                   std::initializer_list<BenchmarkRatio> ratios)
+{
+    QCoreApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+    for (const BenchmarkRatio &ratio : ratios)
+        reporter.printRatio(ratio.name, ratio.floor, ratio.label, ratio.floorLabel, ratio.target);
+    return 0;
+}

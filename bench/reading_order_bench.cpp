@@ -55,11 +55,7 @@ BENCHMARK(BM_ReadingOrderWalk)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::Shutdown();
-    reporter.printRatio("BM_ReadingOrderWalk", "BM_PlainWalkFloor", "reading-order walk",
-                        "plain walk", 1.5);
+    return runBenchmarksWithRatios(
+        argc, argv,
+        {{"BM_ReadingOrderWalk", "BM_PlainWalkFloor", "reading-order walk", "plain walk", 1.5}});
 }

@@ -203,12 +203,8 @@ BENCHMARK(BM_FountainJs)->Unit(benchmark::kMillisecond)->UseManualTime()->Iterat
 int main(int argc, char **argv)
 {
     const IsolatedHome home;
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.printRatio("BM_ScriptPage/manual_time", "BM_FountainJs/iterations:1/manual_time",
-                        "script page (parse, paginate, render)", "fountain-js parse to HTML", 0.5);
-    benchmark::Shutdown();
-    return 0;
+    return runBenchmarksWithRatios(
+        argc, argv,
+        {{"BM_ScriptPage/manual_time", "BM_FountainJs/iterations:1/manual_time",
+          "script page (parse, paginate, render)", "fountain-js parse to HTML", 0.5}});
 }

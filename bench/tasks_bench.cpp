@@ -116,13 +116,8 @@ BENCHMARK(BM_DueList)->Unit(benchmark::kMillisecond);
 int main(int argc, char **argv)
 {
     const IsolatedHome home;
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::Shutdown();
-    reporter.printRatio("BM_CollectTaskLists", "BM_PlainWalk", "collection of task lists",
-                        "plain walk", 1.2);
-    reporter.printRatio("BM_DueList", "BM_ReadEveryTaskPlist", "due list",
-                        "reading every task plist", 2.0);
+    return runBenchmarksWithRatios(
+        argc, argv,
+        {{"BM_CollectTaskLists", "BM_PlainWalk", "collection of task lists", "plain walk", 1.2},
+         {"BM_DueList", "BM_ReadEveryTaskPlist", "due list", "reading every task plist", 2.0}});
 }
