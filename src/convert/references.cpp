@@ -34,6 +34,8 @@ QString decoded(const QString &text)
 QString editedFrom(const QString &html, qsizetype from, const Regex &regex,
                    const Regex::MatchEditor &editor)
 {
+    if (from == 0)
+        return regex.replaceMatches(html, editor);
     const QString tail = html.mid(from);
     return html.left(from) + regex.replaceMatches(tail, editor);
 }
