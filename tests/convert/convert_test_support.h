@@ -6,7 +6,6 @@
 #include "../store/library_fixture.h"
 
 #include <QString>
-#include <QVariantMap>
 
 namespace tltest {
 
@@ -25,12 +24,6 @@ inline void PrintTo(const TextCase &c, std::ostream *os)
 class ConvertTest : public LibraryTest
 {
 protected:
-    // Sets each setting of the map for this test.
-    static void setSettings(const QVariantMap &values)
-    {
-        for (auto it = values.cbegin(); it != values.cend(); ++it)
-            setSetting(it.key(), it.value());
-    }
     // A file of the given bytes at the library root.
     QString document(const QString &name, const QByteArray &content)
     {

@@ -189,27 +189,20 @@ TEST_F(ConnectionTest, NonceAgeIsCheckedWhateverTheOrderOfMaking)
     EXPECT_FALSE(HTTPConnection::hasRecentNonce(nonce));
 }
 
-TEST_F(ConnectionTest, UnknownNonceFails)
+TEST_F(ConnectionTest, NoncesTheServerDidNotGiveNeverPass)
 {
     Harness h(root);
-    DigestClient client;
-    client.realm = "webdav@tavelle.local";
-    client.nonce = "made-up";
-    const auto r = h.exchange(
-        get("/small.txt", "Authorization: " + client.authorization("GET", "/small.txt") + "\r\n"));
-    EXPECT_EQ(r->status, 401);
-}
-
-TEST_F(ConnectionTest, EmptyNonceNeverPasses)
-{
-    Harness h(root);
-    DigestClient client;
-    client.realm = "webdav@tavelle.local";
-    client.nonce = "";
-    for (int i = 0; i < 2; ++i) {
-        const auto r = h.exchange(get(
-            "/small.txt", "Authorization: " + client.authorization("GET", "/small.txt") + "\r\n"));
-        EXPECT_EQ(r->status, 401) << "request " << i;
+    for (const QByteArray nonce : {QByteArray("made-up"), QByteArray()}) {
+        DigestClient client;
+        client.realm = "webdav@tavelle.local";
+        client.nonce = nonce;
+        // Twice: a refused nonce does not become known either.
+        for (int i = 0; i < 2; ++i) {
+            const auto r = h.exchange(
+                get("/small.txt",
+                    "Authorization: " + client.authorization("GET", "/small.txt") + "\r\n"));
+            EXPECT_EQ(r->status, 401) << nonce.toStdString() << " request " << i;
+        }
     }
 }
 

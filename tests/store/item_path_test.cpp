@@ -397,13 +397,7 @@ TEST(ItemPathScheme, Actions)
     const Flag cases[] = {
         {"tavelle://grab?x=1", true},
         {"TAVELLE://Search/x", true},
-        {"tavelle://addnote", true},
-        {"tavelle://append", true},
-        {"tavelle://addnewdocument", true},
-        {"tavelle://addnewtask", true},
-        {"tavelle://wifi_sharing", true},
-        {"tavelle://webdav_sync", true},
-        {"tavelle://addnewsketch", true},
+        {"tavelle://addnewdocument", true}, // begins with an action
         {"tavelle://show/Book", false},
         {"tavelle://", false},
         {"http://grab", false},
