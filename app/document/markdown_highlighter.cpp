@@ -47,6 +47,8 @@ void MarkdownHighlighter::rehighlightAll()
 
 void MarkdownHighlighter::contentsChanged(int position, int removed, int added)
 {
+    if (m_suspended)
+        return;
     QTextCursor inserted(m_document);
     inserted.setPosition(position);
     inserted.setPosition(qMin(position + added, m_document->characterCount() - 1),

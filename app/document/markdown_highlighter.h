@@ -30,6 +30,9 @@ public:
     // The text as the rules see it, kept in step with every edit.
     const QString &text() const { return m_text; }
     void rehighlightAll();
+    // While a whole new text goes in, edits are not followed; the style set
+    // afterwards colours it once.
+    void setSuspended(bool suspended) { m_suspended = suspended; }
 
 private:
     void contentsChanged(int position, int removed, int added);
@@ -42,6 +45,7 @@ private:
     editing::Palette m_palette{editing::PaletteOptions{}};
     QFont m_font;
     QString m_text;
+    bool m_suspended = false;
 };
 
 QColor toColor(const editing::Rgba &rgba);

@@ -68,7 +68,9 @@ void PlainTextView::showText(const QString &text, qint64 offset)
 {
     m_loading = true;
     m_editing = false;
+    m_highlighter->setSuspended(true);
     setPlainText(text);
+    m_highlighter->setSuspended(false);
     updateStyle();
     QTextCursor cursor = textCursor();
     cursor.setPosition(int(qBound<qint64>(0, offset, text.size())));
