@@ -5,6 +5,7 @@
 #include "browser/event_bridge.h"
 #include "browser/outline_model.h"
 #include "browser/search_field.h"
+#include "contexts_menu.h"
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
 #include "list_delegate.h"
@@ -161,8 +162,9 @@ DocumentListPane::DocumentListPane(browser::DocumentListModel &model,
         Q_EMIT selectionChanged();
     });
     connect(m_view, &QWidget::customContextMenuRequested, this, [this, &actions](QPoint at) {
-        QMenu menu;
+        QMenu menu(m_view);
         actions.fillItemMenu(&menu);
+        addContextsMenu(&menu, selectedPaths());
         menu.exec(m_view->viewport()->mapToGlobal(at));
     });
     const auto listChanged = [this] {

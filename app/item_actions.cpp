@@ -1,5 +1,6 @@
 #include "item_actions.h"
 
+#include "contexts/tag_database.h"
 #include "foundation/path_string.h"
 #include "platform/alerts.h"
 #include "platform/file_ops.h"
@@ -122,7 +123,7 @@ void ItemActions::setColorLabel(const QStringList &paths, const QString &name)
 void ItemActions::toggleFavorite(const QStringList &paths)
 {
     for (const QString &path : paths)
-        store::tl_toggleFavorite(path);
+        contexts::tl_toggleFavorite(path);
 }
 
 void ItemActions::showInFileManager(const QString &path)

@@ -5,6 +5,7 @@
 #include "browser/document_list_model.h"
 #include "browser/event_bridge.h"
 #include "browser/outline_controller.h"
+#include "contexts_menu.h"
 #include "document/document_pane.h"
 #include "document/plain_text_view.h"
 #include "document_list_pane.h"
@@ -83,6 +84,8 @@ MainWindow::MainWindow(EventBridge &bridge, QWidget *parent)
         });
 
     m_actions->fillMenuBar(menuBar());
+    addContextsMenuBar(menuBar(), this);
+    followContexts(bridge, *m_outlineController, this);
     auto *toolbar = addToolBar(QStringLiteral("Toolbar"));
     toolbar->setObjectName(QStringLiteral("toolbar"));
     toolbar->setMovable(false);

@@ -3,6 +3,8 @@
 #include "action_registry.h"
 #include "browser/event_bridge.h"
 #include "browser/outline_controller.h"
+#include "browser/smart_books.h"
+#include "contexts_menu.h"
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
 #include "foundation/path_string.h"
@@ -65,8 +67,15 @@ OutlinePane::OutlinePane(browser::TLKSOutlineViewController &controller,
         Q_EMIT selectionChanged();
     });
     connect(m_view, &QWidget::customContextMenuRequested, this, [this, &actions](QPoint at) {
-        QMenu menu;
-        actions.fillItemMenu(&menu);
+        QMenu menu(m_view);
+        const QModelIndex index = m_view->indexAt(at);
+        if (index.data(OutlineModel::SmartTypeRole).toInt() == browser::Context) {
+            addContextRowActions(&menu, index.data(OutlineModel::PathRole).toString());
+        } else {
+            actions.fillItemMenu(&menu);
+            if (selectedIsBook())
+                addContextsMenu(&menu, {selectedPath()});
+        }
         menu.exec(m_view->viewport()->mapToGlobal(at));
     });
     connect(&bridge, &browser::EventBridge::newRootSelected, this, &OutlinePane::newRootSelected);

@@ -2,6 +2,8 @@
 
 #include "browser/item_drops.h"
 #include "browser/smart_books.h"
+#include "contexts/context_keys.h"
+#include "contexts/tag_database.h"
 #include "foundation/path_string.h"
 #include "store/library_root.h"
 
@@ -84,6 +86,21 @@ bool OutlineModel::hasChildren(const QModelIndex &parent) const
     return item->childrenAreBuilt() ? item->numberOfChildren() > 0 : !item->isDocument;
 }
 
+namespace {
+
+QVariant countForBadge(const TLKSOutlineItem &item)
+{
+    if (item.groupItemType != NoGroup)
+        return {};
+    if (item.smartBookType == Context)
+        return contexts::tl_numberOfItemsForTag(item.relativePath);
+    if (item.smartBookType == Favorites)
+        return contexts::tl_numberOfItemsForTag(QLatin1String(contexts::keys::FavoriteTag));
+    return {};
+}
+
+} // namespace
+
 QVariant OutlineModel::data(const QModelIndex &index, int role) const
 {
     if (!index.isValid())
@@ -102,6 +119,8 @@ QVariant OutlineModel::data(const QModelIndex &index, int role) const
         return item->smartBookType != 0 ? iconForSmartBookOfType(item->smartBookType) : QString();
     case IsDocumentRole:
         return item->isDocument;
+    case CountRole:
+        return countForBadge(*item);
     default:
         return {};
     }
@@ -129,6 +148,7 @@ QHash<int, QByteArray> OutlineModel::roleNames() const
     names.insert(GroupRole, "group");
     names.insert(IconRole, "icon");
     names.insert(IsDocumentRole, "isDocument");
+    names.insert(CountRole, "count");
     return names;
 }
 

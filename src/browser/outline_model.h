@@ -22,6 +22,9 @@ public:
         // The icon's name ("icon-book-inbox", ...); empty for a plain book.
         IconRole,
         IsDocumentRole,
+        // The number of items a context or the favourites hold, for the
+        // row's badge; nothing for other rows.
+        CountRole,
     };
 
     explicit OutlineModel(QObject *parent = nullptr);

@@ -8,7 +8,7 @@ QList<QObject *> allTests()
 {
     return {makeNavigationRulesTest(),  makeWelcomeWindowTest(), makeMainWindowTest(),
             makeScriptPagesLabelTest(), makePlainTextViewTest(), makePublishingTest(),
-            makeLinkActionsTest()};
+            makeLinkActionsTest(),      makeContextsWindowTest()};
 }
 
 tl::platform::HeadlessAlertPresenter &alerts()

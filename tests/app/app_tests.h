@@ -23,5 +23,6 @@ QObject *makeScriptPagesLabelTest();
 QObject *makePlainTextViewTest();
 QObject *makePublishingTest();
 QObject *makeLinkActionsTest();
+QObject *makeContextsWindowTest();
 
 } // namespace apptest
