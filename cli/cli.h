@@ -56,6 +56,7 @@ const std::vector<Command> &searchCommands();
 const std::vector<Command> &publishCommands();
 const std::vector<Command> &schemeCommands();
 const std::vector<Command> &linksCommands();
+const std::vector<Command> &importCommands();
 
 // No arguments, or only the launch gestures: the desktop program is wanted.
 bool startsDesktopProgram(int argc, char **argv);

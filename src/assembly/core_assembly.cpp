@@ -3,6 +3,7 @@
 #include "contexts/tag_database.h"
 #include "convert/html_to_text.h"
 #include "convert/store_registration.h"
+#include "importers/store_registration.h"
 #include "links/link_jobs.h"
 #include "links/link_resolution.h"
 #include "platform/alerts.h"
@@ -103,6 +104,7 @@ void assembleCore(const CoreParts &parts)
         return screenplay::scriptPageForText(fountain).html;
     };
     mark("Fountain to HTML conversion");
+    importers::registerImportersWithStore();
 
     store::sideJobs().changePathInTagDB = contexts::tl_changePathInTagDBToPath;
     store::sideJobs().moveTask = tasks::tl_moveTaskToPath;
