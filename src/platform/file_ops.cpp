@@ -12,8 +12,12 @@
 #include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
+#include <linux/fs.h>
+#include <linux/magic.h>
 #include <spdlog/spdlog.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 #include <vector>
 
@@ -506,6 +510,41 @@ bool setModificationDate(const QString &path, const QDateTime &date)
         return false;
     }
     return true;
+}
+
+bool folderMayIgnoreCase(const QString &folder)
+{
+    const QByteArray native = detail::nativePath(folder);
+    struct statfs fs
+    {
+    };
+    if (::statfs(native.constData(), &fs) != 0)
+        return true;
+    // Magic numbers of the file systems that compare names without case.
+    constexpr unsigned long kExfat = 0x2011BAB0UL, kNtfs = 0x5346544EUL, kCifs = 0xFF534D42UL,
+                            kSmb2 = 0xFE534D42UL;
+    switch (static_cast<unsigned long>(fs.f_type)) {
+    case MSDOS_SUPER_MAGIC:
+    case kExfat:
+    case kNtfs:
+    case kCifs:
+    case kSmb2:
+    case SMB_SUPER_MAGIC:
+        return true;
+    default:
+        break;
+    }
+    if (static_cast<unsigned long>(fs.f_type) != EXT4_SUPER_MAGIC)
+        return false;
+    const int fd = ::open(native.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0)
+        return true;
+    // The flag ext4 sets on a folder created with case folding.
+    constexpr long kCasefoldFlag = 0x40000000L;
+    long flags = 0;
+    const bool asked = ::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0;
+    ::close(fd);
+    return !asked || (flags & kCasefoldFlag) != 0;
 }
 
 } // namespace tl::platform

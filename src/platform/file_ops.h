@@ -55,4 +55,9 @@ std::optional<QDateTime> creationDate(const QString &path);
 std::optional<QDateTime> modificationDate(const QString &path);
 bool setModificationDate(const QString &path, const QDateTime &date);
 
+// Whether the folder may answer a name that differs only in case: FAT,
+// exFAT, NTFS and SMB mounts, or an ext4 folder with case folding on. A
+// folder that cannot be asked counts as one that may.
+bool folderMayIgnoreCase(const QString &folder);
+
 } // namespace tl::platform

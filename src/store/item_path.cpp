@@ -3,6 +3,7 @@
 #include "foundation/clock.h"
 #include "foundation/compare.h"
 #include "foundation/path_string.h"
+#include "platform/file_ops.h"
 #include "platform/settings.h"
 #include "store/extensions.h"
 #include "store/keys.h"
@@ -14,6 +15,7 @@
 #include <QFileInfo>
 #include <QUrl>
 #include <algorithm>
+#include <optional>
 
 namespace tl::store {
 
@@ -243,7 +245,26 @@ bool tl_fileExistsAtPathIsDirectory(const QString &path, bool *isDirectory)
         return true;
     }
     const QString name = path::lastComponent(path);
-    const QDir parent(path::deletingLastComponent(path));
+    const QString parentPath = path::deletingLastComponent(path);
+    // A folder that compares names exactly answers for the name itself and its
+    // other canonical form, so the listing is read only where it must decide:
+    // a folder that may ignore case, or a name mixing both forms.
+    std::optional<bool> exactAnswer;
+    for (const QString &candidate : {path, precomposed(path), decomposed(path)}) {
+        const QFileInfo info(candidate);
+        if (info.exists() || info.isSymLink()) {
+            exactAnswer = info.isDir();
+            break;
+        }
+    }
+    const bool ascii =
+        std::all_of(name.cbegin(), name.cend(), [](QChar c) { return c.unicode() < 0x80; });
+    if (exactAnswer ? !platform::folderMayIgnoreCase(parentPath) : ascii) {
+        if (exactAnswer && isDirectory)
+            *isDirectory = *exactAnswer;
+        return exactAnswer.has_value();
+    }
+    const QDir parent(parentPath);
     const QStringList entries =
         parent.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     for (const QString &entry : entries) {
