@@ -76,8 +76,9 @@ void HangingIndentLayout::layoutWithIndents(const QTextBlock &block) const
         const qreal indent = first ? indents.firstLine : indents.head;
         line.setLeadingIncluded(true);
         line.setLineWidth(qMax<qreal>(available - indent + qMin<qreal>(indents.tail, 0), 20));
-        line.setPosition(QPointF(margin + indent, height));
-        height += line.height();
+        // The extra spacing stands above each line, so it also parts paragraphs.
+        line.setPosition(QPointF(margin + indent, height + (m_lineSpacing - 1) * line.height()));
+        height += line.height() * m_lineSpacing;
     }
     layout->endLayout();
     QTextBlock counted = block;

@@ -25,6 +25,8 @@ public:
 
     // The view's width, as the base layout is told it.
     void setWidth(qreal width);
+    // Lines stand this many line heights apart.
+    void setLineSpacing(qreal multiple) { m_lineSpacing = multiple > 0 ? multiple : 1; }
     // The indents of a paragraph the highlighter has not reached yet.
     void setDefaultIndents(qreal firstLine, qreal head, qreal tail);
     QRectF blockBoundingRect(const QTextBlock &block) const override;
@@ -37,6 +39,7 @@ private:
 
     ParagraphIndents m_default;
     qreal m_width = 0;
+    qreal m_lineSpacing = 1;
 };
 
 } // namespace tl::app

@@ -85,6 +85,7 @@ void PlainTextView::setDocumentFont(const QString &family, int pointSize, double
     face.setPointSize(pointSize > 0 ? pointSize : 14);
     setFont(face);
     m_lineSpacing = lineSpacing > 0 ? lineSpacing : 1.0;
+    m_layout->setLineSpacing(m_lineSpacing);
 }
 
 void PlainTextView::setDocumentPath(const QString &path)

@@ -143,6 +143,7 @@ private Q_SLOTS:
             palette.setColor(QPalette::Text, dark ? QColor(220, 220, 220) : QColor(30, 30, 30));
             view.setPalette(palette);
             view.resize(560, 640);
+            view.setDocumentFont(QString(), 11, 1.3);
             view.setDocumentPath(QStringLiteral("/tmp/Shopping.md"));
             view.show();
             view.showText(text, 0);
