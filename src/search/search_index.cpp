@@ -51,9 +51,17 @@ struct StoredStamp
 
 // An item read for the index: its stamp, and its words joined by blanks
 // (nothing for an item without text).
+// An item to write: new ones have no id yet.
+struct Change
+{
+    ItemStamp stamp;
+    qint64 id = -1;
+};
+
 struct ReadItem
 {
     ItemStamp stamp;
+    qint64 id;
     std::optional<QString> words;
 };
 
@@ -105,14 +113,18 @@ struct SearchIndex::Private
 
     bool prepare(Database &db)
     {
-        if (!db.exec("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL"))
+        // A cache: a write cut short by a crash leaves a damaged file, which
+        // is rebuilt, so no write waits for the disk.
+        if (!db.exec("PRAGMA journal_mode = WAL; PRAGMA synchronous = OFF; "
+                     "PRAGMA cache_size = -65536"))
             return false;
         Statement version(db, QStringLiteral("PRAGMA user_version"));
         const qint64 found = version.step() ? version.integer(0) : -1;
         if (db.failure() != 0)
             return false;
-        if (found != 0 && found != kSchemaVersion &&
-            !db.exec("DROP TABLE IF EXISTS items; DROP TABLE IF EXISTS content"))
+        if (found == kSchemaVersion)
+            return true;
+        if (found != 0 && !db.exec("DROP TABLE IF EXISTS items; DROP TABLE IF EXISTS content"))
             return false;
         return db.exec(kSchema);
     }
@@ -153,15 +165,15 @@ struct SearchIndex::Private
     {
         writer.clearFailure();
         QHash<QString, StoredStamp> stored = storedBelow(folder);
-        QList<ItemStamp> changed;
+        QList<Change> changed;
         const auto consider = [&](const ItemStamp &item) {
             const auto it = stored.constFind(item.path);
             if (it == stored.cend()) {
-                changed << item;
+                changed << Change{item};
                 return;
             }
             if (it->modified != item.modified || it->size != item.size)
-                changed << item;
+                changed << Change{item, it->id};
             stored.erase(it);
         };
         if (withFolder) {
@@ -176,7 +188,7 @@ struct SearchIndex::Private
         return write(changed, gone);
     }
 
-    bool write(const QList<ItemStamp> &changed, const QList<qint64> &gone)
+    bool write(const QList<Change> &changed, const QList<qint64> &gone)
     {
         if (changed.isEmpty() && gone.isEmpty())
             return writer.failure() == 0;
@@ -189,19 +201,18 @@ struct SearchIndex::Private
             forgetItem.bind(1, id).run();
         }
         const SearchableText reader;
-        const auto readOne = [&reader](const ItemStamp &stamp) {
-            ReadItem item{stamp, std::nullopt};
-            if (!stamp.isFolder) {
-                if (std::optional<QString> text = reader.textOf(stamp.path))
-                    item.words = searchWords(*text).join(u' ');
+        const auto readOne = [&reader](const Change &change) {
+            ReadItem item{change.stamp, change.id, std::nullopt};
+            if (!change.stamp.isFolder) {
+                if (std::optional<QString> text = reader.textOf(change.stamp.path))
+                    item.words = joinedSearchWords(*text);
             }
             return item;
         };
-        Statement store(writer,
-                        QStringLiteral("INSERT INTO items(path, name, modified, size) "
-                                       "VALUES(?1, ?2, ?3, ?4) ON CONFLICT(path) DO UPDATE SET "
-                                       "name = excluded.name, modified = excluded.modified, "
-                                       "size = excluded.size RETURNING id"));
+        Statement insert(writer, QStringLiteral("INSERT INTO items(path, name, modified, size) "
+                                                "VALUES(?1, ?2, ?3, ?4)"));
+        Statement update(writer, QStringLiteral("UPDATE items SET path = ?1, name = ?2, "
+                                                "modified = ?3, size = ?4 WHERE id = ?5"));
         Statement storeContent(writer,
                                QStringLiteral("INSERT INTO content(rowid, words) VALUES(?1, ?2)"));
         const auto batch = [&changed](qsizetype at) { return changed.mid(at, kBatchSize); };
@@ -211,15 +222,20 @@ struct SearchIndex::Private
             if (at + kBatchSize < changed.size())
                 reading = QtConcurrent::mapped(batch(at + kBatchSize), readOne);
             for (const ReadItem &item : items) {
+                Statement &store = item.id < 0 ? insert : update;
                 store.bind(1, item.stamp.path)
                     .bind(2, caseAndDiacriticFolded(path::lastComponent(item.stamp.path)))
                     .bind(3, item.stamp.modified)
                     .bind(4, item.stamp.size);
-                const qint64 id = store.step() ? store.integer(0) : -1;
-                store.run();
-                if (id < 0)
+                if (item.id >= 0)
+                    store.bind(5, item.id);
+                if (!store.run())
                     continue;
-                forgetContent.bind(1, id).run();
+                qint64 id = item.id;
+                if (id < 0)
+                    id = writer.lastInsertRowid();
+                else
+                    forgetContent.bind(1, id).run();
                 if (item.words)
                     storeContent.bind(1, id).bind(2, *item.words).run();
             }
@@ -229,6 +245,13 @@ struct SearchIndex::Private
             return false;
         }
         return writer.exec("COMMIT");
+    }
+
+    qint64 storedId(const QString &path)
+    {
+        Statement id(writer, QStringLiteral("SELECT id FROM items WHERE path = ?1"));
+        id.bind(1, path);
+        return id.step() ? id.integer(0) : -1;
     }
 
     void forgetBelow(const QString &path)
@@ -245,9 +268,13 @@ struct SearchIndex::Private
     }
 
     // The statement of a query: one condition per term, all joined by AND.
-    QString querySql(const QList<PreparedTerm> &terms, Field field) const
+    QString querySql(const QList<PreparedTerm> &terms, Field field, bool wholeLibrary) const
     {
-        QString sql = QStringLiteral("SELECT path FROM items WHERE path >= ?1 AND path < ?2");
+        // Every item lies below the root: the whole library is read in one
+        // pass over the table rather than through the index of paths.
+        QString sql = wholeLibrary
+                          ? QStringLiteral("SELECT path FROM items WHERE ?1 IS NOT ?2")
+                          : QStringLiteral("SELECT path FROM items WHERE path >= ?1 AND path < ?2");
         int parameter = 3;
         for (const PreparedTerm &term : terms) {
             QStringList either;
@@ -269,7 +296,7 @@ struct SearchIndex::Private
         if (terms.isEmpty())
             return QStringList();
         reader.clearFailure();
-        Statement statement(reader, querySql(terms, query.field));
+        Statement statement(reader, querySql(terms, query.field, scope == root));
         const auto [from, to] = rangeBelow(scope);
         statement.bind(1, from).bind(2, to);
         int parameter = 3;
@@ -325,7 +352,7 @@ void SearchIndex::refreshItem(const QString &path)
     if (stamp->isFolder)
         d->syncBelow(path, true);
     else
-        d->write({*stamp}, {});
+        d->write({Change{*stamp, d->storedId(path)}}, {});
 }
 
 bool SearchIndex::rebuild()

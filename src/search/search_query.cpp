@@ -12,32 +12,78 @@ QList<PreparedTerm> preparedTerms(const QStringList &terms)
     return prepared;
 }
 
-QStringList searchWords(QStringView text)
+namespace {
+
+bool isASCII(QStringView text)
+{
+    for (const QChar c : text)
+        if (c.unicode() >= 0x80)
+            return false;
+    return true;
+}
+
+bool isASCIILetterOrDigit(char16_t c)
+{
+    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9');
+}
+
+// The common case of plain ASCII, where folding is lower-casing and the
+// letters and digits are a-z and 0-9: the same words, without ICU.
+QString joinedASCIIWords(QStringView text)
+{
+    QString joined;
+    joined.reserve(text.size());
+    bool inWord = false;
+    for (const QChar c : text) {
+        const char16_t u = c.unicode();
+        if (isASCIILetterOrDigit(u)) {
+            if (!inWord && !joined.isEmpty())
+                joined += u' ';
+            joined += QChar(u >= u'A' && u <= u'Z' ? char16_t(u + 32) : u);
+            inWord = true;
+        } else {
+            inWord = false;
+        }
+    }
+    return joined;
+}
+
+QString joinedFoldedWords(QStringView text)
 {
     const QString folded = caseAndDiacriticFolded(text);
-    QStringList words;
-    qsizetype start = -1;
-    for (qsizetype i = 0; i <= folded.size();) {
-        char32_t c = 0;
+    QString joined;
+    joined.reserve(folded.size());
+    bool inWord = false;
+    for (qsizetype i = 0; i < folded.size();) {
+        char32_t c = folded[i].unicode();
         qsizetype width = 1;
-        if (i < folded.size()) {
-            c = folded[i].unicode();
-            if (QChar::isHighSurrogate(c) && i + 1 < folded.size() &&
-                folded[i + 1].isLowSurrogate()) {
-                c = QChar::surrogateToUcs4(folded[i], folded[i + 1]);
-                width = 2;
-            }
+        if (QChar::isHighSurrogate(c) && i + 1 < folded.size() && folded[i + 1].isLowSurrogate()) {
+            c = QChar::surrogateToUcs4(folded[i], folded[i + 1]);
+            width = 2;
         }
-        const bool inWord = i < folded.size() && QChar::isLetterOrNumber(c);
-        if (inWord && start < 0) {
-            start = i;
-        } else if (!inWord && start >= 0) {
-            words << folded.mid(start, i - start);
-            start = -1;
+        if (QChar::isLetterOrNumber(c)) {
+            if (!inWord && !joined.isEmpty())
+                joined += u' ';
+            joined += QStringView(folded).mid(i, width);
+            inWord = true;
+        } else {
+            inWord = false;
         }
         i += width;
     }
-    return words;
+    return joined;
+}
+
+} // namespace
+
+QString joinedSearchWords(QStringView text)
+{
+    return isASCII(text) ? joinedASCIIWords(text) : joinedFoldedWords(text);
+}
+
+QStringList searchWords(QStringView text)
+{
+    return joinedSearchWords(text).split(u' ', Qt::SkipEmptyParts);
 }
 
 bool wordsContainPhrase(const QStringList &words, const QStringList &phrase)

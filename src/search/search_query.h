@@ -32,6 +32,8 @@ QList<PreparedTerm> preparedTerms(const QStringList &terms);
 
 // The words of a text, folded: runs of letters and digits.
 QStringList searchWords(QStringView text);
+// The same words joined by single blanks, as the index keeps them.
+QString joinedSearchWords(QStringView text);
 
 // Whether the term's words stand in the words in a row, the last as a prefix.
 bool wordsContainPhrase(const QStringList &words, const QStringList &phrase);

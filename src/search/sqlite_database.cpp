@@ -45,6 +45,11 @@ bool Database::exec(const char *sql)
     return code == SQLITE_OK;
 }
 
+qint64 Database::lastInsertRowid() const
+{
+    return m_db ? sqlite3_last_insert_rowid(m_db) : -1;
+}
+
 void Database::noteFailure(int code)
 {
     if (m_failure == 0)

@@ -22,6 +22,7 @@ public:
     bool isOpen() const { return m_db != nullptr; }
     bool exec(const char *sql);
     sqlite3 *handle() const { return m_db; }
+    qint64 lastInsertRowid() const;
 
     // The first failure since the last clear, as SQLite's primary code.
     int failure() const { return m_failure; }

@@ -87,3 +87,25 @@ INSTANTIATE_TEST_SUITE_P(IndexAndWalk, SearchMatching, ::testing::Values(true, f
                          [](const auto &info) { return info.param ? "Index" : "Walk"; });
 
 } // namespace
+
+namespace {
+
+TEST(SearchWords, AreFoldedRunsOfLettersAndDigits)
+{
+    struct Case
+    {
+        const char *text;
+        QStringList words;
+    };
+    const Case cases[] = {
+        {"Hello, World_x2", {"hello", "world", "x2"}},
+        {"Crème BRÛLÉE", {"creme", "brulee"}},
+        {"Straße", {"strasse"}},
+        {"a😀b", {"a", "b"}},
+        {"  ", {}},
+    };
+    for (const Case &c : cases)
+        EXPECT_EQ(tl::search::searchWords(QString::fromUtf8(c.text)), c.words) << c.text;
+}
+
+} // namespace
