@@ -57,6 +57,7 @@ const std::vector<Command> &publishCommands();
 const std::vector<Command> &schemeCommands();
 const std::vector<Command> &linksCommands();
 const std::vector<Command> &importCommands();
+const std::vector<Command> &syncCommands();
 
 // No arguments, or only the launch gestures: the desktop program is wanted.
 bool startsDesktopProgram(int argc, char **argv);

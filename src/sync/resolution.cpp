@@ -276,6 +276,20 @@ ReportOutcome tl_fileListReceived(SyncStatusSource &source, bool settle)
     return outcome;
 }
 
+void forgetUnresolvedConflict(const QString &item)
+{
+    const QString key = QLatin1String(S::ICloudArrayOfUnresolvedConflicts);
+    QVariantList list = platform::settings().array(key);
+    const QString normalized = store::tl_normalizedPath(item);
+    if (list.removeIf([&](const QVariant &entry) {
+            return canonicallyEqual(entry.toString(), normalized);
+        }) == 0)
+        return;
+    platform::settings().set(key, list);
+    NotificationCenter::defaultCenter().post(
+        QLatin1String(events::ICloudNumberOfUnresolvedConflictsChanged));
+}
+
 void clearSyncState()
 {
     platform::settings().remove(QLatin1String(S::ICloudArrayOfUnresolvedConflicts));

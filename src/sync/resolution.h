@@ -54,6 +54,8 @@ inline constexpr qint64 kDownloadsPerReport = 51;
 // requests the downloads. With `settle` false nothing is changed and only
 // the outcome is answered.
 ReportOutcome tl_fileListReceived(SyncStatusSource &source, bool settle = true);
+// A document settled by the user leaves the list of unresolved ones.
+void forgetUnresolvedConflict(const QString &item);
 // Without a sync client nothing runs, and any stale list goes.
 void clearSyncState();
 

@@ -1,0 +1,45 @@
+#include "cli_support.h"
+#include "support/test_environment.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <gtest/gtest.h>
+
+namespace {
+
+using tltest::CommandResult;
+
+class ConflictsCommand : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!tltest::tavelleAvailable())
+            GTEST_SKIP() << "TAVELLE_CLI is not set";
+        home = tltest::makeTemporaryFolder("conflicts");
+        library = home + "/Library";
+        QDir().mkpath(library + "/.stfolder");
+        tltest::writeFile(library + "/Note.md", "mine");
+        tltest::writeFile(library + "/Note.sync-conflict-20240302-090000-ABCD123.md", "theirs");
+    }
+    CommandResult run(QStringList args)
+    {
+        args.prepend(library);
+        args.prepend("--library");
+        return tltest::runTavelle(home, args);
+    }
+    QString home;
+    QString library;
+};
+
+TEST_F(ConflictsCommand, ListsADocumentAndKeepsTheVersionChosen)
+{
+    EXPECT_EQ(run({"conflicts"}).out, "choice\t" + library + "/Note.md\n");
+    EXPECT_EQ(run({"conflicts", "keep", library + "/Note.md", "conflict"}).exitCode, 0);
+    EXPECT_EQ(tltest::readFile(library + "/Note.md"), "theirs");
+    EXPECT_EQ(run({"conflicts"}).out, "");
+    EXPECT_EQ(run({"conflicts", "keep", library + "/Note.md", "both"}).exitCode, 1);
+    EXPECT_EQ(run({"conflicts", "keep", library + "/Note.md", "neither"}).exitCode, 2);
+}
+
+} // namespace
