@@ -1,8 +1,11 @@
-// eml2html, opml2html: foreign material as the HTML the program shows for it.
+// import, eml2html, opml2html: foreign material into the library, and as the
+// HTML the program shows for it.
 #include "cli.h"
+#include "importers/file_import.h"
 #include "importers/mail_message.h"
 #include "importers/opml_converter.h"
 #include "store/document_file.h"
+#include "store/library_root.h"
 
 #include <QFileInfo>
 #include <functional>
@@ -36,11 +39,48 @@ QString outlineFileToHTML(const QString &path)
     return file ? importers::tl_OPMLToHTML(file->text) : QString();
 }
 
+int importFiles(const QCommandLineParser &parser, const Invocation &in)
+{
+    if (in.arguments.isEmpty())
+        return fail(QStringLiteral("import takes one PATH or more"), Usage);
+    const QString into = parser.value(QStringLiteral("into"));
+    const std::optional<QString> book = into.isEmpty()
+                                            ? std::optional<QString>(store::libraryRoot())
+                                            : itemInLibrary(into, Inside::RootAllowed);
+    if (!book)
+        return Failure;
+    if (!QFileInfo(*book).isDir())
+        return fail(QStringLiteral("Not a book: %1").arg(into));
+    QStringList created;
+    int status = Success;
+    for (const QString &argument : in.arguments) {
+        const std::optional<QString> document =
+            importers::tl_importFileIntoBook(absolutePath(argument), *book);
+        if (document)
+            created << *document;
+        else
+            status =
+                fail(QStringLiteral("Cannot import %1: only .eml and .opml files").arg(argument));
+    }
+    printList(created, in.json);
+    return status;
+}
+
 } // namespace
 
 const std::vector<Command> &importCommands()
 {
     static const std::vector<Command> commands{
+        {"import", "Mail messages (.eml) and outlines (.opml) as documents of a book", true,
+         [](QCommandLineParser &parser) {
+             parser.addPositionalArgument(QStringLiteral("PATH"),
+                                          QStringLiteral("Files to import."),
+                                          QStringLiteral("PATH..."));
+             parser.addOption({QStringLiteral("into"),
+                               QStringLiteral("The book to put them in (default: the library)."),
+                               QStringLiteral("BOOK")});
+         },
+         importFiles},
         {"eml2html", "A mail message as HTML, its attachments in the temporary folder", false,
          describeFileSource,
          [](const QCommandLineParser &parser, const Invocation &in) {
