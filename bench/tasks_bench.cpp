@@ -8,6 +8,7 @@
 #include "ratio_reporter.h"
 #include "store/library_root.h"
 #include "tasks/due_tasks.h"
+#include "tasks/reminder_rebuild.h"
 #include "tasks/task_lists.h"
 
 #include <QDirIterator>
@@ -106,10 +107,25 @@ void BM_DueList(benchmark::State &state)
     }
 }
 
+// Every dated pending task of the library made a reminder row, and the
+// future ones scheduled.
+void BM_ReminderRebuild(benchmark::State &state)
+{
+    library();
+    tl::tasks::tl_listOfTasklists();
+    tl::platform::ReminderCentre centre;
+    for (auto _ : state) {
+        tl::tasks::rebuildReminders(centre);
+        if (centre.scheduled().size() != kLists * kDatedPerList)
+            state.SkipWithError("reminders lost");
+    }
+}
+
 BENCHMARK(BM_PlainWalk)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_CollectTaskLists)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ReadEveryTaskPlist)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_DueList)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ReminderRebuild)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
@@ -119,5 +135,7 @@ int main(int argc, char **argv)
     return runBenchmarksWithRatios(
         argc, argv,
         {{"BM_CollectTaskLists", "BM_PlainWalk", "collection of task lists", "plain walk", 1.2},
-         {"BM_DueList", "BM_ReadEveryTaskPlist", "due list", "reading every task plist", 2.0}});
+         {"BM_DueList", "BM_ReadEveryTaskPlist", "due list", "reading every task plist", 2.0},
+         {"BM_ReminderRebuild", "BM_ReadEveryTaskPlist", "reminder rebuild",
+          "reading every task plist", 2.0}});
 }

@@ -34,6 +34,9 @@ QByteArray dateText(const QDateTime &date);
 // The readers, for bytes that start as their format does; nothing, and a
 // line in the log, for anything that does not read as it.
 std::optional<QVariant> parseXml(const QByteArray &bytes);
+// The XML that this program and the Mac write, read without libplist;
+// nothing for anything else, which parseXml then reads through libplist.
+std::optional<QVariant> parseXmlDirectly(const QByteArray &bytes);
 std::optional<QVariant> parseBinary(const QByteArray &bytes);
 
 } // namespace tl::plist::detail

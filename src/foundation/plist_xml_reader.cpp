@@ -152,6 +152,8 @@ std::optional<QVariant> parseXml(const QByteArray &bytes)
     // A byte-order mark is legal XML but trips libplist's reader.
     if (input.startsWith("\xEF\xBB\xBF"))
         input.remove(0, 3);
+    if (auto value = parseXmlDirectly(input))
+        return value;
     if (input.isEmpty()) {
         spdlog::warn("plist: nothing to read");
         return std::nullopt;

@@ -564,3 +564,31 @@ TEST(PlistTest, ValuesWithoutPlistFormAreRefused)
 }
 
 } // namespace
+
+// Plain files are read without libplist; a comment sends the same text
+// through libplist, and both readings must agree.
+TEST(PlistTest, PlainXmlReadsAsLibplistReadsIt)
+{
+    const char *bodies[] = {
+        "<dict><key>a b</key><string> x &amp; &lt;y&gt; &quot;&apos; </string>"
+        "<key></key><string/><key>m</key><integer>-12</integer><key>n</key><integer>007</integer>"
+        "<key>r</key><real>-2.50</real><key>t</key><true/><key>f</key><false/></dict>",
+        "<array><date>2024-03-05T12:00:00Z</date><date>1901-01-01T00:00:00Z</date>"
+        "<date>2101-12-31T23:59:59Z</date><dict/><array/><dict>\n\t<key>é</key>\n\t"
+        "<array><string>ü\n</string></array></dict></array>",
+        "<integer>123456789012345678</integer>",
+        "<string>\t</string>",
+    };
+    for (const char *body : bodies) {
+        SCOPED_TRACE(body);
+        const QByteArray plain = kHeader + body + "</plist>\n";
+        const QByteArray commented =
+            QByteArray(kHeader).replace("<plist", "<!-- --><plist") + body + "</plist>\n";
+        const auto direct = parse(plain);
+        ASSERT_TRUE(direct.has_value());
+        EXPECT_EQ(direct, parse(commented));
+    }
+    // A repeated key: the last value stands.
+    EXPECT_EQ(parse(kHeader + "<dict><key>a</key><true/><key>a</key><false/></dict></plist>"),
+              QVariant(QVariantMap{{"a", false}}));
+}
