@@ -98,6 +98,10 @@ void TLKSOPMLConverter::convert()
     parser->_private = this;
     xmlCtxtUseOptions(parser, XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING);
     xmlParseChunk(parser, data.constData(), int(data.size()), 1);
+    // A document type with declarations makes the parser keep a document
+    // of its own for them, which is the caller's to free.
+    if (parser->myDoc)
+        xmlFreeDoc(parser->myDoc);
     xmlFreeParserCtxt(parser);
 }
 
