@@ -13,6 +13,7 @@
 #include "shell/shell_hooks.h"
 #include "store/side_jobs.h"
 #include "store/text_conversions.h"
+#include "sync/conflict_watch.h"
 #include "tasks/task_list.h"
 
 #include <QSet>
@@ -121,6 +122,9 @@ void assembleCore(const CoreParts &parts)
     hooks.findAlternativePath = [mayAsk](const QString &wanted) {
         return links::tl_findAlternativePathExcluding({wanted, {}, mayAsk, {}});
     };
+    // Only the window lives long enough to see a sync client's work arrive.
+    if (parts.host == Host::Desktop)
+        sync::installConflictWatch();
 }
 
 QStringList missingParts()

@@ -1,0 +1,72 @@
+#include "sync/conflict_watch.h"
+
+#include "foundation/events.h"
+#include "foundation/notification_center.h"
+#include "foundation/scheduler.h"
+#include "platform/file_watcher.h"
+#include "store/library_root.h"
+#include "sync/resolution.h"
+#include "sync/sync_sources.h"
+
+#include <QFileInfo>
+
+namespace tl::sync {
+
+namespace {
+
+const QString kReportKey = QStringLiteral("tl_iCloudUpdateDocuments");
+
+} // namespace
+
+ConflictWatch::ConflictWatch(const QString &root)
+    : m_client(root.isEmpty() ? std::nullopt : detectSyncClient(root)),
+      m_source(syncSourceForLibrary(root))
+{
+    if (!m_client) {
+        clearSyncState();
+        return;
+    }
+    m_watcher = std::make_unique<platform::FileWatcher>();
+    m_watcher->onReport = [this](const platform::FileWatchReport &report) {
+        const bool moved = report.kind == platform::FileWatchReport::Kind::Moved;
+        itemChanged(moved ? report.newPath : report.path);
+    };
+    m_watcher->watch(root);
+    // What arrived while the program was not watching.
+    scheduleReport();
+}
+
+ConflictWatch::~ConflictWatch()
+{
+    Scheduler::main().cancel(kReportKey);
+}
+
+void ConflictWatch::itemChanged(const QString &path)
+{
+    if (!m_client)
+        return;
+    const QString name = QFileInfo(path).fileName();
+    if (parseConflictCopyName(*m_client, name) || placeholderTarget(*m_client, name))
+        scheduleReport();
+}
+
+void ConflictWatch::scheduleReport()
+{
+    Scheduler::main().schedule(kReportKey, kReportDelaySeconds,
+                               [this] { tl_fileListReceived(*m_source); });
+}
+
+void installConflictWatch()
+{
+    // The scheduler outlives the watch at exit, as the watch cancels its report.
+    Scheduler::main();
+    static std::unique_ptr<ConflictWatch> watch;
+    static ScopedObserver rootChanges(
+        QLatin1String(events::NewTavelleRootSelected), [](const QString &, const QVariantMap &) {
+            watch.reset();
+            watch = std::make_unique<ConflictWatch>(store::libraryRoot());
+        });
+    watch = std::make_unique<ConflictWatch>(store::libraryRoot());
+}
+
+} // namespace tl::sync
