@@ -102,7 +102,9 @@ bool collectTagsInPlist(TagStores &stores, const QString &path)
     // by setting and clearing it.
     const QStringList available = stores.available();
     for (const QString &tag : available) {
-        if (holdsCanonically(item.tags, tag) || index.remove(tag, key) < 0)
+        // Most entries never held the item: one hash lookup decides.
+        if (!index.holdsComposed(tag, key) || holdsCanonically(item.tags, tag) ||
+            index.remove(tag, key) < 0)
             continue;
         changed = true;
         if (index.paths(tag).isEmpty()) {

@@ -45,6 +45,12 @@ bool TagIndex::holds(const QString &key, const QString &path) const
     return it != m_entries.constEnd() && it->composed.contains(precomposed(path));
 }
 
+bool TagIndex::holdsComposed(const QString &key, const QString &composedPath) const
+{
+    auto it = m_entries.constFind(key);
+    return it != m_entries.constEnd() && it->composed.contains(composedPath);
+}
+
 bool TagIndex::append(const QString &key, const QString &path)
 {
     return insert(key, -1, path);

@@ -26,6 +26,8 @@ public:
 
     QStringList paths(const QString &key) const;
     bool holds(const QString &key, const QString &path) const;
+    // The same for a path known to be composed already, without normalizing.
+    bool holdsComposed(const QString &key, const QString &composedPath) const;
     // Appends when missing; answers whether it did.
     bool append(const QString &key, const QString &path);
     bool insert(const QString &key, qsizetype position, const QString &path);
