@@ -1,10 +1,12 @@
 // import, eml2html, opml2html: foreign material into the library, and as the
 // HTML the program shows for it.
 #include "cli.h"
+#include "importers/evernote_importer.h"
 #include "importers/file_import.h"
 #include "importers/mail_message.h"
 #include "importers/opml_converter.h"
 #include "store/document_file.h"
+#include "store/extensions.h"
 #include "store/library_root.h"
 
 #include <QFileInfo>
@@ -54,13 +56,20 @@ int importFiles(const QCommandLineParser &parser, const Invocation &in)
     QStringList created;
     int status = Success;
     for (const QString &argument : in.arguments) {
-        const std::optional<QString> document =
-            importers::tl_importFileIntoBook(absolutePath(argument), *book);
-        if (document)
+        const QString path = absolutePath(argument);
+        if (store::lowerCasedExtension(path) == u"enex") {
+            importers::TLKSEvernoteImporter importer(path, *book);
+            if (!importer.start())
+                status = fail(
+                    QStringLiteral("Stopped early in %1: the notes before are kept").arg(argument));
+            created << importer.notes();
+        } else if (const std::optional<QString> document =
+                       importers::tl_importFileIntoBook(path, *book)) {
             created << *document;
-        else
-            status =
-                fail(QStringLiteral("Cannot import %1: only .eml and .opml files").arg(argument));
+        } else {
+            status = fail(
+                QStringLiteral("Cannot import %1: only .eml, .enex and .opml files").arg(argument));
+        }
     }
     printList(created, in.json);
     return status;
@@ -71,7 +80,8 @@ int importFiles(const QCommandLineParser &parser, const Invocation &in)
 const std::vector<Command> &importCommands()
 {
     static const std::vector<Command> commands{
-        {"import", "Mail messages (.eml) and outlines (.opml) as documents of a book", true,
+        {"import",
+         "Mail messages (.eml), Evernote exports (.enex) and outlines (.opml) into a book", true,
          [](QCommandLineParser &parser) {
              parser.addPositionalArgument(QStringLiteral("PATH"),
                                           QStringLiteral("Files to import."),

@@ -1,6 +1,7 @@
 #include "importers/opml_converter.h"
 
-#include <libxml/parser.h>
+#include "importers/event_parser.h"
+
 #include <optional>
 
 namespace tl::importers {
@@ -45,8 +46,7 @@ OutlineAttributes outlineAttributes(int count, const xmlChar **attributes)
 
 TLKSOPMLConverter *converterOf(void *context)
 {
-    auto *parser = static_cast<xmlParserCtxtPtr>(context);
-    return static_cast<TLKSOPMLConverter *>(parser->_private);
+    return EventParser::ownerOf<TLKSOPMLConverter>(context);
 }
 
 void onStart(void *context, const xmlChar *localName, const xmlChar *, const xmlChar *, int,
@@ -69,10 +69,6 @@ void onCharacters(void *context, const xmlChar *text, int length)
     converterOf(context)->characters(fromXml(text, length));
 }
 
-void ignoreMessage(void *, const char *, ...)
-{
-}
-
 } // namespace
 
 TLKSOPMLConverter::TLKSOPMLConverter(const QString &opmlText) : m_opmlText(opmlText)
@@ -82,27 +78,12 @@ TLKSOPMLConverter::TLKSOPMLConverter(const QString &opmlText) : m_opmlText(opmlT
 
 void TLKSOPMLConverter::convert()
 {
-    // Only the three events are handled: no entity declarations are kept,
-    // so nothing expands, and no external subset is ever fetched.
     xmlSAXHandler handler{};
-    handler.initialized = XML_SAX2_MAGIC;
     handler.startElementNs = onStart;
     handler.endElementNs = onEnd;
     handler.characters = onCharacters;
-    handler.warning = ignoreMessage;
-    handler.error = ignoreMessage;
     const QByteArray data = m_opmlText.toUtf8();
-    xmlParserCtxtPtr parser = xmlCreatePushParserCtxt(&handler, nullptr, nullptr, 0, nullptr);
-    if (!parser)
-        return;
-    parser->_private = this;
-    xmlCtxtUseOptions(parser, XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING);
-    xmlParseChunk(parser, data.constData(), int(data.size()), 1);
-    // A document type with declarations makes the parser keep a document
-    // of its own for them, which is the caller's to free.
-    if (parser->myDoc)
-        xmlFreeDoc(parser->myDoc);
-    xmlFreeParserCtxt(parser);
+    EventParser(handler, this).feed(data.constData(), int(data.size()), true);
 }
 
 void TLKSOPMLConverter::startElement(const QString &name, const QString &text, const QString *url,

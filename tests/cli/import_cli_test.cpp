@@ -40,6 +40,16 @@ TEST_F(ImportCommand, MailAndOutlinesComeInUnderFreeNames)
     EXPECT_EQ(r.out, library + "/Book/Note 1.eml\n" + library + "/Book/Plan.opml\n");
 }
 
+TEST_F(ImportCommand, EvernoteNotesComeInAsDocuments)
+{
+    ASSERT_TRUE(tltest::writeFile(home + "/n.enex",
+                                  "<en-export><note><title>One</title><content>&lt;en-note&gt;"
+                                  "x&lt;/en-note&gt;</content></note></en-export>"));
+    const auto r = run({"import", home + "/n.enex"});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out, library + "/One.html\n");
+}
+
 TEST_F(ImportCommand, OtherKindsAreRefusedAndTheRestComesIn)
 {
     ASSERT_TRUE(tltest::writeFile(home + "/a.txt", "a"));

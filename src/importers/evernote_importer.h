@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QDateTime>
+#include <QHash>
+#include <QString>
+#include <QStringList>
+#include <atomic>
+#include <functional>
+#include <optional>
+
+// Evernote exports into a book: every note one HTML document, every
+// resource one file in the book's attachment folder. The export is read in
+// pieces by an event parser, never whole, so resources of any size pass.
+namespace tl::importers {
+
+class TLKSEvernoteImporter
+{
+public:
+    // Notes go into the folder of `book`, resources into its attachment
+    // folder; without a book, the folder that holds the export.
+    explicit TLKSEvernoteImporter(const QString &path, const QString &book = {});
+
+    // Called with each note's file name as it is written.
+    std::function<void(const QString &fileName)> progress;
+
+    // Parses the whole export; a malformed or cut file keeps the notes
+    // finished before the fault. Answers whether the end was reached.
+    bool start();
+    // Stops the parse from any thread; the notes written stay.
+    void cancel() { m_cancelled = true; }
+
+    int noteCount() const { return m_noteCount; }
+    // The documents written, in order.
+    const QStringList &notes() const { return m_notes; }
+
+    // The parser's events.
+    void startElement(const QString &name);
+    void text(const char *bytes, int length);
+    void endElement(const QString &name);
+
+private:
+    void endResource();
+    void endNoteElement(const QString &name, const QString &text);
+    void writeNote();
+
+    QString m_path;
+    QString m_folder;
+    QString m_attachmentFolder;
+    QString m_content;
+    QString m_mime;
+    QByteArray m_data;
+    QString m_fileName;
+    QString m_notePath;
+    // Tags wait for the note's file, as only an existing item takes one.
+    QStringList m_tags;
+    std::optional<QByteArray> m_currentElement;
+    bool m_processingResources = false;
+    QHash<QString, QString> m_hashFilenameDictionary;
+    std::optional<QDateTime> m_modifiedDate;
+    int m_noteCount = 0;
+    QStringList m_notes;
+    std::atomic<bool> m_cancelled = false;
+};
+
+// The note's content as the document's HTML, its media as images, audio or
+// video of the resources by their hash.
+QString evernoteNoteHTML(const QString &content, const QHash<QString, QString> &hashFilenames);
+
+// The three date forms of exports; the current date when none fits.
+QDateTime dateFromEvernoteDate(const QString &text);
+
+} // namespace tl::importers
