@@ -136,11 +136,6 @@ private:
     bool owns_ = false;
 };
 
-bool isICloudStub(const QString &name)
-{
-    return name.endsWith(QStringLiteral(".icloud"));
-}
-
 bool inUseElsewhere(const QString &attachment)
 {
     const QString root = store::libraryRoot();
@@ -277,7 +272,7 @@ QStringList tl_cleanupImagesFolder(const QString &book, bool dryRun)
 
     QStringList candidates;
     for (const QString &name : entriesOf(images)) {
-        if (isICloudStub(name)) {
+        if (store::tl_pathIsPlaceholderStub(name)) {
             logLine(QStringLiteral("not deleting any images, iCloud still downloading"));
             return {};
         }
@@ -293,7 +288,7 @@ QStringList tl_cleanupImagesFolder(const QString &book, bool dryRun)
 
     QStringList editable;
     for (const QString &name : entriesOf(book)) {
-        if (isICloudStub(name))
+        if (store::tl_pathIsPlaceholderStub(name))
             return {};
         if (hasTextExtension(name) && store::lowerCasedExtension(name) != u"plist")
             editable.append(path::appendingComponent(book, name));

@@ -199,7 +199,7 @@ bool tl_pathIsExcludedFromDisplay(const QString &path)
 {
     const QString name = path::lastComponent(path);
     return path.endsWith(u".plist") || path.endsWith(QLatin1String(names::Sidecar)) ||
-           tl_pathIsDotFile(path) || tl_pathIsFinderIcon(path) ||
+           tl_pathIsDotFile(path) || tl_pathIsFinderIcon(path) || tl_pathIsPlaceholderStub(path) ||
            name.contains(QLatin1String(names::NewNoteTmp)) ||
            // Never fires (a component holds no slash); .git is caught as a dot file.
            name.contains(u"/.git") ||
@@ -217,10 +217,10 @@ bool tl_pathIsExcludedFromRecentlyModified(const QString &path)
         !path.startsWith(resources + QStringLiteral("/CSS")))
         return true;
     static const QStringList suffixes{QLatin1String(names::RecentItemsFile), "autosave",
-                                      QLatin1String(names::DropboxLog), ".icloud", ".DS_Store"};
+                                      QLatin1String(names::DropboxLog), ".DS_Store"};
     return std::any_of(suffixes.begin(), suffixes.end(),
                        [&](const QString &s) { return path.endsWith(s); }) ||
-           path.contains(u"/.git");
+           tl_pathIsPlaceholderStub(path) || path.contains(u"/.git");
 }
 
 bool tl_pathIsRecentlyModified(const QString &path)
@@ -291,6 +291,11 @@ QString tl_iCloudStub(const QString &path)
 {
     return path::deletingLastComponent(path) +
            QStringLiteral("/.%1.%2").arg(path::lastComponent(path), QStringLiteral("icloud"));
+}
+
+bool tl_pathIsPlaceholderStub(const QString &path)
+{
+    return path.endsWith(u".icloud") || path.endsWith(u".nextcloud") || path.endsWith(u".owncloud");
 }
 
 QString tl_pathAnchor(const QString &path)

@@ -42,6 +42,10 @@ bool tl_bookIsTasklist(const QString &path);
 // Properties file beside a document: Doc.md -> Doc.md.plist.
 QString tl_plistPath(const QString &path);
 QString tl_iCloudStub(const QString &path);
+// Whether the file is the placeholder of one not yet downloaded: the
+// hidden ".NAME.icloud" stub, or the "NAME.nextcloud" and "NAME.owncloud"
+// virtual files of Nextcloud and ownCloud.
+bool tl_pathIsPlaceholderStub(const QString &path);
 
 QString tl_pathAnchor(const QString &path);
 QString tl_pathWithoutAnchor(const QString &path);

@@ -107,7 +107,7 @@ qint64 documentCount(const QString &book)
 {
     qint64 total = 0;
     forEachEntry(book, [&](const QString &name, bool directory) {
-        if (directory || name.endsWith(u".plist") || name.endsWith(u".icloud") ||
+        if (directory || name.endsWith(u".plist") || store::tl_pathIsPlaceholderStub(name) ||
             name.endsWith(u".__sidecar") || path::extension(name) == u"autosave" ||
             name.startsWith(u".DS_Store"))
             return;

@@ -111,6 +111,8 @@ TEST_F(Attachments, EachSafetyConditionStopsAllDeletion)
          [&] { QFile::remove(inRoot("A/TLImages/.x.png.icloud")); }},
         {"document not downloaded", [&] { makeFile(inRoot("A/.e.md.icloud")); },
          [&] { QFile::remove(inRoot("A/.e.md.icloud")); }},
+        {"virtual file of a sync client", [&] { makeFile(inRoot("A/e.md.nextcloud")); },
+         [&] { QFile::remove(inRoot("A/e.md.nextcloud")); }},
         {"unreadable document", [&] { QFile::link(inRoot("A/nowhere"), inRoot("A/e.md")); },
          [&] { QFile::remove(inRoot("A/e.md")); }},
     };

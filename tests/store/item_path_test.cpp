@@ -171,6 +171,8 @@ TEST(ItemPathKinds, DisplayFilterRules)
         {"/L/Book/TLImages/pic.png", false},
         {"/L/Book/tlimages", false},
         {"/L/Book/Doc.md", false},
+        {"/L/Book/Doc.md.owncloud", true},
+        {"/L/Book/Doc.nextcloud.md", false},
         {"/L/TLMacLog.txt", false},
     };
     for (const auto &c : cases)
@@ -188,6 +190,7 @@ TEST_F(ItemPathText, RecentlyModifiedFilter)
         {"/A/Lib/Book/Doc.autosave", true},
         {"/A/Lib/Dropbox Log.txt", true},
         {"/A/Lib/Book/.Doc.md.icloud", true},
+        {"/A/Lib/Book/Doc.md.nextcloud", true},
         {"/A/Lib/Book/.DS_Store", true},
         {"/A/Lib/.git/HEAD", true},
         {"/A/Lib/Book/Doc.md", false},
