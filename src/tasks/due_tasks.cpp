@@ -39,12 +39,15 @@ DueTasks tl_arrayOfDueTasks(std::optional<qint64> lookAhead)
     for (const QString &book : books) {
         TaskDetails details = TaskDetails::ofBook(book);
         qint64 overdue = 0;
-        for (const QString &key : details.recordKeys()) {
-            const QString item = path::appendingComponent(book, key);
-            const QVariantMap record = details.record(key);
+        for (auto it = details.map.cbegin(); it != details.map.cend(); ++it) {
+            if (isCounterKey(it.key()))
+                continue;
+            const QVariantMap record = it.value().toMap();
             const auto date = dueDateOf(record);
-            if (!date || isFinishedState(record.value(QLatin1String(keys::State)).toString()) ||
-                !QFileInfo::exists(item))
+            if (!date || isFinishedState(record.value(QLatin1String(keys::State)).toString()))
+                continue;
+            const QString item = path::appendingComponent(book, it.key());
+            if (!QFileInfo::exists(item))
                 continue;
             if (*date < now)
                 ++overdue;
