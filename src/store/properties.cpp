@@ -246,36 +246,6 @@ bool tl_isProtected(const QString &path)
            platform::boolFromValue(tl_inheritedPropertyForKey(path, P::IsProtected));
 }
 
-bool tl_isFavorite(const QString &path)
-{
-    return tl_propertyForKey(path, P::Tags).toStringList().contains(QLatin1String(P::FavoriteTag));
-}
-
-void tl_setFavorite(const QString &path)
-{
-    QStringList tags = tl_propertyForKey(path, P::Tags).toStringList();
-    if (tags.contains(QLatin1String(P::FavoriteTag)))
-        return;
-    tags << QLatin1String(P::FavoriteTag);
-    tl_setProperty(path, tags, P::Tags);
-}
-
-void tl_clearFavorite(const QString &path)
-{
-    QStringList tags = tl_propertyForKey(path, P::Tags).toStringList();
-    if (tags.removeAll(QLatin1String(P::FavoriteTag)) == 0)
-        return;
-    tl_setProperty(path, tags, P::Tags);
-}
-
-void tl_toggleFavorite(const QString &path)
-{
-    if (tl_isFavorite(path))
-        tl_clearFavorite(path);
-    else
-        tl_setFavorite(path);
-}
-
 bool tl_isPinned(const QString &path)
 {
     const QString book = path::deletingLastComponent(path);

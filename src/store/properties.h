@@ -26,10 +26,6 @@ bool rootIsInCloudContainer();
 bool isViewStateKey(const QString &key);
 
 bool tl_isProtected(const QString &path);
-bool tl_isFavorite(const QString &path);
-void tl_setFavorite(const QString &path);
-void tl_clearFavorite(const QString &path);
-void tl_toggleFavorite(const QString &path);
 bool tl_isPinned(const QString &path);
 
 QDateTime tl_creationDate(const QString &path);

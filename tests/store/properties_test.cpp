@@ -417,23 +417,6 @@ TEST_F(Properties, Pins)
         EXPECT_EQ(tl_isPinned(c.path), c.pinned) << c.path;
 }
 
-TEST_F(Properties, Favorites)
-{
-    tl_setProperty(doc_, QStringList{"work"}, P::Tags);
-    EXPECT_FALSE(tl_isFavorite(doc_));
-    tl_setFavorite(doc_);
-    EXPECT_TRUE(tl_isFavorite(doc_));
-    tl_setFavorite(doc_);
-    EXPECT_EQ(tl_propertyForKey(doc_, P::Tags).toStringList(), (QStringList{"work", "_TLFAV"}));
-    tl_toggleFavorite(doc_);
-    EXPECT_FALSE(tl_isFavorite(doc_));
-    EXPECT_EQ(tl_propertyForKey(doc_, P::Tags).toStringList(), QStringList{"work"});
-    tl_toggleFavorite(doc_);
-    EXPECT_TRUE(tl_isFavorite(doc_));
-    tl_clearFavorite(doc_);
-    EXPECT_FALSE(tl_isFavorite(doc_));
-}
-
 TEST_F(Properties, ColorLabel)
 {
     tl_setColorLabel(doc_, "green");
