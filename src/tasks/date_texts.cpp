@@ -76,6 +76,11 @@ QString plural(const QString &unit)
 
 } // namespace
 
+QString repeatUnitWord(const QString &unit, qint64 factor)
+{
+    return factor > 1 ? plural(unit) : singular(unit);
+}
+
 QString tl_shortDateTimeString(const QDateTime &date)
 {
     return format(date, icu::DateFormat::kMedium, icu::DateFormat::kShort);

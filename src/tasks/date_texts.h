@@ -18,5 +18,8 @@ QString tl_fancyWeekdayString(const QDateTime &date);
 // "Every Week ", "Every 2 weeks", "1 day after completion"; "---" for none.
 QString tl_readableRepeatDetailsForDetails(const std::optional<QStringList> &details);
 QString tl_readableRepeatDetails(const QString &itemPath);
+// The word of a repeat unit for a factor: "week" up to 1, "weeks" above;
+// empty for an unknown unit.
+QString repeatUnitWord(const QString &unit, qint64 factor);
 
 } // namespace tl::tasks
