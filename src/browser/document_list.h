@@ -72,6 +72,9 @@ public:
     void documentMoved(const QString &originalPath, const QString &newPath);
     void documentDeletedFromDisk(const QString &path);
     void newFileCreated(const QString &path);
+    // A task's state or date changed: its row anew; a book (after a reset)
+    // shown here is listed anew.
+    void taskIconChanged(const QString &path);
     // The outline's selection: a book, a smart book or a context.
     void handleOpenBookNotification(const QString &path, int smartType);
     // Takes the selection's book and type; answers whether the rows must be

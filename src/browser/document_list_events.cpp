@@ -236,6 +236,17 @@ void TLKSDocumentListViewController::newFileCreated(const QString &createdPath)
         insertRow(*row);
 }
 
+void TLKSDocumentListViewController::taskIconChanged(const QString &changedPath)
+{
+    if (isPlainBook() && changedPath == path) {
+        getDocumentsInFolder();
+        return;
+    }
+    qsizetype index = 0;
+    if (listHoldingPath(changedPath, &index))
+        documentModifiedOnDisk(changedPath);
+}
+
 void TLKSDocumentListViewController::startObserving()
 {
     m_observers = std::make_unique<Observers>();
@@ -249,6 +260,9 @@ void TLKSDocumentListViewController::startObserving()
     };
     observe(events::FileModifiedOnDisk,
             [this, pathOf](const QVariantMap &p) { documentModifiedOnDisk(pathOf(p)); });
+    observe(events::UpdateTaskIcon, [this](const QVariantMap &p) {
+        taskIconChanged(p.value(QStringLiteral("object")).toString());
+    });
     observe(events::FileDeletedFromDisk,
             [this, pathOf](const QVariantMap &p) { documentDeletedFromDisk(pathOf(p)); });
     observe(events::NewFileCreated,

@@ -155,6 +155,8 @@ void DocumentListModel::connectToBridge(EventBridge &bridge)
             [this](const QString &p) { m_list.documentModifiedOnDisk(p); });
     connect(&bridge, &EventBridge::fileDeletedFromDisk, this,
             [this](const QString &p) { m_list.documentDeletedFromDisk(p); });
+    connect(&bridge, &EventBridge::updateTaskIcon, this,
+            [this](const QString &p) { m_list.taskIconChanged(p); });
     connect(&bridge, &EventBridge::newFileCreated, this,
             [this](const QString &p) { m_list.newFileCreated(p); });
     connect(

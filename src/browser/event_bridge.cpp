@@ -66,6 +66,8 @@ const QHash<QString, Emitter> &emitters()
          [](EventBridge &b, const QVariantMap &) { Q_EMIT b.updateDefaultInbox(); }},
         {events::UpdateAllTaskLists,
          [](EventBridge &b, const QVariantMap &) { Q_EMIT b.updateAllTaskLists(); }},
+        {events::UpdateTaskIcon,
+         [](EventBridge &b, const QVariantMap &p) { Q_EMIT b.updateTaskIcon(text(p, "object")); }},
         {events::ReloadContextSmartBook,
          [](EventBridge &b, const QVariantMap &) { Q_EMIT b.reloadContextSmartBook(); }},
         {events::ReorderContextSmartBook,

@@ -43,6 +43,7 @@ Q_SIGNALS:
     void saveCurrentDocument();
     void updateDefaultInbox();
     void updateAllTaskLists();
+    void updateTaskIcon(const QString &path);
     void reloadContextSmartBook();
     void reorderContextSmartBook();
     void updateFavorites();

@@ -306,6 +306,11 @@ void TLKSOutlineViewController::presentedSubitemDidChangeAtURL(const QString &pa
 {
     const QString root = store::libraryRoot();
     const QString name = path::lastComponent(path);
+    // A task list's row counts its tasks: any change in it may change them.
+    if (name == QLatin1String(names::TasklistDetails) ||
+        name == QLatin1String(names::TasklistDetailsInactive) ||
+        store::tl_bookIsTasklist(bookOf(path)))
+        reloadBadgeOf(bookOf(path));
     bool isDirectory = false;
     if (store::tl_fileExistsAtPathIsDirectory(path, &isDirectory)) {
         const QString resources = path::appendingComponent(root, QLatin1String(names::TLResources));
@@ -389,6 +394,12 @@ void TLKSOutlineViewController::presentedSubitemDidChangeAtURL(const QString &pa
         center().post(events::FileDeletedFromDisk, {{"path", path}});
     }
     scheduleSmartBookUpdate(path);
+}
+
+void TLKSOutlineViewController::reloadBadgeOf(const QString &book)
+{
+    m_model.reloadItem(book == store::libraryRoot() ? TLKSOutlineItem::booksItem()
+                                                    : TLKSOutlineItem::childAtPath(book));
 }
 
 void TLKSOutlineViewController::removeFolderWithPath(const QString &path)

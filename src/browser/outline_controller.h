@@ -58,6 +58,7 @@ public:
 
 private:
     void removeFolderWithPath(const QString &path);
+    void reloadBadgeOf(const QString &book);
     void followInbox(const QString &source, const QString &target);
     void moveInTree(const QString &source, const QString &target);
     void scheduleSmartBookUpdate(const QString &path);

@@ -1,6 +1,7 @@
 #include "browser/outline_model.h"
 
 #include "browser/item_drops.h"
+#include "browser/outline_badges.h"
 #include "browser/smart_books.h"
 #include "contexts/context_keys.h"
 #include "contexts/tag_database.h"
@@ -121,6 +122,8 @@ QVariant OutlineModel::data(const QModelIndex &index, int role) const
         return item->isDocument;
     case CountRole:
         return countForBadge(*item);
+    case BadgeRole:
+        return badgeFor(item);
     default:
         return {};
     }
@@ -149,6 +152,7 @@ QHash<int, QByteArray> OutlineModel::roleNames() const
     names.insert(IconRole, "icon");
     names.insert(IsDocumentRole, "isDocument");
     names.insert(CountRole, "count");
+    names.insert(BadgeRole, "badge");
     return names;
 }
 
@@ -177,8 +181,26 @@ bool OutlineModel::dropMimeData(const QMimeData *data, Qt::DropAction action, in
     return bringItemsIntoBook(droppedPaths(data), itemForIndex(parent)->fullPath()) > 0;
 }
 
+QVariant OutlineModel::badgeFor(TLKSOutlineItem *item) const
+{
+    const bool dueTasks = item->smartBookType == DueTasks;
+    if (item->isDocument || item->groupItemType == SmartBooksGroup ||
+        (item->smartBookType != 0 && !dueTasks))
+        return {};
+    const QString key = dueTasks ? QStringLiteral("#due") : item->fullPath();
+    if (const auto cached = m_badges.constFind(key); cached != m_badges.cend())
+        return *cached;
+    const std::optional<TaskBadge> badge =
+        dueTasks ? dueTasksBadge() : taskBadgeForBook(item->fullPath());
+    const QVariant value =
+        badge ? QVariant(QVariantList{badge->count, badge->overdue}) : QVariant();
+    m_badges.insert(key, value);
+    return value;
+}
+
 void OutlineModel::resetTree()
 {
+    m_badges.clear();
     beginResetModel();
     TLKSOutlineItem::rootItem().resetAllChildren();
     endResetModel();
@@ -308,6 +330,9 @@ void OutlineModel::refreshChildren(TLKSOutlineItem *item)
 
 void OutlineModel::reloadItem(TLKSOutlineItem *item)
 {
+    if (!item)
+        return;
+    m_badges.remove(item->smartBookType == DueTasks ? QStringLiteral("#due") : item->fullPath());
     const QModelIndex index = indexForItem(item);
     if (index.isValid())
         Q_EMIT dataChanged(index, index);

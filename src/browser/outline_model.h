@@ -3,6 +3,7 @@
 #include "browser/outline_item.h"
 
 #include <QAbstractItemModel>
+#include <QHash>
 
 // The outline tree as an item model for the desktop's tree view. Children
 // are read from disk when the view first asks for their rows. Every change
@@ -25,6 +26,9 @@ public:
         // The number of items a context or the favourites hold, for the
         // row's badge; nothing for other rows.
         CountRole,
+        // The task badge as a list of two numbers (open or due, and
+        // overdue); nothing when the row shows none.
+        BadgeRole,
     };
 
     explicit OutlineModel(QObject *parent = nullptr);
@@ -74,7 +78,11 @@ public:
     void reloadItem(TLKSOutlineItem *item);
 
 private:
+    QVariant badgeFor(TLKSOutlineItem *item) const;
     void applyOrder(TLKSOutlineItem *item, const std::vector<TLKSOutlineItem *> &order);
+    // Badges count files on disk: each row's is worked out once, and again
+    // after the row is reloaded.
+    mutable QHash<QString, QVariant> m_badges;
 };
 
 } // namespace tl::browser

@@ -9,6 +9,7 @@
 #include "shell/shell_keys.h"
 #include "store/keys.h"
 #include "store/properties.h"
+#include "tasks/task_list.h"
 
 #include <gtest/gtest.h>
 
@@ -321,6 +322,17 @@ TEST_F(DocumentList, TaskDetailsChangeReloadsOnceAfterABurst)
     tl::Scheduler::main().runDue();
     EXPECT_EQ(reloads, 1);
     EXPECT_EQ(list.documentsList.value(0).taskIcon, "task-done");
+}
+
+TEST_F(DocumentList, AToggledTaskShowsItsNewStateAtOnce)
+{
+    useManualClock(at(10));
+    const QString task = doc("a.md", 1);
+    writePlist(book + "/TLTasklistDetails.plist", QVariantMap{});
+    load();
+    list.startObserving();
+    tl::tasks::tl_toggleTask(task);
+    EXPECT_EQ(list.documentsList.value(0).taskIcon, "task-started");
 }
 
 } // namespace

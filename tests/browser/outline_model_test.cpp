@@ -179,4 +179,26 @@ TEST_F(OutlineModelTest, ANewLibraryResetsTheTree)
     tl::Scheduler::main().cancel("showAllPanes");
 }
 
+TEST_F(OutlineModelTest, TaskListsCarryTheirOpenAndOverdueCounts)
+{
+    const QString beta = inRoot("Beta");
+    for (const char *name : {"Open.md", "Late.md", "Done.md"})
+        makeFile(beta + "/" + name);
+    const QDateTime past = QDateTime::currentDateTimeUtc().addDays(-2);
+    writePlist(beta + "/TLTasklistDetails.plist",
+               QVariantMap{{"__DueItemCount__", "1"},
+                           {"__DoneItemCount__", "1"},
+                           {"Late.md", QVariantMap{{"DueDate", past}}},
+                           {"Done.md", QVariantMap{{"State", "done"}}}});
+    EXPECT_EQ(model->indexForPath(beta).data(OutlineModel::BadgeRole),
+              QVariant(QVariantList{2, 1}));
+    EXPECT_FALSE(model->indexForPath(inRoot("Alpha")).data(OutlineModel::BadgeRole).isValid());
+
+    // The row is counted anew when its task list changes.
+    makeFile(beta + "/New.md");
+    controller->presentedSubitemDidChangeAtURL(beta + "/New.md");
+    EXPECT_EQ(model->indexForPath(beta).data(OutlineModel::BadgeRole),
+              QVariant(QVariantList{3, 1}));
+}
+
 } // namespace
