@@ -14,6 +14,7 @@
 #include "shell/preferences.h"
 #include "shell/shell_hooks.h"
 #include "shell/shell_keys.h"
+#include "shell/start_item.h"
 #include "shell/url_actions.h"
 #include "store/item_path.h"
 #include "store/keys.h"
@@ -238,8 +239,10 @@ void AppDelegate::applicationDidFinishLaunching()
                 center().post(events::ShowItemAtPath, {{"path", last}});
             else
                 store::TLStaticFunctions::showMostRecentDocument();
-        } else {
+        } else if (m_options.noRestore) {
             center().post(events::NewBookSelected, {{"path", root}});
+        } else {
+            showStartItem();
         }
     }
     Scheduler::main().schedule(QStringLiteral("reopenDocumentsOnLaunch"), 0.3,

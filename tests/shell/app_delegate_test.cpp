@@ -9,6 +9,7 @@
 #include "shell/app_state.h"
 #include "shell/preferences.h"
 #include "shell/shell_hooks.h"
+#include "shell/start_item.h"
 #include "store/library_folders.h"
 #include "store/library_root.h"
 #include "store/log.h"
@@ -267,6 +268,27 @@ TEST_F(ShellTest, CacheCleanUpDeletesThumbnailsOfDocumentsThatAreGone)
     shell::clearThumbnailCache();
     EXPECT_TRUE(QFileInfo::exists(cache + "/Book/Kept.pdf.png"));
     EXPECT_FALSE(QFileInfo::exists(cache + "/Book/Gone.jpg@2x.png"));
+}
+
+TEST_F(ShellTest, AStartWithNothingToRestoreNeverShowsAnEmptyRoot)
+{
+    settings().set("TavelleFolder", library);
+    ASSERT_TRUE(QDir().mkpath(library + "/Zebra"));
+    ASSERT_TRUE(QDir().mkpath(library + "/apples"));
+    ASSERT_TRUE(QDir().mkpath(library + "/TLResources/Misc"));
+    const QString root = store::libraryRoot();
+    EXPECT_EQ(shell::startItemPath(), root + "/apples");
+
+    ASSERT_TRUE(tltest::writeFile(library + "/Zebra/Welcome.html", "<p>Hi</p>"));
+    store::tl_addToRecentItems(root + "/Zebra/Welcome.html");
+    EXPECT_EQ(shell::startItemPath(), root + "/Zebra/Welcome.html");
+    shell::AppDelegate().applicationDidFinishLaunching();
+    const qsizetype shown = posted.indexOf("TLKSShowItemAtPathNotification");
+    ASSERT_GE(shown, 0);
+    EXPECT_EQ(payloads[shown].value("path").toString(), root + "/Zebra/Welcome.html");
+
+    ASSERT_TRUE(tltest::writeFile(library + "/Loose.txt", "Loose"));
+    EXPECT_EQ(shell::startItemPath(), root);
 }
 
 } // namespace
