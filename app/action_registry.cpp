@@ -89,6 +89,10 @@ const std::vector<ActionSpec> &specs()
         {ActionId::Server, "&Server...", K(), "network-server", always},
         {ActionId::Quit, "&Quit", K(K::Quit), "application-exit", always},
         {ActionId::About, "&About Tavelle", K(), "help-about", always},
+        {ActionId::ToggleTaskList, "Make Task List", K(), nullptr,
+         [](const ActionState &s) { return s.booksSelected; }},
+        {ActionId::SetDueDate, "Set Due &Date...", K(QStringLiteral("Ctrl+Shift+D")), nullptr,
+         [](const ActionState &s) { return s.tasksSelected; }},
     };
     return table;
 }
@@ -165,6 +169,9 @@ void ActionRegistry::update(const ActionState &state)
         m_actions.value(it.key())->setEnabled(it.value()(state));
     for (QAction *label : m_colorLabels)
         label->setEnabled(state.itemsSelected);
+    action(ActionId::ToggleTaskList)
+        ->setText(state.taskListSelected ? QStringLiteral("Stop Being a Task List")
+                                         : QStringLiteral("Make Task List"));
 }
 
 QMenu *ActionRegistry::colorLabelMenu(QWidget *parent) const
@@ -221,6 +228,9 @@ void ActionRegistry::fillMenuBar(QMenuBar *bar) const
     item->addAction(action(ActionId::CopyLink));
     item->addAction(action(ActionId::CopyMarkdownLink));
     item->addAction(action(ActionId::CheckLinks));
+    item->addSeparator();
+    item->addAction(action(ActionId::ToggleTaskList));
+    item->addAction(action(ActionId::SetDueDate));
 
     QMenu *view = bar->addMenu(QStringLiteral("&View"));
     view->addAction(action(ActionId::TogglePlainAndFormatted));
@@ -257,6 +267,9 @@ void ActionRegistry::fillItemMenu(QMenu *menu) const
     menu->addAction(action(ActionId::Pin));
     menu->addAction(action(ActionId::ToggleFavorite));
     menu->addMenu(colorLabelMenu(menu));
+    menu->addSeparator();
+    menu->addAction(action(ActionId::ToggleTaskList));
+    menu->addAction(action(ActionId::SetDueDate));
     menu->addSeparator();
     menu->addAction(action(ActionId::ShowInFileManager));
     menu->addAction(action(ActionId::OpenWithDefaultApplication));

@@ -27,6 +27,9 @@ struct ActionState
     bool documentSelected = false; // one selected item that is a document
     bool documentShown = false;    // the document view shows a file
     bool canToggleView = false;    // plain text and formatted can swap
+    bool booksSelected = false;    // every selected item is a book
+    bool taskListSelected = false; // the first selected book is a task list
+    bool tasksSelected = false;    // every selected item is a task
 };
 
 enum class ActionId {
@@ -59,6 +62,8 @@ enum class ActionId {
     Server,
     Quit,
     About,
+    ToggleTaskList,
+    SetDueDate,
 };
 
 class ActionRegistry : public QObject

@@ -10,6 +10,7 @@
 #include "foundation/notification_center.h"
 #include "list_delegate.h"
 #include "store/library_root.h"
+#include "tasks/task_list.h"
 
 #include <QDropEvent>
 #include <QHBoxLayout>
@@ -45,6 +46,23 @@ constexpr SortEntry kSortEntries[] = {{0, "Title"},  {1, "Created"},   {2, "Modi
 DocumentListView::DocumentListView(browser::OutlineModel &outline, QWidget *parent)
     : QListView(parent), m_outline(outline)
 {
+}
+
+void DocumentListView::mousePressEvent(QMouseEvent *event)
+{
+    const QModelIndex index = indexAt(event->position().toPoint());
+    const bool onMark = event->button() == Qt::LeftButton && index.isValid() &&
+                        !index.data(DocumentListModel::TaskIconRole).toString().isEmpty() &&
+                        ListDelegate::iconRect(visualRect(index))
+                            .adjusted(-4, -4, 4, 4)
+                            .contains(event->position().toPoint());
+    if (!onMark) {
+        QListView::mousePressEvent(event);
+        return;
+    }
+    // The mark is a control of its own: the selection stays as it was.
+    event->accept();
+    Q_EMIT taskMarkClicked(index.data(DocumentListModel::PathRole).toString());
 }
 
 bool DocumentListView::goesIntoBook(const QDropEvent *event) const
@@ -142,6 +160,8 @@ DocumentListPane::DocumentListPane(browser::DocumentListModel &model,
     layout->addWidget(m_view, 1);
     layout->addWidget(m_empty, 1);
 
+    connect(m_view, &DocumentListView::taskMarkClicked, this,
+            [](const QString &path) { tasks::tl_toggleTask(path); });
     connect(m_filter, &QLineEdit::textChanged, m_search,
             &browser::SearchFieldController::searchFieldDidChange);
     connect(m_filter, &QLineEdit::returnPressed, m_search,

@@ -31,7 +31,12 @@ public:
     // The book drops go into.
     QString shownBook;
 
+Q_SIGNALS:
+    // A click on the task mark of a row: the task takes its next state.
+    void taskMarkClicked(const QString &path);
+
 protected:
+    void mousePressEvent(QMouseEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragMoveEvent(QDragMoveEvent *event) override;
     void dropEvent(QDropEvent *event) override;

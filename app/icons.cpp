@@ -132,12 +132,36 @@ QIcon tinted(const QIcon &symbolic)
     return icon;
 }
 
+// Disabled actions fade to a third of their picture. The style's own
+// disabled form keeps a light picture light, so on a dark window a
+// disabled button looked like an enabled one.
+QIcon withFadedDisabledForm(const QIcon &source)
+{
+    if (source.isNull())
+        return source;
+    QIcon icon;
+    for (int size : {16, 20, 24, 32}) {
+        const QPixmap normal = source.pixmap(size, size);
+        QPixmap faded(normal.size());
+        faded.setDevicePixelRatio(normal.devicePixelRatio());
+        faded.fill(Qt::transparent);
+        QPainter p(&faded);
+        p.setOpacity(0.35);
+        p.drawPixmap(0, 0, normal);
+        p.end();
+        icon.addPixmap(normal, QIcon::Normal);
+        icon.addPixmap(faded, QIcon::Disabled);
+    }
+    return icon;
+}
+
 QIcon themeIcon(const QString &name)
 {
     if (QIcon::hasThemeIcon(name))
-        return QIcon::fromTheme(name);
+        return withFadedDisabledForm(QIcon::fromTheme(name));
     const QString symbolic = name + QStringLiteral("-symbolic");
-    return QIcon::hasThemeIcon(symbolic) ? tinted(QIcon::fromTheme(symbolic)) : QIcon();
+    return QIcon::hasThemeIcon(symbolic) ? withFadedDisabledForm(tinted(QIcon::fromTheme(symbolic)))
+                                         : QIcon();
 }
 
 QIcon iconForItem(const QString &path)

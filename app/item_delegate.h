@@ -3,7 +3,7 @@
 #include <QStyledItemDelegate>
 
 // Rows of the outline: the core's icon names drawn as pictures, group rows
-// in small capitals.
+// in small capitals, task counts as badges.
 namespace tl::app {
 
 class OutlineDelegate : public QStyledItemDelegate
@@ -13,7 +13,8 @@ public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
-    // The row, and at its right end the count of a context or the favourites.
+    // The row, and at its right end the count of a context or the
+    // favourites, or a task list's open and (in red) overdue tasks.
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
 

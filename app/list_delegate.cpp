@@ -55,6 +55,11 @@ QColor labelColor(const QModelIndex &index)
 
 } // namespace
 
+QRect ListDelegate::iconRect(const QRect &row)
+{
+    return {row.left() + kPadding, row.top() + kPadding, kIconSize, kIconSize};
+}
+
 QSize ListDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     const QFontMetrics title(titleFont(option.font));
@@ -110,7 +115,7 @@ void ListDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     const QString taskIcon = index.data(DocumentListModel::TaskIconRole).toString();
     const QString path = index.data(DocumentListModel::PathRole).toString();
     const QIcon icon = taskIcon.isEmpty() ? iconForItem(path) : iconNamed(taskIcon);
-    icon.paint(painter, QRect(area.left(), area.top(), kIconSize, kIconSize));
+    icon.paint(painter, iconRect(option.rect));
     area.setLeft(area.left() + kIconSize + kPadding);
 
     const QFont title = titleFont(option.font);

@@ -16,6 +16,8 @@ public:
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    // Where a row draws its icon or task mark.
+    static QRect iconRect(const QRect &row);
 
 private:
     void paintHeader(QPainter *painter, const QStyleOptionViewItem &option,

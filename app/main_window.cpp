@@ -9,6 +9,7 @@
 #include "document/document_pane.h"
 #include "document/plain_text_view.h"
 #include "document_list_pane.h"
+#include "due_date_dialog.h"
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
 #include "foundation/path_string.h"
@@ -22,6 +23,8 @@
 #include "shell/app_state.h"
 #include "store/item_path.h"
 #include "store/library_root.h"
+#include "store/task_records.h"
+#include "tasks/task_list.h"
 #include "theme.h"
 #include "window_layout.h"
 
@@ -72,6 +75,9 @@ MainWindow::MainWindow(EventBridge &bridge, QWidget *parent)
     m_panes->setStretchFactor(2, 1);
     m_panes->setChildrenCollapsible(false);
     m_panes->setHandleWidth(1);
+    // A hairline between the panes: the list and an empty document view
+    // share the window's colour.
+    m_panes->setStyleSheet(QStringLiteral("QSplitter::handle { background: palette(mid); }"));
     setCentralWidget(m_panes);
 
     m_listRenamer =
@@ -181,6 +187,13 @@ void MainWindow::buildActions()
         post(events::ReloadCurrentBook, {{"path", m_list->shownBook()}});
     });
     a.onTriggered(ActionId::Server, [this] { ServerPane(this).exec(); });
+    a.onTriggered(ActionId::ToggleTaskList, [this] {
+        for (const QString &book : selectedItems())
+            tasks::tl_toggleTasklistKeepingDetails(book, true);
+        updateActions();
+    });
+    a.onTriggered(ActionId::SetDueDate,
+                  [this] { DueDateDialog::editItems(selectedItems(), this); });
     a.onTriggered(ActionId::Quit, [this] { close(); });
     a.onTriggered(ActionId::About, [this] {
         QMessageBox::about(this, QStringLiteral("About Tavelle"),
@@ -275,6 +288,12 @@ void MainWindow::updateActions()
     state.documentSelected = !focusInOutline() && m_list->selectedIsDocument();
     state.documentShown = !m_document->shownPath().isEmpty();
     state.canToggleView = m_document->canToggleView();
+    state.booksSelected = state.itemsSelected &&
+                          std::all_of(items.cbegin(), items.cend(),
+                                      [](const QString &p) { return store::tl_pathIsBook(p); });
+    state.taskListSelected = state.booksSelected && store::tl_bookIsTasklist(items.first());
+    state.tasksSelected =
+        state.itemsSelected && std::all_of(items.cbegin(), items.cend(), store::tl_itemIsTask);
     m_actions->update(state);
     m_actions->action(ActionId::ShowOutline)->setChecked(!m_outline->isHidden());
     m_actions->action(ActionId::ShowDocumentList)->setChecked(!m_list->isHidden());

@@ -6,9 +6,9 @@ namespace apptest {
 
 QList<QObject *> allTests()
 {
-    return {makeNavigationRulesTest(),  makeWelcomeWindowTest(), makeMainWindowTest(),
-            makeScriptPagesLabelTest(), makePlainTextViewTest(), makePublishingTest(),
-            makeLinkActionsTest(),      makeContextsWindowTest()};
+    return {makeNavigationRulesTest(),  makeWelcomeWindowTest(),  makeMainWindowTest(),
+            makeScriptPagesLabelTest(), makePlainTextViewTest(),  makePublishingTest(),
+            makeLinkActionsTest(),      makeContextsWindowTest(), makeTasksWindowTest()};
 }
 
 tl::platform::HeadlessAlertPresenter &alerts()

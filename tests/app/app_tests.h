@@ -24,5 +24,6 @@ QObject *makePlainTextViewTest();
 QObject *makePublishingTest();
 QObject *makeLinkActionsTest();
 QObject *makeContextsWindowTest();
+QObject *makeTasksWindowTest();
 
 } // namespace apptest
