@@ -68,7 +68,7 @@ QIcon taskIcon(const QString &name)
     picture.fill(Qt::transparent);
     QPainter p(&picture);
     p.setRenderHint(QPainter::Antialiasing);
-    const QColor ink = name.endsWith(u"-due") ? QColor(0xd0, 0x3b, 0x2f) : QColor(0x6b, 0x7a, 0x88);
+    const QColor ink = name.endsWith(u"-due") ? overdueColor() : QColor(0x6b, 0x7a, 0x88);
     p.setPen(QPen(ink, 3));
     const QRectF ring(5, 5, 22, 22);
     if (name.startsWith(u"task-done")) {
@@ -183,6 +183,11 @@ QColor colorForLabel(const QString &name)
         {"red", QColor(0xe0, 0x45, 0x3c)},    {"yellow", QColor(0xe6, 0xc2, 0x29)},
     };
     return colors.value(name);
+}
+
+QColor overdueColor()
+{
+    return {0xd0, 0x3b, 0x2f};
 }
 
 const QStringList &colorLabelNames()

@@ -18,6 +18,8 @@ QIcon iconForItem(const QString &path);
 // The colour of a colour label ("red", "blue", ...); invalid for "default"
 // and unknown names.
 QColor colorForLabel(const QString &name);
+// The red of overdue tasks: their marks, dates and badges.
+QColor overdueColor();
 // The label names the menus offer, in menu order.
 const QStringList &colorLabelNames();
 

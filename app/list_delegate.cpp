@@ -121,12 +121,16 @@ void ListDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     const QFont title = titleFont(option.font);
     const QFont small = smallFont(option.font);
     const QFontMetrics titleMetrics(title);
-    const QString date = dateText(index.data(DocumentListModel::DateRole).toDateTime());
+    // An open task shows when it is due, in red once that has passed.
+    const QString due = index.data(DocumentListModel::DueTextRole).toString();
+    const QString date =
+        due.isEmpty() ? dateText(index.data(DocumentListModel::DateRole).toDateTime()) : due;
     const bool pinned = index.data(DocumentListModel::PinnedRole).toBool();
     const QString right = (pinned ? QStringLiteral("\U0001F4CC ") : QString()) + date;
     painter->setFont(small);
     const int rightWidth = QFontMetrics(small).horizontalAdvance(right);
-    painter->setPen(faint);
+    painter->setPen(!selected && !due.isEmpty() && taskIcon.endsWith(u"-due") ? overdueColor()
+                                                                              : faint);
     painter->drawText(
         QRect(area.right() - rightWidth, area.top(), rightWidth, titleMetrics.height()),
         Qt::AlignRight | Qt::AlignVCenter, right);

@@ -10,6 +10,7 @@
 #include "store/extensions.h"
 #include "store/item_path.h"
 #include "store/library_root.h"
+#include "tasks/date_texts.h"
 
 #include <QFileInfo>
 #include <QMimeData>
@@ -464,6 +465,10 @@ QVariant DocumentListModel::data(const QModelIndex &index, int role) const
         return isBookRow(row);
     case DueDateRole:
         return row.dueDate;
+    case DueTextRole: {
+        const std::optional<QDateTime> due = row.openTaskDueDate();
+        return due ? tasks::tl_weekdayString(*due) : QString();
+    }
     case RecordRole:
         return row.toDictionary();
     default:
@@ -494,6 +499,7 @@ QHash<int, QByteArray> DocumentListModel::roleNames() const
     names.insert(PreviewRole, "preview");
     names.insert(DateRole, "date");
     names.insert(TaskIconRole, "taskIcon");
+    names.insert(DueTextRole, "dueText");
     names.insert(PinnedRole, "pinned");
     names.insert(ColorLabelRole, "colorLabel");
     names.insert(IsHeaderRole, "isHeader");

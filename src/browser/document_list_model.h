@@ -39,6 +39,8 @@ public:
         SmartTypeRole,
         IsBookRole,
         DueDateRole,
+        // The due date of an open task as the list shows it; empty for others.
+        DueTextRole,
         // The row as the dictionary the command prints.
         RecordRole,
     };

@@ -119,6 +119,14 @@ template <typename Less> void stableSort(QList<ListRow> &rows, Less less)
 
 } // namespace
 
+std::optional<QDateTime> ListRow::openTaskDueDate() const
+{
+    if (taskIcon.isEmpty() || taskIcon.contains(u"done") || taskIcon.contains(u"canceled") ||
+        dueDate == dateFromSecondsSinceReferenceDate(kOpenWithoutDate) || !dueDate.isValid())
+        return std::nullopt;
+    return dueDate;
+}
+
 QVariantMap ListRow::toDictionary() const
 {
     QVariantMap d{{"title", title},

@@ -30,6 +30,9 @@ struct ListRow
 
     // The row as the dictionary the views and the command print.
     QVariantMap toDictionary() const;
+    // The due moment of an open task; nothing for finished and undated
+    // tasks, whose sort date is a place in the order, and for other rows.
+    std::optional<QDateTime> openTaskDueDate() const;
     bool operator==(const ListRow &) const = default;
 };
 

@@ -9,6 +9,7 @@
 #include <QTimeZone>
 #include <memory>
 #include <unicode/datefmt.h>
+#include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
 
 namespace tl::tasks {
@@ -38,6 +39,22 @@ QString format(const QDateTime &date, icu::DateFormat::EStyle dateStyle,
         icu::UnicodeString::fromUTF8(icu::StringPiece(zoneId.constData(), int(zoneId.size())))));
     icu::UnicodeString text;
     formatter->format(UDate(date.toMSecsSinceEpoch()), text);
+    return QString(reinterpret_cast<const QChar *>(text.getBuffer()), text.length());
+}
+
+// The short weekday ("Tue") in the locale's words.
+QString shortWeekday(const QDateTime &date)
+{
+    const icu::Locale locale(collationLocaleName().toUtf8().constData());
+    UErrorCode status = U_ZERO_ERROR;
+    icu::SimpleDateFormat formatter(icu::UnicodeString("ccc"), locale, status);
+    if (U_FAILURE(status))
+        return {};
+    const QByteArray zoneId = QTimeZone::systemTimeZoneId();
+    formatter.adoptTimeZone(icu::TimeZone::createTimeZone(
+        icu::UnicodeString::fromUTF8(icu::StringPiece(zoneId.constData(), int(zoneId.size())))));
+    icu::UnicodeString text;
+    formatter.format(UDate(date.toMSecsSinceEpoch()), text);
     return QString(reinterpret_cast<const QChar *>(text.getBuffer()), text.length());
 }
 
@@ -86,23 +103,51 @@ QString tl_shortDateTimeString(const QDateTime &date)
     return format(date, icu::DateFormat::kMedium, icu::DateFormat::kShort);
 }
 
+namespace {
+
+// "Today", "Yesterday" or "Tomorrow" by the medium date texts; empty for
+// any other day.
+QString nearDayWord(const QDateTime &date, const QDateTime &now)
+{
+    const QString day = mediumDate(date);
+    if (day == mediumDate(now))
+        return localized("Today");
+    if (day == mediumDate(now.addSecs(-86400)))
+        return localized("Yesterday");
+    if (day == mediumDate(now.addSecs(86400)))
+        return localized("Tomorrow");
+    return {};
+}
+
+bool isDistant(const QDateTime &date)
+{
+    return date == distantPast() || date == distantFuture() || !date.isValid();
+}
+
+} // namespace
+
+QString tl_weekdayString(const QDateTime &date)
+{
+    if (isDistant(date))
+        return {};
+    QString text = nearDayWord(date, clock().now());
+    if (text.isEmpty())
+        text = shortWeekday(date) + QStringLiteral(", ") + mediumDate(date);
+    if (tl_dueDateHasAlertTime(date))
+        text += QStringLiteral(", ") + shortTime(date);
+    return text;
+}
+
 QString tl_fancyWeekdayString(const QDateTime &date)
 {
-    if (date == distantPast() || date == distantFuture() || !date.isValid())
+    if (isDistant(date))
         return {};
     const QDateTime now = clock().now();
     const qint64 since = date.secsTo(now);
     if (since >= 0 && since < 14400)
         return relativePast(since);
-    const QString day = mediumDate(date);
-    QString text;
-    if (day == mediumDate(now))
-        text = localized("Today");
-    else if (day == mediumDate(now.addSecs(-86400)))
-        text = localized("Yesterday");
-    else if (day == mediumDate(now.addSecs(86400)))
-        text = localized("Tomorrow");
-    else
+    QString text = nearDayWord(date, now);
+    if (text.isEmpty())
         text = format(date, icu::DateFormat::kFull, icu::DateFormat::kNone);
     if (tl_dueDateHasAlertTime(date))
         text += QStringLiteral(", ") + shortTime(date);

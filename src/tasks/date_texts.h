@@ -11,6 +11,10 @@ namespace tl::tasks {
 
 // Medium date and short time.
 QString tl_shortDateTimeString(const QDateTime &date);
+// A due date in a list: "Today", "Yesterday", "Tomorrow" or the short
+// weekday with the medium date; the short time behind when the date has an
+// alert time. Empty for the distant dates.
+QString tl_weekdayString(const QDateTime &date);
 // Recent past moments relatively ("just now", "5 minutes ago"), then
 // "Today", "Yesterday" or "Tomorrow", or the full date; the short time
 // behind when the date has an alert time. Empty for the distant dates.

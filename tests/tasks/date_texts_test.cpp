@@ -60,4 +60,25 @@ TEST_F(TaskListTest, FancyWeekdayTexts)
 }
 
 } // namespace
+TEST_F(TaskListTest, WeekdayTextsOfListRows)
+{
+    const QChar narrow(0x202f);
+    const struct
+    {
+        QDateTime date;
+        QString text;
+    } cases[] = {
+        {now().addSecs(-7200), QString("Today, 10:00") + narrow + "AM"},
+        {QDateTime(QDate(2024, 3, 6), QTime(0, 1), Qt::UTC), "Tomorrow"},
+        {QDateTime(QDate(2024, 3, 9), QTime(0, 1), Qt::UTC), "Sat, Mar 9, 2024"},
+        {QDateTime(QDate(2024, 3, 9), QTime(17, 30), Qt::UTC),
+         QString("Sat, Mar 9, 2024, 5:30") + narrow + "PM"},
+        {distantFuture(), ""},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.text.toStdString());
+        EXPECT_EQ(tl_weekdayString(c.date), c.text);
+    }
+}
+
 } // namespace tl::tasks

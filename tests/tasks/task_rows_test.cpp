@@ -20,12 +20,14 @@ TEST_F(TaskListTest, RowSortKeysOrderDatedUndatedDoneAndCanceledTasks)
         QDateTime key;
         const char *icon;
         const char *repeating;
+        bool showsDue = false; // the list shows the key as the due date
     } cases[] = {
-        {{{"DueDate", due}}, due, "task-open", ""},
+        {{{"DueDate", due}}, due, "task-open", "", true},
         {{{"DueDate", now().addDays(-2)}, {"State", "started"}},
          now().addDays(-2),
          "task-started-due",
-         ""},
+         "",
+         true},
         {{}, since2001(30785400000.0), "task-open", ""},
         {{{"RepeatType", "when due"}}, since2001(30785400000.0), "task-open", "1"},
         {{{"State", "no_task"}}, distantPast(), "", ""},
@@ -46,6 +48,7 @@ TEST_F(TaskListTest, RowSortKeysOrderDatedUndatedDoneAndCanceledTasks)
         EXPECT_EQ(row.dueDate, c.key);
         EXPECT_EQ(row.taskIcon, c.icon);
         EXPECT_EQ(row.taskIsRepeating, c.repeating);
+        EXPECT_EQ(row.openTaskDueDate(), c.showsDue ? std::optional(c.key) : std::nullopt);
     }
     const store::ListRow plain = store::tl_dictionaryForItemAsTask(doc, false);
     EXPECT_EQ(plain.dueDate, distantFuture());
