@@ -93,6 +93,8 @@ const std::vector<ActionSpec> &specs()
          [](const ActionState &s) { return s.booksSelected; }},
         {ActionId::SetDueDate, "Set Due &Date...", K(QStringLiteral("Ctrl+Shift+D")), nullptr,
          [](const ActionState &s) { return s.tasksSelected; }},
+        {ActionId::ExtractTasks, "E&xtract Tasks", K(), nullptr,
+         [](const ActionState &s) { return s.documentShown; }},
     };
     return table;
 }
@@ -231,6 +233,7 @@ void ActionRegistry::fillMenuBar(QMenuBar *bar) const
     item->addSeparator();
     item->addAction(action(ActionId::ToggleTaskList));
     item->addAction(action(ActionId::SetDueDate));
+    item->addAction(action(ActionId::ExtractTasks));
 
     QMenu *view = bar->addMenu(QStringLiteral("&View"));
     view->addAction(action(ActionId::TogglePlainAndFormatted));

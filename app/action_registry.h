@@ -64,6 +64,7 @@ enum class ActionId {
     About,
     ToggleTaskList,
     SetDueDate,
+    ExtractTasks,
 };
 
 class ActionRegistry : public QObject

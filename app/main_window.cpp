@@ -194,6 +194,7 @@ void MainWindow::buildActions()
     });
     a.onTriggered(ActionId::SetDueDate,
                   [this] { DueDateDialog::editItems(selectedItems(), this); });
+    a.onTriggered(ActionId::ExtractTasks, [this] { m_document->controller().tl_extractTasks(); });
     a.onTriggered(ActionId::Quit, [this] { close(); });
     a.onTriggered(ActionId::About, [this] {
         QMessageBox::about(this, QStringLiteral("About Tavelle"),

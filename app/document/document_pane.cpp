@@ -79,8 +79,8 @@ FormattedView *DocumentPane::formattedView()
                                                      {{QStringLiteral("path"), path}});
     });
     connect(m_formatted, &FormattedView::checkboxClicked, this,
-            [c](const QString &text, int occurrence) {
-                c->toggleMarkdownCheckboxForTask(text, occurrence);
+            [c](const QString &itemHTML, int occurrence) {
+                c->checkboxClickedInPage(itemHTML, occurrence);
             });
     connect(m_formatted, &FormattedView::editingBegins, this,
             [c](const QString &html) { c->formattedShouldBeginEditing(html); });

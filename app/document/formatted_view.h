@@ -32,7 +32,7 @@ public:
 
 Q_SIGNALS:
     void libraryLinkActivated(const QString &path);
-    void checkboxClicked(const QString &itemText, int occurrence);
+    void checkboxClicked(const QString &itemHTML, int occurrence);
     // The first change of an edit, with the HTML before it.
     void editingBegins(const QString &innerHTML);
     void edited(const QString &innerHTML);

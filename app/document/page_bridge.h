@@ -23,7 +23,7 @@ Q_SIGNALS:
     void ready();
     void pushed();
     void scrollChanged(double y);
-    void checkboxClicked(const QString &itemText, int occurrence);
+    void checkboxClicked(const QString &itemHTML, int occurrence);
     void editingBeginsWith(const QString &innerHTML);
     void editedTo(const QString &innerHTML);
     void doubleClickedAt(const QString &elementHTML, const QString &htmlUpToElement);
@@ -32,9 +32,9 @@ public Q_SLOTS:
     void pageReady() { Q_EMIT ready(); }
     void pushDone() { Q_EMIT pushed(); }
     void scrolled(double y) { Q_EMIT scrollChanged(y); }
-    void checkboxToggled(const QString &itemText, int occurrence)
+    void checkboxToggled(const QString &itemHTML, int occurrence)
     {
-        Q_EMIT checkboxClicked(itemText, occurrence);
+        Q_EMIT checkboxClicked(itemHTML, occurrence);
     }
     void editingBegins(const QString &innerHTML) { Q_EMIT editingBeginsWith(innerHTML); }
     void edited(const QString &innerHTML) { Q_EMIT editedTo(innerHTML); }

@@ -3,16 +3,32 @@
 // Runs in its own world, so scripts of the document never reach the bridge.
 (function () {
   'use strict';
-  function listItemMarkdown(box) {
-    var item = box.closest('li');
-    return item ? item.textContent.trim() : '';
+  // The list item of a check box: an input inside it, or a task item of
+  // the program's Markdown whose box its style sheet draws left of it.
+  function checkboxItem(event) {
+    var target = event.target;
+    if (target.tagName === 'INPUT' && target.type === 'checkbox') return target.closest('li');
+    if (target.tagName === 'LI' && event.offsetX < 0 &&
+        (target.classList.contains('tl_checkbox') || target.classList.contains('tl_checkbox_done')))
+      return target;
+    return null;
   }
-  function occurrence(box) {
-    var text = listItemMarkdown(box), index = -1;
-    var boxes = document.querySelectorAll('li input[type=checkbox]');
-    for (var i = 0; i < boxes.length; ++i) {
-      if (listItemMarkdown(boxes[i]) === text) ++index;
-      if (boxes[i] === box) return index;
+  // The item's own markup, without its box and the lists inside it.
+  function itemHTML(item) {
+    var copy = item.cloneNode(true);
+    copy.querySelectorAll('input, ul, ol').forEach(function (e) { e.remove(); });
+    return copy.innerHTML.trim();
+  }
+  function occurrence(item) {
+    var html = itemHTML(item), index = -1;
+    var items = document.querySelectorAll('li');
+    for (var i = 0; i < items.length; ++i) {
+      var box = items[i].classList.contains('tl_checkbox') ||
+          items[i].classList.contains('tl_checkbox_done') ||
+          items[i].querySelector('input[type=checkbox]');
+      if (items[i] !== item && (!box || itemHTML(items[i]) !== html)) continue;
+      ++index;
+      if (items[i] === item) return index;
     }
     return -1;
   }
@@ -50,9 +66,8 @@
       scrollTimer = setTimeout(function () { bridge.scrolled(window.scrollY); }, 100);
     });
     document.addEventListener('click', function (event) {
-      var box = event.target;
-      if (box.tagName === 'INPUT' && box.type === 'checkbox' && box.closest('li'))
-        bridge.checkboxToggled(listItemMarkdown(box), occurrence(box));
+      var item = checkboxItem(event);
+      if (item) bridge.checkboxToggled(itemHTML(item), occurrence(item));
     }, true);
     document.addEventListener('beforeinput', function () {
       bridge.editingBegins(document.body.innerHTML);

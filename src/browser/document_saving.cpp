@@ -6,6 +6,7 @@
 #include "browser/document_view_controller.h"
 #include "browser/document_view_state.h"
 #include "convert/envelope.h"
+#include "convert/html_to_markdown.h"
 #include "convert/references.h"
 #include "foundation/clock.h"
 #include "foundation/digest.h"
@@ -27,6 +28,7 @@
 #include "store/properties.h"
 #include "store/recent_items.h"
 #include "store/safe_names.h"
+#include "tasks/markdown_checkbox.h"
 
 #include <QFileInfo>
 #include <QUrl>
@@ -321,62 +323,19 @@ bool TLKSDocumentViewController::tl_renameToFirstLineOfText()
     return true;
 }
 
+void TLKSDocumentViewController::checkboxClickedInPage(const QString &itemHTML, int occurrence)
+{
+    toggleMarkdownCheckboxForTask(convert::tl_markdownifyHTML(itemHTML).trimmed(), occurrence);
+}
+
 void TLKSDocumentViewController::toggleMarkdownCheckboxForTask(const QString &task, int pos)
 {
-    QString wanted = task.section(u'\n', 0, 0);
-    wanted.remove(QStringLiteral("- [ ]"));
-    wanted.remove(QStringLiteral("- [x]"));
-    wanted = wanted.trimmed();
-    logLine(QStringLiteral("toggling: %1").arg(wanted));
-    QString text = store::tl_stringWithContentsOfFile(path, stringEncoding).value_or(QString());
-    if (text.isEmpty())
+    const auto toggled = tasks::toggleMarkdownCheckboxForTask(
+        path, task, pos < 0 ? std::nullopt : std::optional<qsizetype>(pos));
+    if (toggled != tasks::CheckboxToggle::Toggled)
         return;
-    if (!text.contains(wanted)) {
-        // Links may stand in another form in the source than in the page.
-        static const Regex link(QStringLiteral("\\[(.+?)\\]\\((.+?)\\)"));
-        wanted = link.replaceMatches(wanted, [](const RegexMatch &m, QStringView t) {
-            return std::optional<QString>(QStringLiteral("[[%1]]").arg(m.capturedString(t, 2)));
-        });
-    }
-    text.remove(u'\\');
-    const Regex pattern(QStringLiteral("]\\s*") + Regex::escapePattern(wanted));
-    std::optional<RegexMatch> match = pattern.match(text);
-    for (int skipped = 0; match && skipped < pos; ++skipped)
-        match = pattern.match(text, match->end());
-    qsizetype lineStart = -1;
-    qsizetype lineEnd = -1;
-    while (match) {
-        const qsizetype start = text.lastIndexOf(u'\n', match->start() - 1) + 1;
-        qsizetype end = text.indexOf(u'\n', match->end());
-        if (end < 0)
-            end = text.size();
-        QString rest = text.mid(start, end - start);
-        for (const QString &part : {wanted, QStringLiteral("[ ]"), QStringLiteral("[x]"),
-                                    QStringLiteral("[X]"), QStringLiteral("-")})
-            rest.remove(part);
-        if (rest.trimmed().isEmpty()) {
-            lineStart = start;
-            lineEnd = end;
-            break;
-        }
-        match = pattern.match(text, end);
-    }
-    if (lineStart < 0) {
-        platform::alerts().run({QLatin1String(kUnableToIdentifyTaskAlert),
-                                QLatin1String(kUnableToIdentifyTaskText),
-                                {QStringLiteral("OK")}});
-        return;
-    }
-    QString line = text.mid(lineStart, lineEnd - lineStart);
-    if (!line.contains(u"[ ]")) {
-        static const Regex ticked(QStringLiteral("\\[(x|X)\\]"));
-        line = ticked.replaceAll(line, QStringLiteral("[ ]"));
-    } else {
-        line.replace(QStringLiteral("[ ]"), QStringLiteral("[x]"));
-    }
-    text.replace(lineStart, lineEnd - lineStart, line);
-    if (!store::tl_writeToFile(text, path, true, stringEncoding))
-        return;
+    const QString text =
+        store::tl_stringWithContentsOfFile(path, stringEncoding).value_or(QString());
     // The view's own write is no outside change.
     modDateOfPresentedDocument = platform::modificationDate(path).value_or(QDateTime());
     plainText = text;

@@ -140,6 +140,13 @@ public:
     // A click on a check box of rendered Markdown: the list item's Markdown
     // and its occurrence among equal items (-1 when not known).
     void toggleMarkdownCheckboxForTask(const QString &task, int pos = -1);
+    // A check box clicked in the rendered page: the page reports its list
+    // item's markup, whose Markdown is the task.
+    void checkboxClickedInPage(const QString &itemHTML, int occurrence);
+    // "Extract Tasks": the document is saved, and its marked lines become
+    // tasks beside it when it is a task itself, else in a list of its own.
+    // Answers the new tasks.
+    QStringList tl_extractTasks();
     // "This Document is Locked in Finder" or "This Document is Read Only";
     // answers true when the user chose "Unlock" and the document is now
     // editable.
@@ -236,8 +243,5 @@ inline constexpr char kUnlockAlertText[] =
 inline constexpr char kCannotRenameAlert[] = "Cannot Rename to First Line of Text";
 inline constexpr char kTitleTakenText[] = "The title \"%1\" is already taken.";
 inline constexpr char kSavingErrorAlert[] = "Saving Error";
-inline constexpr char kUnableToIdentifyTaskAlert[] = "Unable to identify task in Plain Text";
-inline constexpr char kUnableToIdentifyTaskText[] =
-    "Please switch to plain text view to toggle the task.";
 
 } // namespace tl::browser

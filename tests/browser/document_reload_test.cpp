@@ -1,4 +1,5 @@
 #include "document_view_test_support.h"
+#include "foundation/path_string.h"
 #include "store/item_path.h"
 #include "store/keys.h"
 #include "store/properties.h"
@@ -153,6 +154,26 @@ TEST_F(CheckboxToggle, TheClickedBoxIsTickedInTheSource)
         EXPECT_EQ(view->modDateOfPresentedDocument, dateOf(path));
     }
     EXPECT_TRUE(alerts->shownAlerts().isEmpty());
+}
+
+TEST_F(CheckboxToggle, TheRenderedItemsMarkupNamesTheTask)
+{
+    const QString path =
+        document("Tasks.md", "- [ ] call [Bob](Bob.md)\n- [ ] call [Bob](Bob.md)\n");
+    show(path);
+    view->checkboxClickedInPage("call <a href=\"Bob.md\">Bob</a>", 1);
+    EXPECT_EQ(tltest::readFile(path), "- [ ] call [Bob](Bob.md)\n- [x] call [Bob](Bob.md)\n");
+}
+
+TEST_F(CheckboxToggle, ExtractingMakesTheMarkedLinesTasksInAListOfTheirOwn)
+{
+    setSetting("markTaskWithCharacter", "- [ ]");
+    const QString path = document("Plan.md", "Plan\n- [ ] Call Bob\n- [x] Done thing\n");
+    show(path);
+    const QString list = tl::path::deletingExtension(path);
+    EXPECT_EQ(view->tl_extractTasks(), QStringList{list + "/Call Bob.txt"});
+    EXPECT_TRUE(QFileInfo::exists(list + "/TLTasklistDetails.plist"));
+    EXPECT_TRUE(view->tl_extractTasks().isEmpty());
 }
 
 TEST_F(CheckboxToggle, AnUnknownTaskShowsTheAlert)
