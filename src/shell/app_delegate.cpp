@@ -239,7 +239,7 @@ void AppDelegate::applicationDidFinishLaunching()
                 center().post(events::ShowItemAtPath, {{"path", last}});
             else
                 store::TLStaticFunctions::showMostRecentDocument();
-        } else if (m_options.noRestore) {
+        } else if (m_options.noRestore || isHandlingURLEvent()) {
             center().post(events::NewBookSelected, {{"path", root}});
         } else {
             showStartItem();
