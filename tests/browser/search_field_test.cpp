@@ -12,6 +12,7 @@
 
 #include <QCoreApplication>
 #include <gtest/gtest.h>
+#include <optional>
 
 namespace {
 
@@ -31,12 +32,15 @@ protected:
         list.path = book;
         model = std::make_unique<DocumentListModel>(list);
         field = std::make_unique<SearchFieldController>(*model);
-        keeper.waitForUpdates();
+        // Made once the library stands: its first walk starts at once.
+        keeper.emplace();
+        keeper->waitForUpdates();
     }
     void TearDown() override
     {
         field.reset();
         model.reset();
+        keeper.reset();
         LibraryTest::TearDown();
     }
 
@@ -52,7 +56,7 @@ protected:
 
     tl::ManualClock *clock = nullptr;
     QString book;
-    SearchIndexKeeper keeper;
+    std::optional<SearchIndexKeeper> keeper;
     TLKSDocumentListViewController list;
     std::unique_ptr<DocumentListModel> model;
     std::unique_ptr<SearchFieldController> field;
@@ -110,7 +114,7 @@ TEST_F(SearchField, TheIndexFollowsFileEvents)
     makeFile(book + "/Later.md", "organiser again");
     tl::NotificationCenter::defaultCenter().post(tl::events::NewFileCreated,
                                                  {{"path", book + "/Later.md"}});
-    keeper.waitForUpdates();
+    keeper->waitForUpdates();
     field->startSpotlightSearchWithString("organ");
     EXPECT_EQ(shown(), QStringList({"Later.md", "Tea.md"}));
 }
