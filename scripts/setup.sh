@@ -63,6 +63,12 @@ packages=(
   pandoc dpkg-dev fakeroot
   # checks of the e-books and PDFs the publishing makes, and reading them back
   epubcheck poppler-utils unzip
+  # transcripts of recordings: the recogniser, its English models and test recordings, and
+  # ffmpeg's libraries to decode phone memos (AAC) as well as MP3, FLAC and WAV
+  libpocketsphinx-dev pocketsphinx-en-us pocketsphinx-testdata
+  libavformat-dev libavcodec-dev libswresample-dev
+  # the position for inserted locations (GeoClue on the desktop)
+  qt6-positioning-dev
 )
 
 missing=()
