@@ -58,6 +58,7 @@ const std::vector<Command> &schemeCommands();
 const std::vector<Command> &linksCommands();
 const std::vector<Command> &importCommands();
 const std::vector<Command> &syncCommands();
+const std::vector<Command> &recognitionCommands();
 
 // No arguments, or only the launch gestures: the desktop program is wanted.
 bool startsDesktopProgram(int argc, char **argv);

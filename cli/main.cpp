@@ -24,7 +24,8 @@ std::vector<const Command *> allCommands()
          {&libraryCommands(), &settingsCommands(), &pathCommands(), &itemCommands(),
           &convertCommands(), &fountainCommands(), &browserCommands(), &tasksCommands(),
           &contextsCommands(), &searchCommands(), &publishCommands(), &schemeCommands(),
-          &linksCommands(), &importCommands(), &syncCommands(), &serveCommands()})
+          &linksCommands(), &importCommands(), &recognitionCommands(), &syncCommands(),
+          &serveCommands()})
         for (const Command &c : *group)
             all.push_back(&c);
     return all;
