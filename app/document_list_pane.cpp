@@ -9,6 +9,7 @@
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
 #include "list_delegate.h"
+#include "search_options_panel.h"
 #include "store/library_root.h"
 #include "tasks/task_list.h"
 
@@ -110,12 +111,18 @@ DocumentListPane::DocumentListPane(browser::DocumentListModel &model,
                                    const ActionRegistry &actions, QWidget *parent)
     : QWidget(parent), m_model(model), m_view(new DocumentListView(outline, this)),
       m_filter(new QLineEdit(this)), m_sort(new QToolButton(this)), m_empty(new QLabel(this)),
-      m_search(new browser::SearchFieldController(model, this)), m_searchTitle(new QLabel(this))
+      m_search(new browser::SearchFieldController(model, this)),
+      m_searchOptions(new SearchOptionsPanel(*m_search, this)), m_searchTitle(new QLabel(this))
 {
     setObjectName(QStringLiteral("documentListPane"));
     m_filter->setPlaceholderText(QStringLiteral("Filter"));
     m_filter->setClearButtonEnabled(true);
-    m_filter->addAction(QIcon::fromTheme(QStringLiteral("edit-find")), QLineEdit::LeadingPosition);
+    // The glass opens and closes the search options.
+    QAction *options = m_filter->addAction(QIcon::fromTheme(QStringLiteral("edit-find")),
+                                           QLineEdit::LeadingPosition);
+    options->setToolTip(QStringLiteral("Search Options"));
+    connect(options, &QAction::triggered, m_search,
+            &browser::SearchFieldController::tl_toggleSearchStack);
     m_sort->setPopupMode(QToolButton::InstantPopup);
     m_sort->setToolButtonStyle(Qt::ToolButtonTextOnly);
     auto *sortMenu = new QMenu(m_sort);
@@ -154,6 +161,7 @@ DocumentListPane::DocumentListPane(browser::DocumentListModel &model,
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addLayout(bar);
+    layout->addWidget(m_searchOptions);
     m_searchTitle->setContentsMargins(8, 0, 8, 4);
     m_searchTitle->hide();
     layout->addWidget(m_searchTitle);

@@ -19,6 +19,7 @@ class SearchFieldController;
 namespace tl::app {
 
 class ActionRegistry;
+class SearchOptionsPanel;
 
 // The list itself: rows dragged within it reorder them; rows of the outline
 // and files from the file manager dropped on it go into the shown book.
@@ -57,6 +58,7 @@ public:
 
     DocumentListView *view() const { return m_view; }
     QLineEdit *filterField() const { return m_filter; }
+    SearchOptionsPanel *searchOptions() const { return m_searchOptions; }
     // The paths of the selected item rows.
     QStringList selectedPaths() const;
     bool selectedIsDocument() const;
@@ -81,6 +83,7 @@ private:
     QLabel *m_empty;
     // The field filters a plain book and searches the library on Return.
     browser::SearchFieldController *m_search;
+    SearchOptionsPanel *m_searchOptions;
     QLabel *m_searchTitle;
     QString m_pendingSelection;
     bool m_silent = false;

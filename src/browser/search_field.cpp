@@ -45,7 +45,9 @@ void SearchFieldController::searchFieldDidChange(const QString &text)
     if (list.smartBookType == SearchResults) {
         list.searchFilter.clear();
         Scheduler::main().schedule(kQueryKey, 0.3, [this] { startSpotlightSearchWithString(); });
+        Q_EMIT searchOptionsChanged(m_optionsVisible);
     } else if (list.smartBookType == OrdinaryBook) {
+        hideSearchoptions();
         m_model.setFilter(text);
     }
 }
@@ -69,6 +71,7 @@ void SearchFieldController::startSpotlightSearchWithString(const QString &text)
     list.searchFilter.clear();
     m_model.reloadBookInBackground();
     Q_EMIT titleChanged(m_title);
+    showSearchOptions();
 }
 
 void SearchFieldController::handleStartSpotlightSearchNotification(const QString &term)
@@ -79,6 +82,8 @@ void SearchFieldController::handleStartSpotlightSearchNotification(const QString
         settings.remove(QLatin1String(S::SearchAllBooks));
     settings.remove(QLatin1String(S::SearchTitle));
     settings.remove(QLatin1String(S::SearchContent));
+    if (!settings.boolValue(QLatin1String(S::SearchfieldVisibleInDocList)))
+        settings.set(QLatin1String(S::SearchfieldVisibleInDocList), true);
     m_text = term;
     Q_EMIT fieldTextChanged(term);
     startSpotlightSearchWithString(term);
@@ -88,6 +93,7 @@ void SearchFieldController::leaveSearchResults()
 {
     TLKSDocumentListViewController &list = m_model.list();
     m_text.clear();
+    hideSearchoptions();
     const bool inResults = list.smartBookType == SearchResults;
     if (inResults) {
         list.smartBookType = OrdinaryBook;
@@ -98,6 +104,75 @@ void SearchFieldController::leaveSearchResults()
     m_model.setFilter({});
     if (inResults)
         m_model.reloadBookInBackground();
+}
+
+bool SearchFieldController::searchesAllBooks()
+{
+    return platform::settings().boolValue(QLatin1String(S::SearchAllBooks));
+}
+
+int SearchFieldController::searchOption()
+{
+    switch (searchFieldFromSettings()) {
+    case search::Field::Name:
+        return TitleOnly;
+    case search::Field::Content:
+        return ContentOnly;
+    default:
+        return TitleAndContent;
+    }
+}
+
+void SearchFieldController::setSearchesAllBooks(bool allBooks)
+{
+    platform::Settings &settings = platform::settings();
+    if (allBooks)
+        settings.set(QLatin1String(S::SearchAllBooks), true);
+    else
+        settings.remove(QLatin1String(S::SearchAllBooks));
+    if (m_model.list().smartBookType == SearchResults)
+        startSpotlightSearchWithString();
+}
+
+void SearchFieldController::setSearchOption(int option)
+{
+    platform::Settings &settings = platform::settings();
+    settings.remove(QLatin1String(S::SearchTitle));
+    settings.remove(QLatin1String(S::SearchContent));
+    if (option == TitleOnly)
+        settings.set(QLatin1String(S::SearchTitle), true);
+    else if (option == ContentOnly)
+        settings.set(QLatin1String(S::SearchContent), true);
+    if (m_model.list().smartBookType == SearchResults)
+        startSpotlightSearchWithString();
+}
+
+QString SearchFieldController::searchedBook() const
+{
+    const TLKSDocumentListViewController &list = m_model.list();
+    return list.smartBookType == SearchResults ? m_book : list.path;
+}
+
+void SearchFieldController::showSearchOptions()
+{
+    m_optionsVisible = true;
+    Q_EMIT searchOptionsChanged(true);
+}
+
+void SearchFieldController::hideSearchoptions()
+{
+    if (!m_optionsVisible)
+        return;
+    m_optionsVisible = false;
+    Q_EMIT searchOptionsChanged(false);
+}
+
+void SearchFieldController::tl_toggleSearchStack()
+{
+    if (m_optionsVisible)
+        hideSearchoptions();
+    else
+        showSearchOptions();
 }
 
 } // namespace tl::browser

@@ -6,7 +6,9 @@
 #include <QString>
 
 // The search field of the document list: a filter while a plain book shows,
-// a query in Search Results, run 0.3 seconds after the last key.
+// a query in Search Results, run 0.3 seconds after the last key. Its options
+// panel chooses the scope and the field searched; a change runs the query
+// again.
 namespace tl::browser {
 
 class DocumentListModel;
@@ -28,8 +30,26 @@ public:
     // "Search: TEXT - N Hits" while Search Results shows, else "".
     QString title() const { return m_title; }
 
+    // The options as the settings hold them: the scope (searchAllBooks) and
+    // the option, 0 for searchTitle, 1 for searchContent, otherwise 2.
+    enum SearchOption : int { TitleOnly = 0, ContentOnly = 1, TitleAndContent = 2 };
+    static bool searchesAllBooks();
+    static int searchOption();
+    void setSearchesAllBooks(bool allBooks);
+    void setSearchOption(int option);
+    // The book a search of one book looks in.
+    QString searchedBook() const;
+
+    // The options panel; it shows with Search Results and hides with the filter.
+    void showSearchOptions();
+    void hideSearchoptions();
+    void tl_toggleSearchStack();
+    bool searchOptionsVisible() const { return m_optionsVisible; }
+
 Q_SIGNALS:
     void titleChanged(const QString &title);
+    // The panel opened or closed, or its controls are to take the settings anew.
+    void searchOptionsChanged(bool visible);
     // The field's text set from outside.
     void fieldTextChanged(const QString &text);
 
@@ -40,6 +60,7 @@ private:
     QString m_text;
     QString m_book;
     QString m_title;
+    bool m_optionsVisible = false;
     ScopedObserver m_searchEvents;
 };
 

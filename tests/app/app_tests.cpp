@@ -8,7 +8,8 @@ QList<QObject *> allTests()
 {
     return {makeNavigationRulesTest(),  makeWelcomeWindowTest(),  makeMainWindowTest(),
             makeScriptPagesLabelTest(), makePlainTextViewTest(),  makePublishingTest(),
-            makeLinkActionsTest(),      makeContextsWindowTest(), makeTasksWindowTest()};
+            makeLinkActionsTest(),      makeContextsWindowTest(), makeTasksWindowTest(),
+            makeSearchOptionsTest()};
 }
 
 tl::platform::HeadlessAlertPresenter &alerts()

@@ -25,5 +25,6 @@ QObject *makePublishingTest();
 QObject *makeLinkActionsTest();
 QObject *makeContextsWindowTest();
 QObject *makeTasksWindowTest();
+QObject *makeSearchOptionsTest();
 
 } // namespace apptest

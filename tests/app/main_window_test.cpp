@@ -3,89 +3,52 @@
 // document into another book.
 #include "app_tests.h"
 #include "browser/document_list_model.h"
-#include "browser/event_bridge.h"
 #include "browser/outline_model.h"
 #include "document/document_pane.h"
 #include "document/plain_text_view.h"
 #include "document_list_pane.h"
-#include "foundation/clock.h"
-#include "foundation/scheduler.h"
 #include "main_window.h"
 #include "outline_pane.h"
-#include "platform/settings.h"
-#include "store/keys.h"
 #include "support/test_environment.h"
+#include "window_fixture.h"
 
 #include <QFileInfo>
 #include <QMimeData>
 #include <QTest>
 #include <QTreeView>
-#include <memory>
 
 namespace {
 
 using tl::app::MainWindow;
 using tl::browser::DocumentListModel;
 
-// Moves the injected clock past the save delay and runs what fell due.
-void letSaveTimersRun()
-{
-    static_cast<tl::ManualClock &>(tl::clock()).advance(1.0);
-    tl::Scheduler::main().runDue();
-}
-
 class MainWindowTest : public QObject
 {
     Q_OBJECT
-    QString m_library;
-    std::unique_ptr<tl::browser::EventBridge> m_bridge;
-    std::unique_ptr<MainWindow> m_window;
+    apptest::WindowFixture m_fixture;
 
-    QString book(const QString &name) const { return m_library + u'/' + name; }
-
-    // Selects the book in the outline and waits for its rows.
-    void openBook(const QString &path, const QString &expectedRow)
-    {
-        m_window->outlinePane()->selectBook(path);
-        QTRY_VERIFY(m_window->listModel().indexForPath(expectedRow).isValid());
-    }
-
-    void selectRow(const QString &path)
-    {
-        QListView *list = m_window->listPane()->view();
-        const QModelIndex row = m_window->listModel().indexForPath(path);
-        QVERIFY(row.isValid());
-        list->setFocus();
-        list->setCurrentIndex(row);
-        QTRY_COMPARE(m_window->documentPane()->shownPath(), path);
-    }
+    QString book(const QString &name) const { return m_fixture.item(name); }
+    MainWindow *window() const { return &m_fixture.window(); }
+    void openBook(const QString &path, const QString &row) { m_fixture.openBook(path, row); }
+    void selectRow(const QString &path) { m_fixture.selectRow(path); }
+    static void letSaveTimersRun() { apptest::WindowFixture::letTimersRun(); }
 
 private Q_SLOTS:
     void init()
     {
-        m_library = tltest::makeTemporaryFolder(QStringLiteral("WindowLibrary"));
-        QVERIFY(tltest::writeFile(book("Inbox/Note.txt"), "Note\nThe first line names it.\n"));
-        QVERIFY(tltest::writeFile(book("Inbox/Other.txt"), "Other\n"));
-        QVERIFY(tltest::writeFile(book("Archive/Old.txt"), "Old\n"));
-        tl::platform::settings().set(QLatin1String(tl::keys::setting::TavelleFolder), m_library);
-        m_bridge = std::make_unique<tl::browser::EventBridge>();
-        m_window = std::make_unique<MainWindow>(*m_bridge);
-        m_window->openLibrary();
-        m_window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        QVERIFY(m_fixture.open(QStringLiteral("WindowLibrary"),
+                               {{"Inbox/Note.txt", "Note\nThe first line names it.\n"},
+                                {"Inbox/Other.txt", "Other\n"},
+                                {"Archive/Old.txt", "Old\n"}}));
     }
 
-    void cleanup()
-    {
-        m_window.reset();
-        m_bridge.reset();
-    }
+    void cleanup() { m_fixture.close(); }
 
     void typingSavesAfterTheLastKey()
     {
         openBook(book("Inbox"), book("Inbox/Note.txt"));
         selectRow(book("Inbox/Note.txt"));
-        tl::app::PlainTextView *editor = m_window->documentPane()->plainTextView();
+        tl::app::PlainTextView *editor = window()->documentPane()->plainTextView();
         QVERIFY(editor->isVisible());
         QCOMPARE(editor->toPlainText(), QStringLiteral("Note\nThe first line names it.\n"));
 
@@ -104,7 +67,7 @@ private Q_SLOTS:
     {
         openBook(book("Inbox"), book("Inbox/Note.txt"));
         selectRow(book("Inbox/Note.txt"));
-        tl::app::PlainTextView *editor = m_window->documentPane()->plainTextView();
+        tl::app::PlainTextView *editor = window()->documentPane()->plainTextView();
         editor->setFocus();
         editor->moveCursor(QTextCursor::Start);
         editor->moveCursor(QTextCursor::EndOfLine);
@@ -112,16 +75,17 @@ private Q_SLOTS:
         letSaveTimersRun();
         QTRY_VERIFY(QFileInfo::exists(book("Inbox/Notebook.txt")));
         QVERIFY(!QFileInfo::exists(book("Inbox/Note.txt")));
-        QCOMPARE(m_window->documentPane()->shownPath(), book("Inbox/Notebook.txt"));
-        QTRY_VERIFY(m_window->listModel().indexForPath(book("Inbox/Notebook.txt")).isValid());
+        QCOMPARE(window()->documentPane()->shownPath(), book("Inbox/Notebook.txt"));
+        QTRY_VERIFY(window()->listModel().indexForPath(book("Inbox/Notebook.txt")).isValid());
     }
 
     void aDocumentDraggedOntoABookMovesThere()
     {
         openBook(book("Inbox"), book("Inbox/Other.txt"));
-        QTreeView *outline = m_window->outlinePane()->view();
+        QTreeView *outline = window()->outlinePane()->view();
         const QModelIndex archive =
-            m_window->outlinePane()
+            window()
+                ->outlinePane()
                 ->view()
                 ->model()
                 ->match(outline->model()->index(1, 0), tl::browser::OutlineModel::PathRole,
@@ -131,8 +95,8 @@ private Q_SLOTS:
         outline->scrollTo(archive);
 
         // The drag as the list starts it, dropped on the book's row.
-        const QModelIndex row = m_window->listModel().indexForPath(book("Inbox/Other.txt"));
-        std::unique_ptr<QMimeData> data(m_window->listModel().mimeData({row}));
+        const QModelIndex row = window()->listModel().indexForPath(book("Inbox/Other.txt"));
+        std::unique_ptr<QMimeData> data(window()->listModel().mimeData({row}));
         QVERIFY(data && data->hasUrls());
         const QPoint at = outline->visualRect(archive).center();
         QWidget *target = outline->viewport();
@@ -146,7 +110,7 @@ private Q_SLOTS:
 
         QTRY_VERIFY(QFileInfo::exists(book("Archive/Other.txt")));
         QVERIFY(!QFileInfo::exists(book("Inbox/Other.txt")));
-        QTRY_VERIFY(!m_window->listModel().indexForPath(book("Inbox/Other.txt")).isValid());
+        QTRY_VERIFY(!window()->listModel().indexForPath(book("Inbox/Other.txt")).isValid());
     }
 };
 

@@ -4,7 +4,6 @@
 #include "action_registry.h"
 #include "app_tests.h"
 #include "browser/document_list_model.h"
-#include "browser/event_bridge.h"
 #include "document_list_pane.h"
 #include "due_date_dialog.h"
 #include "foundation/clock.h"
@@ -12,11 +11,10 @@
 #include "list_delegate.h"
 #include "main_window.h"
 #include "outline_pane.h"
-#include "platform/settings.h"
-#include "store/keys.h"
 #include "support/test_environment.h"
 #include "tasks/due_dates.h"
 #include "tasks/task_list.h"
+#include "window_fixture.h"
 
 #include <QComboBox>
 #include <QDateEdit>
@@ -26,7 +24,6 @@
 #include <QTest>
 #include <QTimeEdit>
 #include <QTreeView>
-#include <memory>
 
 namespace {
 
@@ -37,41 +34,30 @@ using tl::browser::DocumentListModel;
 class TasksWindowTest : public QObject
 {
     Q_OBJECT
-    QString m_library;
-    std::unique_ptr<tl::browser::EventBridge> m_bridge;
-    std::unique_ptr<MainWindow> m_window;
+    apptest::WindowFixture m_fixture;
 
-    QString item(const QString &name) const { return m_library + u'/' + name; }
+    QString item(const QString &name) const { return m_fixture.item(name); }
+    MainWindow *window() const { return &m_fixture.window(); }
 
 private Q_SLOTS:
     void init()
     {
-        m_library = tltest::makeTemporaryFolder(QStringLiteral("TaskLibrary"));
-        QVERIFY(tltest::writeFile(item("Errands/Call.md"), "Call\n"));
-        QVERIFY(tltest::writeFile(item("Errands/TLTasklistDetails.plist"),
-                                  "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist "
-                                  "version=\"1.0\"><dict/></plist>\n"));
-        QVERIFY(tltest::writeFile(item("Notes/Idea.md"), "Idea\n"));
-        tl::platform::settings().set(QLatin1String(tl::keys::setting::TavelleFolder), m_library);
-        m_bridge = std::make_unique<tl::browser::EventBridge>();
-        m_window = std::make_unique<MainWindow>(*m_bridge);
-        m_window->openLibrary();
-        m_window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        QVERIFY(m_fixture.open(QStringLiteral("TaskLibrary"),
+                               {{"Errands/Call.md", "Call\n"},
+                                {"Errands/TLTasklistDetails.plist",
+                                 "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist "
+                                 "version=\"1.0\"><dict/></plist>\n"},
+                                {"Notes/Idea.md", "Idea\n"}}));
     }
 
-    void cleanup()
-    {
-        m_window.reset();
-        m_bridge.reset();
-    }
+    void cleanup() { m_fixture.close(); }
 
     void aClickOnTheTaskMarkStepsTheTaskOn()
     {
-        m_window->outlinePane()->selectBook(item("Errands"));
-        QTRY_VERIFY(m_window->listModel().indexForPath(item("Errands/Call.md")).isValid());
-        QListView *list = m_window->listPane()->view();
-        const QModelIndex row = m_window->listModel().indexForPath(item("Errands/Call.md"));
+        window()->outlinePane()->selectBook(item("Errands"));
+        QTRY_VERIFY(window()->listModel().indexForPath(item("Errands/Call.md")).isValid());
+        QListView *list = window()->listPane()->view();
+        const QModelIndex row = window()->listModel().indexForPath(item("Errands/Call.md"));
         QCOMPARE(row.data(DocumentListModel::TaskIconRole).toString(), QStringLiteral("task-open"));
         const QPoint mark = tl::app::ListDelegate::iconRect(list->visualRect(row)).center();
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, mark);
@@ -80,7 +66,8 @@ private Q_SLOTS:
                      .value("State")
                      .toString(),
                  QStringLiteral("started"));
-        QTRY_COMPARE(m_window->listModel()
+        QTRY_COMPARE(window()
+                         ->listModel()
                          .indexForPath(item("Errands/Call.md"))
                          .data(DocumentListModel::TaskIconRole)
                          .toString(),
@@ -91,9 +78,9 @@ private Q_SLOTS:
 
     void aBookBecomesATaskListAndStopsBeingOne()
     {
-        m_window->outlinePane()->selectBook(item("Notes"));
-        m_window->outlinePane()->view()->setFocus();
-        QAction *toggle = m_window->actions().action(ActionId::ToggleTaskList);
+        window()->outlinePane()->selectBook(item("Notes"));
+        window()->outlinePane()->view()->setFocus();
+        QAction *toggle = window()->actions().action(ActionId::ToggleTaskList);
         QTRY_VERIFY(toggle->isEnabled());
         QCOMPARE(toggle->text(), QStringLiteral("Make Task List"));
         toggle->trigger();
