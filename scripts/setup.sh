@@ -69,7 +69,22 @@ packages=(
   libavformat-dev libavcodec-dev libswresample-dev
   # the position for inserted locations (GeoClue on the desktop)
   qt6-positioning-dev
+  # text in images and PDFs: the recogniser and its English data
+  libtesseract-dev tesseract-ocr-eng
 )
+
+# The recogniser's data for the locale's language as well, where Debian has
+# it: the locale's definition names the language's three-letter codes.
+locale_name="${LC_ALL:-${LANG:-}}"
+locale_file="/usr/share/i18n/locales/${locale_name%%.*}"
+if [ -f "$locale_file" ]; then
+  for code in $(sed -n 's/^lang_\(term\|lib\)[[:space:]]*"\([a-z]*\)".*/\2/p' "$locale_file"); do
+    if [ "$code" != eng ] && apt-cache show "tesseract-ocr-$code" >/dev/null 2>&1; then
+      packages+=("tesseract-ocr-$code")
+      break
+    fi
+  done
+fi
 
 missing=()
 for p in "${packages[@]}"; do
