@@ -1,6 +1,10 @@
 #include "desktop_launch.h"
 
+#include "browser/event_bridge.h"
 #include "browser/search_index_keeper.h"
+#include "document_windows.h"
+#include "foundation/events.h"
+#include "foundation/notification_center.h"
 #include "main_window.h"
 #include "platform/settings.h"
 #include "shell/app_delegate.h"
@@ -17,6 +21,7 @@ DesktopLaunch::DesktopLaunch(browser::EventBridge &bridge, QObject *parent)
     : QObject(parent), m_bridge(bridge)
 {
     connect(qApp, &QApplication::aboutToQuit, this, &DesktopLaunch::finish);
+    connect(&bridge, &browser::EventBridge::openItemsInNewWindow, this, &DesktopLaunch::openItems);
 }
 
 DesktopLaunch::~DesktopLaunch()
@@ -81,6 +86,19 @@ void DesktopLaunch::bringToFront()
     m_main->show();
     m_main->raise();
     m_main->activateWindow();
+}
+
+void DesktopLaunch::openItems(const QStringList &paths)
+{
+    const QString root = store::libraryRoot();
+    for (const QString &path : paths) {
+        if (showInOpenWindow(path))
+            continue;
+        if (root.isEmpty() || !path.startsWith(root + u'/'))
+            continue;
+        bringToFront();
+        NotificationCenter::defaultCenter().post(events::ShowItemAtPath, {{"path", path}});
+    }
 }
 
 void DesktopLaunch::finish()

@@ -31,6 +31,9 @@ public:
 
 private:
     void showMainWindow();
+    // Files handed over: one a window shows comes to the front, one of the
+    // library shows in the main window.
+    void openItems(const QStringList &paths);
     void finish();
 
     browser::EventBridge &m_bridge;

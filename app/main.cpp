@@ -3,6 +3,7 @@
 #include "assembly/core_assembly.h"
 #include "browser/event_bridge.h"
 #include "desktop_launch.h"
+#include "document_windows.h"
 #include "launch_requests.h"
 #include "qt_alert_presenter.h"
 #include "reminder_agent_launch.h"
@@ -88,6 +89,7 @@ int main(int argc, char **argv)
     };
     // Extra document windows are not kept between sessions yet.
     parts.openDocuments = [](const QVariantList &) {};
+    parts.showInOpenWindow = tl::app::showInOpenWindow;
     tl::assembly::assembleCore(parts);
     if (!tl::assembly::checkAssembly())
         return 1;

@@ -9,6 +9,7 @@
 #include "document/document_pane.h"
 #include "document/plain_text_view.h"
 #include "document_list_pane.h"
+#include "document_windows.h"
 #include "due_date_dialog.h"
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
@@ -69,6 +70,7 @@ MainWindow::MainWindow(EventBridge &bridge, QWidget *parent)
     m_list = new DocumentListPane(*m_listModel, m_outlineController->model(), bridge, *m_actions,
                                   m_panes);
     m_document = new DocumentPane(m_panes);
+    addDocumentPane(m_document);
     for (QWidget *pane : {static_cast<QWidget *>(m_outline), static_cast<QWidget *>(m_list),
                           static_cast<QWidget *>(m_document)})
         m_panes->addWidget(pane);

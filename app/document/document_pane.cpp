@@ -124,6 +124,8 @@ void DocumentPane::showCurrentDocument()
     }
     case browser::FormattedView:
         showFormattedPage();
+        if (!c->anchor.isEmpty())
+            formattedView()->scrollToAnchor(c->anchor);
         m_stack->setCurrentWidget(formattedView());
         break;
     case browser::PDFView:

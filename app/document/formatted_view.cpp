@@ -14,6 +14,7 @@
 #include <QWebEngineScriptCollection>
 #include <QWebEngineSettings>
 #include <QWebEngineView>
+#include <utility>
 
 namespace tl::app {
 
@@ -101,6 +102,8 @@ FormattedView::FormattedView(QWidget *parent)
         Q_EMIT m_bridge->editableChanged(m_editable);
         if (m_pendingOffset > 0)
             Q_EMIT m_bridge->scrollRequested(m_pendingOffset);
+        if (!m_pendingAnchor.isEmpty())
+            Q_EMIT m_bridge->anchorRequested(std::exchange(m_pendingAnchor, {}));
     });
     connect(m_bridge, &PageBridge::pushed, this, &FormattedView::pageLoaded);
     connect(m_bridge, &PageBridge::scrollChanged, this, [this](double y) {
@@ -151,6 +154,7 @@ void FormattedView::showPage(const browser::FormattedPage &page, const QString &
 void FormattedView::load(const browser::FormattedPage &page)
 {
     m_ready = false;
+    m_pendingAnchor.clear();
     m_page->setShowsWebLocation(!page.url.isEmpty() && !page.url.startsWith(u"file:"));
     // Pages loaded by address are the document as it is, and run nothing.
     m_page->settings()->setAttribute(QWebEngineSettings::JavascriptEnabled, page.url.isEmpty());
@@ -179,6 +183,21 @@ void FormattedView::load(const browser::FormattedPage &page)
             .toUtf8());
     out.close();
     m_page->load(QUrl::fromLocalFile(file));
+}
+
+void FormattedView::scrollToAnchor(const QString &anchor)
+{
+    // Signals reach the page in order: after a pushed page, not before it.
+    if (m_ready)
+        Q_EMIT m_bridge->anchorRequested(anchor);
+    else
+        m_pendingAnchor = anchor;
+}
+
+void FormattedView::insertText(const QString &text)
+{
+    if (m_ready && m_editable)
+        Q_EMIT m_bridge->textInserted(text);
 }
 
 void FormattedView::clear()

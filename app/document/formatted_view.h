@@ -26,6 +26,11 @@ public:
     // position stays), head and body for another.
     void showPage(const browser::FormattedPage &page, const QString &documentPath, double offset);
     void clear();
+    // Goes to the element the anchor names, once the page is ready.
+    void scrollToAnchor(const QString &anchor);
+    // Types the text in at the caret of an editable page.
+    void insertText(const QString &text);
+    bool isEditable() const { return m_editable; }
     double scrollOffset() const { return m_offset; }
     // Whether the page's script answered since the last load.
     bool pageIsReady() const { return m_ready; }
@@ -56,6 +61,7 @@ private:
     bool m_editing = false;
     double m_offset = 0;
     double m_pendingOffset = 0;
+    QString m_pendingAnchor;
 };
 
 } // namespace tl::app

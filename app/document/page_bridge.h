@@ -17,6 +17,8 @@ Q_SIGNALS:
     void bodyPushed(const QString &html);
     void pagePushed(const QString &html, double y);
     void scrollRequested(double y);
+    void anchorRequested(const QString &anchor);
+    void textInserted(const QString &text);
     void editableChanged(bool editable);
 
     // From the page, re-emitted for the view.

@@ -58,6 +58,16 @@
       bridge.pushDone();
     });
     bridge.scrollRequested.connect(function (y) { window.scrollTo(0, y); });
+    // The element a reference's anchor names, by id or by name.
+    bridge.anchorRequested.connect(function (anchor) {
+      var target = document.getElementById(anchor) || document.getElementsByName(anchor)[0];
+      if (target) target.scrollIntoView();
+    });
+    bridge.textInserted.connect(function (text) {
+      if (!document.body.isContentEditable) return;
+      document.body.focus();
+      document.execCommand('insertText', false, text);
+    });
     bridge.editableChanged.connect(function (editable) {
       document.body.contentEditable = editable ? 'true' : 'false';
     });

@@ -70,6 +70,7 @@ constexpr Requirement kRequired[] = {
     {"showAllPanes hook", true},
     {"effectiveAppearanceName hook", true},
     {"openDocuments hook", true},
+    {"showInOpenWindow hook", true},
 };
 
 } // namespace
@@ -118,6 +119,7 @@ void assembleCore(const CoreParts &parts)
     install(hooks.effectiveAppearanceName, parts.effectiveAppearanceName,
             "effectiveAppearanceName hook");
     install(hooks.openDocuments, parts.openDocuments, "openDocuments hook");
+    install(hooks.showInOpenWindow, parts.showInOpenWindow, "showInOpenWindow hook");
     const bool mayAsk = parts.host == Host::Desktop;
     hooks.findAlternativePath = [mayAsk](const QString &wanted) {
         return links::tl_findAlternativePathExcluding({wanted, {}, mayAsk, {}});

@@ -31,6 +31,7 @@ struct CoreParts
     std::function<void()> showAllPanes;
     std::function<QString()> effectiveAppearanceName;
     std::function<void(const QVariantList &)> openDocuments;
+    std::function<bool(const QString &)> showInOpenWindow;
 };
 
 void assembleCore(const CoreParts &parts);

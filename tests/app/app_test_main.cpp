@@ -3,6 +3,7 @@
 // program does it and a clock that moves only when a test says so.
 #include "app_tests.h"
 #include "assembly/core_assembly.h"
+#include "document_windows.h"
 #include "foundation/clock.h"
 #include "platform/alerts.h"
 #include "support/test_environment.h"
@@ -27,6 +28,7 @@ int main(int argc, char **argv)
     parts.showAllPanes = [] {};
     parts.effectiveAppearanceName = [] { return QStringLiteral("Light"); };
     parts.openDocuments = [](const QVariantList &) {};
+    parts.showInOpenWindow = tl::app::showInOpenWindow;
     tl::assembly::assembleCore(parts);
     if (!tl::assembly::checkAssembly())
         return 1;

@@ -9,7 +9,7 @@ QList<QObject *> allTests()
     return {makeNavigationRulesTest(),  makeWelcomeWindowTest(),  makeMainWindowTest(),
             makeScriptPagesLabelTest(), makePlainTextViewTest(),  makePublishingTest(),
             makeLinkActionsTest(),      makeContextsWindowTest(), makeTasksWindowTest(),
-            makeSearchOptionsTest()};
+            makeSearchOptionsTest(),    makeOutsideRequestsTest()};
 }
 
 tl::platform::HeadlessAlertPresenter &alerts()

@@ -26,5 +26,6 @@ QObject *makeLinkActionsTest();
 QObject *makeContextsWindowTest();
 QObject *makeTasksWindowTest();
 QObject *makeSearchOptionsTest();
+QObject *makeOutsideRequestsTest();
 
 } // namespace apptest

@@ -37,7 +37,8 @@ TEST(CoreAssembly, TheDesktopFailsLoudlyWithoutItsWindowParts)
     tl::assembly::assembleCore(parts);
     const QStringList missing = tl::assembly::missingParts();
     EXPECT_EQ(missing, (QStringList{"window alert presenter", "showWhatsNew hook",
-                                    "effectiveAppearanceName hook", "openDocuments hook"}));
+                                    "effectiveAppearanceName hook", "openDocuments hook",
+                                    "showInOpenWindow hook"}));
     testing::internal::CaptureStderr();
     EXPECT_FALSE(tl::assembly::checkAssembly());
     const std::string printed = testing::internal::GetCapturedStderr();
@@ -58,6 +59,7 @@ TEST(CoreAssembly, TheDesktopsPartsAreInstalled)
     parts.showAllPanes = [&panes] { ++panes; };
     parts.effectiveAppearanceName = [] { return QStringLiteral("Dark"); };
     parts.openDocuments = [](const QVariantList &) {};
+    parts.showInOpenWindow = [](const QString &) { return true; };
     tl::assembly::assembleCore(parts);
     EXPECT_TRUE(tl::assembly::checkAssembly());
     tl::shell::shellHooks().showAllPanes();
