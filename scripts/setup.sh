@@ -59,6 +59,8 @@ packages=(
   ripgrep
   # the desktop program: widgets, formatted view, PDF view, and a display for its tests
   qt6-webengine-dev qt6-webchannel-dev qt6-pdf-dev qt6-svg-dev xvfb xauth
+  # a private message bus for the reminders' notification tests
+  dbus-daemon
   # peers of the converters, and the Debian package of the program
   pandoc dpkg-dev fakeroot
   # checks of the e-books and PDFs the publishing makes, and reading them back

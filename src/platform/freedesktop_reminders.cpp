@@ -22,18 +22,17 @@ QDBusMessage call(const QString &method)
 
 } // namespace
 
-FreedesktopReminderCentre::FreedesktopReminderCentre(QObject *parent) : QObject(parent)
+FreedesktopReminderCentre::FreedesktopReminderCentre(QObject *parent, QDBusConnection bus)
+    : QObject(parent), bus_(std::move(bus))
 {
-    QDBusConnection bus = QDBusConnection::sessionBus();
-    bus.connect(kService, kPath, kInterface, QStringLiteral("ActionInvoked"), this,
-                SLOT(actionInvoked(uint, QString)));
-    bus.connect(kService, kPath, kInterface, QStringLiteral("NotificationClosed"), this,
-                SLOT(notificationClosed(uint, uint)));
+    bus_.connect(kService, kPath, kInterface, QStringLiteral("ActionInvoked"), this,
+                 SLOT(actionInvoked(uint, QString)));
+    bus_.connect(kService, kPath, kInterface, QStringLiteral("NotificationClosed"), this,
+                 SLOT(notificationClosed(uint, uint)));
 }
 
-bool FreedesktopReminderCentre::available()
+bool FreedesktopReminderCentre::available(const QDBusConnection &bus)
 {
-    const QDBusConnection bus = QDBusConnection::sessionBus();
     return bus.isConnected() && bus.interface() &&
            bus.interface()->isServiceRegistered(kService).value();
 }
@@ -52,7 +51,7 @@ void FreedesktopReminderCentre::present(const Reminder &reminder)
             << QStringList{kDefaultAction, reminder.actionTitle, QStringLiteral("open"),
                            reminder.actionTitle}
             << hints << qint32(-1);
-    const QDBusReply<uint> reply = QDBusConnection::sessionBus().call(message);
+    const QDBusReply<uint> reply = bus_.call(message);
     if (reply.isValid())
         shown_.insert(reminder.identifier, reply.value());
 }
@@ -62,7 +61,7 @@ void FreedesktopReminderCentre::removeDelivered(const QString &identifier)
     if (const uint id = shown_.take(identifier)) {
         QDBusMessage message = call(QStringLiteral("CloseNotification"));
         message << id;
-        QDBusConnection::sessionBus().send(message);
+        bus_.send(message);
     }
     ReminderCentre::removeDelivered(identifier);
 }

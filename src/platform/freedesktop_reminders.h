@@ -2,6 +2,7 @@
 
 #include "platform/reminder_centre.h"
 
+#include <QDBusConnection>
 #include <QHash>
 #include <QObject>
 
@@ -13,10 +14,12 @@ class FreedesktopReminderCentre : public QObject, public ReminderCentre
 {
     Q_OBJECT
 public:
-    explicit FreedesktopReminderCentre(QObject *parent = nullptr);
+    // The bus is the session's unless a test hands in a private one.
+    explicit FreedesktopReminderCentre(QObject *parent = nullptr,
+                                       QDBusConnection bus = QDBusConnection::sessionBus());
 
-    // Whether a session bus with a notification service is there.
-    static bool available();
+    // Whether the bus is there with a notification service on it.
+    static bool available(const QDBusConnection &bus = QDBusConnection::sessionBus());
 
     void removeDelivered(const QString &identifier) override;
 
@@ -28,6 +31,7 @@ private Q_SLOTS:
     void notificationClosed(uint id, uint reason);
 
 private:
+    QDBusConnection bus_;
     // The service's numbers of the notifications shown, by identifier.
     QHash<QString, uint> shown_;
 };
