@@ -1,7 +1,8 @@
-// transcribe, location: text out of recordings, and positions put into
-// documents.
+// ocr, transcribe, location: text out of images, PDFs and recordings, and
+// positions put into documents.
 #include "cli.h"
 #include "importers/location.h"
+#include "importers/text_recognition.h"
 #include "importers/transcription.h"
 
 #include <QFileInfo>
@@ -9,6 +10,37 @@
 namespace tl::cli {
 
 namespace {
+
+int recognizeText(const QCommandLineParser &parser, const Invocation &in)
+{
+    if (in.arguments.size() != 1)
+        return fail(QStringLiteral("ocr takes one PATH"), Usage);
+    const bool save = parser.isSet(QStringLiteral("save"));
+    // The new document links to its source through the library.
+    const std::optional<QString> source =
+        save ? itemInLibrary(in.arguments.first(), Inside::BelowRoot)
+             : absolutePath(in.arguments.first());
+    if (!source)
+        return Failure;
+    if (!QFileInfo(*source).isFile())
+        return fail(QStringLiteral("Cannot read %1").arg(in.arguments.first()));
+    if (!importers::tl_canRecognizeText(*source))
+        return fail(QStringLiteral("Not an image or a PDF: %1").arg(in.arguments.first()));
+    importers::RecognitionRun run;
+    const QString text = importers::tl_recognizeText(*source, run);
+    if (text.isEmpty())
+        return fail(QStringLiteral("No text recognised in %1").arg(in.arguments.first()));
+    const QString document = save ? importers::tl_saveRecognizedText(*source, text) : QString();
+    if (save && document.isEmpty())
+        return fail(QStringLiteral("Cannot save the text of %1").arg(in.arguments.first()));
+    if (in.json)
+        printValue(save ? QVariantMap{{"text", text}, {"document", document}}
+                        : QVariantMap{{"text", text}},
+                   true);
+    else
+        printLine(save ? document : text);
+    return Success;
+}
 
 int transcribe(const QCommandLineParser &parser, const Invocation &in)
 {
@@ -60,6 +92,15 @@ int location(const QCommandLineParser &parser, const Invocation &in)
 const std::vector<Command> &recognitionCommands()
 {
     static const std::vector<Command> commands{
+        {"ocr", "The text of an image or PDF, kept as its OCR property", false,
+         [](QCommandLineParser &parser) {
+             parser.addPositionalArgument(QStringLiteral("PATH"),
+                                          QStringLiteral("The image or PDF."));
+             parser.addOption({QStringLiteral("save"),
+                               QStringLiteral("Make a document of the text beside it, in the "
+                                              "library, and print its path.")});
+         },
+         recognizeText},
         {"transcribe", "A recording's speech into a Markdown transcript beside it", false,
          [](QCommandLineParser &parser) {
              parser.addPositionalArgument(QStringLiteral("PATH"), QStringLiteral("The recording."));

@@ -20,27 +20,6 @@ protected:
     }
 };
 
-// A PDF file with one line of text on each page.
-QByteArray pdfOfPages(const QList<QByteArray> &lines)
-{
-    QList<QByteArray> objects{"<< /Type /Catalog /Pages 2 0 R >>", QByteArray(),
-                              "<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica >>"};
-    QByteArray kids;
-    for (const QByteArray &line : lines) {
-        const QByteArray stream = "BT /F1 12 Tf 72 720 Td (" + line + ") Tj ET";
-        const qsizetype page = objects.size() + 1;
-        objects << "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 612 792] /Resources << /Font "
-                   "<< /F1 3 0 R >> >> /Contents " +
-                       QByteArray::number(page + 1) + " 0 R >>"
-                << "<< /Length " + QByteArray::number(stream.size()) + " >>\nstream\n" + stream +
-                       "\nendstream";
-        kids += QByteArray::number(page) + " 0 R ";
-    }
-    objects[1] =
-        "<< /Type /Pages /Kids [" + kids + "] /Count " + QByteArray::number(lines.size()) + " >>";
-    return tltest::pdfOfObjects(objects);
-}
-
 struct PreviewCase
 {
     const char *name;
@@ -108,7 +87,8 @@ TEST_F(NotePreview, SideCarTextAndRecognisedText)
 
 TEST_F(NotePreview, APdfIsReadOnceThroughItsSideCar)
 {
-    const QString path = document("Paper.pdf", pdfOfPages({"Short first page", "Second page"}));
+    const QString path =
+        document("Paper.pdf", tltest::pdfOfPages({"Short first page", "Second page"}));
     const QString preview = tl_previewOfNoteWithTitle(path, QStringLiteral("Paper.pdf"));
     EXPECT_TRUE(preview.contains("Short first page")) << preview;
     EXPECT_TRUE(preview.contains("Second page")) << preview;

@@ -24,4 +24,26 @@ inline QByteArray pdfOfObjects(const QList<QByteArray> &objects)
     return pdf;
 }
 
+// A PDF of letter-sized pages in Helvetica, one line of text on each.
+inline QByteArray pdfOfPages(const QList<QByteArray> &lines, int fontSize = 12)
+{
+    QList<QByteArray> objects{"<< /Type /Catalog /Pages 2 0 R >>", QByteArray(),
+                              "<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica >>"};
+    QByteArray kids;
+    for (const QByteArray &line : lines) {
+        const QByteArray stream =
+            "BT /F1 " + QByteArray::number(fontSize) + " Tf 72 720 Td (" + line + ") Tj ET";
+        const qsizetype page = objects.size() + 1;
+        objects << "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 612 792] /Resources << /Font "
+                   "<< /F1 3 0 R >> >> /Contents " +
+                       QByteArray::number(page + 1) + " 0 R >>"
+                << "<< /Length " + QByteArray::number(stream.size()) + " >>\nstream\n" + stream +
+                       "\nendstream";
+        kids += QByteArray::number(page) + " 0 R ";
+    }
+    objects[1] =
+        "<< /Type /Pages /Kids [" + kids + "] /Count " + QByteArray::number(lines.size()) + " >>";
+    return pdfOfObjects(objects);
+}
+
 } // namespace tltest
