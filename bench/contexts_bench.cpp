@@ -96,13 +96,9 @@ BENCHMARK(BM_ItemsOfTag)->Unit(benchmark::kMillisecond);
 int main(int argc, char **argv)
 {
     const IsolatedHome home;
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::Shutdown();
-    reporter.printRatio("BM_FirstCollection/iterations:3", "BM_PlainWalk/iterations:3",
-                        "first collection", "plain walk reading every property file", 1.5);
-    reporter.printLimit("BM_ItemsOfTag", "items of a tag with 5,000 items", 50);
-    return 0;
+    return runBenchmarksWithRatios(
+        argc, argv,
+        {{"BM_FirstCollection/iterations:3", "BM_PlainWalk/iterations:3", "first collection",
+          "plain walk reading every property file", 1.5}},
+        {{"BM_ItemsOfTag", "items of a tag with 5,000 items", 50}});
 }

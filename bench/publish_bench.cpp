@@ -13,7 +13,6 @@
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 #include <chrono>
-#include <cstdio>
 
 namespace {
 
@@ -146,26 +145,17 @@ void BM_PandocEPub(benchmark::State &state)
 }
 BENCHMARK(BM_PandocEPub)->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(1);
 
-void printSeconds(const char *label, double limit)
-{
-    std::printf("%s: target under %.0f s\n", label, limit);
-}
-
 } // namespace
 
 int main(int argc, char **argv)
 {
     const IsolatedHome home;
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    printSeconds("500 notes of 5 KB to one HTML document", 3);
-    reporter.printRatio("BM_CompileHTML/iterations:3", "BM_PandocHTML/iterations:1/manual_time",
-                        "compile to HTML", "pandoc to HTML", 0.33);
-    printSeconds("an e-book of 100 chapters", 5);
-    reporter.printRatio("BM_EPub/iterations:3", "BM_PandocEPub/iterations:1/manual_time", "e-book",
-                        "pandoc to EPUB 2", 0.33);
-    benchmark::Shutdown();
-    return 0;
+    return runBenchmarksWithRatios(
+        argc, argv,
+        {{"BM_CompileHTML/iterations:3", "BM_PandocHTML/iterations:1/manual_time",
+          "compile to HTML", "pandoc to HTML", 0.33},
+         {"BM_EPub/iterations:3", "BM_PandocEPub/iterations:1/manual_time", "e-book",
+          "pandoc to EPUB 2", 0.33}},
+        {{"BM_CompileHTML/iterations:3", "500 notes of 5 KB to one HTML document", 3000},
+         {"BM_EPub/iterations:3", "an e-book of 100 chapters", 5000}});
 }

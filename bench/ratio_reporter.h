@@ -51,10 +51,20 @@ struct BenchmarkRatio
     double target;
 };
 
-// The main of a benchmark program that states ratios: every benchmark asked
-// for, with an application object, then each ratio whose two runs ran.
+// One limit a benchmark program states: the run `name` against a fixed time.
+struct BenchmarkLimit
+{
+    const char *name;
+    const char *label;
+    double limitMilliseconds;
+};
+
+// The main of a benchmark program that states ratios and limits: every
+// benchmark asked for, with an application object, then each ratio whose two
+// runs ran and each limit whose run ran.
 inline int runBenchmarksWithRatios(int argc, char **argv,
-                                   std::initializer_list<BenchmarkRatio> ratios)
+                                   std::initializer_list<BenchmarkRatio> ratios,
+                                   std::initializer_list<BenchmarkLimit> limits = {})
 {
     QCoreApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
@@ -63,5 +73,7 @@ inline int runBenchmarksWithRatios(int argc, char **argv,
     benchmark::Shutdown();
     for (const BenchmarkRatio &ratio : ratios)
         reporter.printRatio(ratio.name, ratio.floor, ratio.label, ratio.floorLabel, ratio.target);
+    for (const BenchmarkLimit &limit : limits)
+        reporter.printLimit(limit.name, limit.label, limit.limitMilliseconds);
     return 0;
 }

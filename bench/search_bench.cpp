@@ -147,14 +147,11 @@ BENCHMARK(BM_TwoTermSearchThroughCommand)->Unit(benchmark::kMillisecond)->Iterat
 int main(int argc, char **argv)
 {
     const IsolatedHome home;
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::Shutdown();
-    reporter.printRatio("BM_BuildIndexFromNothing/iterations:1", "BM_RipgrepScan/iterations:3",
-                        "index built from nothing", "rg -l over the same folder", 3.0);
-    reporter.printLimit("BM_TwoTermSearchInProgram", "two-term search in the program", 20);
-    reporter.printLimit("BM_TwoTermSearchThroughCommand/iterations:10",
-                        "two-term search through the command", 300);
+    return runBenchmarksWithRatios(
+        argc, argv,
+        {{"BM_BuildIndexFromNothing/iterations:1", "BM_RipgrepScan/iterations:3",
+          "index built from nothing", "rg -l over the same folder", 3.0}},
+        {{"BM_TwoTermSearchInProgram", "two-term search in the program", 20},
+         {"BM_TwoTermSearchThroughCommand/iterations:10", "two-term search through the command",
+          300}});
 }
