@@ -95,6 +95,12 @@ const std::vector<ActionSpec> &specs()
          [](const ActionState &s) { return s.tasksSelected; }},
         {ActionId::ExtractTasks, "E&xtract Tasks", K(), nullptr,
          [](const ActionState &s) { return s.documentShown; }},
+        {ActionId::TranscribeRecording, "Transcribe Recording", K(), nullptr,
+         [](const ActionState &s) {
+             return s.recordingSelected && s.transcriptionRefusal.isEmpty();
+         }},
+        {ActionId::InsertLocation, "Insert Location", K(), nullptr,
+         [](const ActionState &s) { return s.textEditorShown; }},
     };
     return table;
 }
@@ -174,6 +180,11 @@ void ActionRegistry::update(const ActionState &state)
     action(ActionId::ToggleTaskList)
         ->setText(state.taskListSelected ? QStringLiteral("Stop Being a Task List")
                                          : QStringLiteral("Make Task List"));
+    // A disabled Transcribe Recording says why where the menu shows it.
+    QAction *transcribe = action(ActionId::TranscribeRecording);
+    transcribe->setToolTip(state.transcriptionRefusal.isEmpty() ? transcribe->text()
+                                                                : state.transcriptionRefusal);
+    transcribe->setStatusTip(state.transcriptionRefusal);
 }
 
 QMenu *ActionRegistry::colorLabelMenu(QWidget *parent) const
@@ -219,6 +230,7 @@ void ActionRegistry::fillMenuBar(QMenuBar *bar) const
     edit->addSeparator();
     edit->addAction(action(ActionId::Rename));
     edit->addAction(action(ActionId::MoveToTrash));
+    edit->addAction(action(ActionId::InsertLocation));
     edit->addSeparator();
     edit->addAction(action(ActionId::Filter));
 
@@ -234,6 +246,9 @@ void ActionRegistry::fillMenuBar(QMenuBar *bar) const
     item->addAction(action(ActionId::ToggleTaskList));
     item->addAction(action(ActionId::SetDueDate));
     item->addAction(action(ActionId::ExtractTasks));
+    item->addSeparator();
+    item->addAction(action(ActionId::TranscribeRecording));
+    item->setToolTipsVisible(true);
 
     QMenu *view = bar->addMenu(QStringLiteral("&View"));
     view->addAction(action(ActionId::TogglePlainAndFormatted));
@@ -273,6 +288,8 @@ void ActionRegistry::fillItemMenu(QMenu *menu) const
     menu->addSeparator();
     menu->addAction(action(ActionId::ToggleTaskList));
     menu->addAction(action(ActionId::SetDueDate));
+    menu->addAction(action(ActionId::TranscribeRecording));
+    menu->setToolTipsVisible(true);
     menu->addSeparator();
     menu->addAction(action(ActionId::ShowInFileManager));
     menu->addAction(action(ActionId::OpenWithDefaultApplication));

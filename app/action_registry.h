@@ -24,12 +24,16 @@ struct ActionState
     bool bookShown = false;     // a plain book is shown in the list
     bool itemsSelected = false; // list or outline rows that are items
     bool oneItemSelected = false;
-    bool documentSelected = false; // one selected item that is a document
-    bool documentShown = false;    // the document view shows a file
-    bool canToggleView = false;    // plain text and formatted can swap
-    bool booksSelected = false;    // every selected item is a book
-    bool taskListSelected = false; // the first selected book is a task list
-    bool tasksSelected = false;    // every selected item is a task
+    bool documentSelected = false;  // one selected item that is a document
+    bool documentShown = false;     // the document view shows a file
+    bool canToggleView = false;     // plain text and formatted can swap
+    bool booksSelected = false;     // every selected item is a book
+    bool taskListSelected = false;  // the first selected book is a task list
+    bool tasksSelected = false;     // every selected item is a task
+    bool recordingSelected = false; // one selected item that is a sound recording
+    bool textEditorShown = false;   // the document view takes inserted text
+    // Why recordings cannot be transcribed; empty when they can.
+    QString transcriptionRefusal;
 };
 
 enum class ActionId {
@@ -65,6 +69,8 @@ enum class ActionId {
     ToggleTaskList,
     SetDueDate,
     ExtractTasks,
+    TranscribeRecording,
+    InsertLocation,
 };
 
 class ActionRegistry : public QObject

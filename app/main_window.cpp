@@ -14,14 +14,17 @@
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
 #include "foundation/path_string.h"
+#include "importers/current_location.h"
 #include "inline_renamer.h"
 #include "item_actions.h"
 #include "link_actions.h"
 #include "outline_pane.h"
 #include "publishing/publish_runner.h"
+#include "recognition/transcription_runner.h"
 #include "script_pages_label.h"
 #include "server_pane.h"
 #include "shell/app_state.h"
+#include "store/extensions.h"
 #include "store/item_path.h"
 #include "store/library_root.h"
 #include "store/task_records.h"
@@ -197,6 +200,13 @@ void MainWindow::buildActions()
     a.onTriggered(ActionId::SetDueDate,
                   [this] { DueDateDialog::editItems(selectedItems(), this); });
     a.onTriggered(ActionId::ExtractTasks, [this] { m_document->controller().tl_extractTasks(); });
+    m_transcriber = new TranscriptionRunner(this);
+    a.onTriggered(ActionId::TranscribeRecording,
+                  [this] { m_transcriber->transcribe(selectedItems().value(0)); });
+    auto *location = new importers::CurrentLocation(this);
+    connect(location, &importers::CurrentLocation::located, m_document,
+            &DocumentPane::insertLocation);
+    a.onTriggered(ActionId::InsertLocation, [location] { location->start(); });
     a.onTriggered(ActionId::Quit, [this] { close(); });
     a.onTriggered(ActionId::About, [this] {
         QMessageBox::about(this, QStringLiteral("About Tavelle"),
@@ -297,6 +307,11 @@ void MainWindow::updateActions()
     state.taskListSelected = state.booksSelected && store::tl_bookIsTasklist(items.first());
     state.tasksSelected =
         state.itemsSelected && std::all_of(items.cbegin(), items.cend(), store::tl_itemIsTask);
+    state.recordingSelected =
+        state.documentSelected && state.oneItemSelected &&
+        store::audioExtensions().contains(store::lowerCasedExtension(items.first()));
+    state.textEditorShown = m_document->canInsertText();
+    state.transcriptionRefusal = m_transcriber->refusal();
     m_actions->update(state);
     m_actions->action(ActionId::ShowOutline)->setChecked(!m_outline->isHidden());
     m_actions->action(ActionId::ShowDocumentList)->setChecked(!m_list->isHidden());

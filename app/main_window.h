@@ -23,6 +23,7 @@ namespace tl::app {
 
 class ActionRegistry;
 class ScriptPagesLabel;
+class TranscriptionRunner;
 class DocumentListPane;
 class DocumentPane;
 class InlineRenamer;
@@ -79,6 +80,7 @@ private:
     InlineRenamer *m_outlineRenamer;
     QLabel *m_status;
     ScriptPagesLabel *m_scriptPages;
+    TranscriptionRunner *m_transcriber = nullptr;
 };
 
 } // namespace tl::app

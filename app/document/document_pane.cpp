@@ -155,6 +155,33 @@ void DocumentPane::toggleView()
     m_controller->tl_togglePlainTextAndFormattedView();
 }
 
+bool DocumentPane::canInsertText() const
+{
+    const int view = m_controller->viewThatIsVisible;
+    return !m_controller->path.isEmpty() &&
+           (view == browser::PlainTextView ||
+            (view == browser::FormattedView && m_controller->formattedPage.editable));
+}
+
+void DocumentPane::insertLocation(const importers::LocationFix &fix)
+{
+    if (!canInsertText())
+        return;
+    TLKSDocumentViewController *c = m_controller;
+    if (c->viewThatIsVisible == browser::FormattedView) {
+        if (c->isLocked() && !c->tl_showUnlockAlert())
+            return;
+        if (const auto html =
+                importers::tl_locationTextForDocument(fix, c->path, importers::LocationForm::HTML))
+            formattedView()->insertHTML(*html);
+        return;
+    }
+    // An HTML document in the plain-text editor shows its Markdown source.
+    if (const auto text = importers::tl_locationTextForDocument(
+            fix, c->path, importers::LocationForm::Markdown, c->presentingToggledView))
+        m_plain->insertAtSelection(*text);
+}
+
 bool DocumentPane::canToggleView() const
 {
     const int view = m_controller->viewThatIsVisible;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "browser/document_view_controller.h"
+#include "importers/location.h"
 
 #include <QWidget>
 
@@ -30,6 +31,12 @@ public:
 
     void toggleView();
     bool canToggleView() const;
+    // Whether the view on show takes inserted text: the plain-text editor, or
+    // a formatted page that may be edited.
+    bool canInsertText() const;
+    // tl_insertLocationAtCoordinate: the position's text (and its map
+    // picture) put in at the caret of the view on show.
+    void insertLocation(const importers::LocationFix &fix);
     QString shownPath() const { return m_controller->path; }
 
 Q_SIGNALS:

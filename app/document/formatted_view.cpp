@@ -200,6 +200,12 @@ void FormattedView::insertText(const QString &text)
         Q_EMIT m_bridge->textInserted(text);
 }
 
+void FormattedView::insertHTML(const QString &html)
+{
+    if (m_ready && m_editable)
+        Q_EMIT m_bridge->htmlInserted(html);
+}
+
 void FormattedView::clear()
 {
     m_documentPath.clear();

@@ -31,6 +31,8 @@ public:
     // Types the text in at the caret of an editable page.
     void insertText(const QString &text);
     bool isEditable() const { return m_editable; }
+    // Puts the markup in at the caret of an editable page.
+    void insertHTML(const QString &html);
     double scrollOffset() const { return m_offset; }
     // Whether the page's script answered since the last load.
     bool pageIsReady() const { return m_ready; }

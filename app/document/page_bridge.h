@@ -20,6 +20,7 @@ Q_SIGNALS:
     void anchorRequested(const QString &anchor);
     void textInserted(const QString &text);
     void editableChanged(bool editable);
+    void htmlInserted(const QString &html);
 
     // From the page, re-emitted for the view.
     void ready();

@@ -123,6 +123,14 @@ Rgba toRgba(const QColor &color)
     return {color.redF(), color.greenF(), color.blueF(), color.alphaF()};
 }
 
+// The text in place of the selection, the caret behind it.
+void replaceSelection(EditorBuffer &b, const QString &text)
+{
+    const TextRange selection = b.selection();
+    if (b.tl_replaceCharactersInRange(selection, withNewlineParagraphs(text)))
+        b.setSelection({selection.location + text.size(), 0});
+}
+
 } // namespace
 
 void PlainTextView::updateStyle()
@@ -486,12 +494,14 @@ void PlainTextView::pasteAsMarkdown()
     pasted.text = clipboard->text();
     const QString root = store::libraryRoot();
     applyRule([&](EditorBuffer &b, EditorContext &) {
-        const QString markdown =
-            tl_pasteAsMarkdown(pasted, b.textIn(b.selection()).toString(), m_path, root);
-        const TextRange selection = b.selection();
-        if (b.tl_replaceCharactersInRange(selection, withNewlineParagraphs(markdown)))
-            b.setSelection({selection.location + markdown.size(), 0});
+        replaceSelection(
+            b, tl_pasteAsMarkdown(pasted, b.textIn(b.selection()).toString(), m_path, root));
     });
+}
+
+void PlainTextView::insertAtSelection(const QString &text)
+{
+    applyRule([&](EditorBuffer &b, EditorContext &) { replaceSelection(b, text); });
 }
 
 void PlainTextView::insertMarkdownLink()

@@ -35,6 +35,8 @@ public:
     void sortLines();
     void pasteAsMarkdown();
     void insertMarkdownLink();
+    // Puts the text in place of the selection, the caret behind it.
+    void insertAtSelection(const QString &text);
 
 Q_SIGNALS:
     // The first key that would change the text: set *allowed to false to

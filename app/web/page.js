@@ -68,6 +68,11 @@
       document.body.focus();
       document.execCommand('insertText', false, text);
     });
+    bridge.htmlInserted.connect(function (html) {
+      if (!document.body.isContentEditable) return;
+      document.body.focus();
+      document.execCommand('insertHTML', false, html);
+    });
     bridge.editableChanged.connect(function (editable) {
       document.body.contentEditable = editable ? 'true' : 'false';
     });

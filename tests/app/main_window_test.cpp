@@ -1,20 +1,24 @@
 // The paths a person takes through the window: open a library, pick a
 // document, type, and see the save land; rename by the first line; drag a
 // document into another book.
+#include "action_registry.h"
 #include "app_tests.h"
 #include "browser/document_list_model.h"
 #include "browser/outline_model.h"
 #include "document/document_pane.h"
 #include "document/plain_text_view.h"
 #include "document_list_pane.h"
+#include "foundation/clock.h"
 #include "main_window.h"
 #include "outline_pane.h"
+#include "platform/location_service.h"
 #include "support/test_environment.h"
 #include "window_fixture.h"
 
 #include <QFileInfo>
 #include <QMimeData>
 #include <QTest>
+#include <QTimer>
 #include <QTreeView>
 
 namespace {
@@ -111,6 +115,38 @@ private Q_SLOTS:
         QTRY_VERIFY(QFileInfo::exists(book("Archive/Other.txt")));
         QVERIFY(!QFileInfo::exists(book("Inbox/Other.txt")));
         QTRY_VERIFY(!window()->listModel().indexForPath(book("Inbox/Other.txt")).isValid());
+    }
+
+    void insertLocationPutsThePositionAtTheCaret()
+    {
+        // The desktop's service gives one fresh fix, good to five metres.
+        class OneFix : public tl::platform::LocationService
+        {
+        public:
+            bool start() override
+            {
+                QTimer::singleShot(0, this, [this] {
+                    Q_EMIT positionUpdated({48.8584, 2.2945, 5, tl::clock().now()});
+                });
+                return true;
+            }
+            void stop() override {}
+        };
+        tl::platform::setLocationServiceFactory([] { return std::make_unique<OneFix>(); });
+        openBook(book("Inbox"), book("Inbox/Note.txt"));
+        selectRow(book("Inbox/Note.txt"));
+        tl::app::PlainTextView *editor = window()->documentPane()->plainTextView();
+        editor->moveCursor(QTextCursor::End);
+        QAction *insert = window()->actions().action(tl::app::ActionId::InsertLocation);
+        QVERIFY(insert->isEnabled());
+        insert->trigger();
+        // Plain text shows no picture.
+        QTRY_VERIFY(editor->toPlainText().endsWith(
+            QStringLiteral("Coordinates (5m): [48.858400°N 002.294500°E]"
+                           "(https://maps.google.com/?ll=48.858400,2.294500)")));
+        QVERIFY(editor->toPlainText().contains(QStringLiteral("\nTime: ")));
+        QVERIFY(!QFileInfo::exists(book("Inbox/TLImages")));
+        tl::platform::setLocationServiceFactory({});
     }
 };
 
