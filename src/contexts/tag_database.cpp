@@ -227,6 +227,15 @@ void tl_collectTagsInPlist(const QString &path)
         postContextsChanged(true);
 }
 
+void tl_collectTagsInPlists(const QStringList &paths)
+{
+    if (forEachInBatches(
+            paths.size(),
+            [&paths](TagStores &stores, qsizetype i) { collectTagsInPlist(stores, paths[i]); },
+            nullptr))
+        postContextsChanged(true);
+}
+
 void tl_updateContextsRemoving(const QString &path, const TagSet &removed, const TagSet &added)
 {
     TagStores stores;

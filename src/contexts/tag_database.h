@@ -37,6 +37,8 @@ void tl_clearAllTags(const QString &path);
 // Merges one item's "Tags" into both stores; the argument may name the
 // item or its properties file.
 void tl_collectTagsInPlist(const QString &path);
+// The same for many items, in batches of the stores: an import's notes.
+void tl_collectTagsInPlists(const QStringList &paths);
 // Changes an item's tags by two sets, then collects them.
 void tl_updateContextsRemoving(const QString &path, const TagSet &removed, const TagSet &added);
 // Adds the contexts found in the text to the item.

@@ -115,13 +115,17 @@ QString tl_plainTextRepresentation(const QString &html)
     return source.trimmed();
 }
 
+QString withEmbeddedStylesheet(const QString &path, const QString &html, const QString &styleSheet)
+{
+    return formattedDocument(titleOfPath(path), styleSheet, tl_getInnerHTML(html));
+}
+
 bool tl_updateEmbeddedStylesheet(const QString &path)
 {
     const std::optional<store::DecodedText> file = store::tl_stringWithContentsOfFile(path);
     if (!file || file->text.isEmpty())
         return false;
-    const QString updated = formattedDocument(titleOfPath(path), tl_inheritedStyleSheet(path),
-                                              tl_getInnerHTML(file->text));
+    const QString updated = withEmbeddedStylesheet(path, file->text, tl_inheritedStyleSheet(path));
     if (digestWithoutGenerator(file->text) == digestWithoutGenerator(updated))
         return false;
     if (!store::tl_writeToFile(updated, path, true, file->encoding))

@@ -27,6 +27,8 @@ QString tl_stripMarkdownFromHTML(const QString &html);
 // The Markdown source of a document that begins with its representation.
 QString tl_plainTextRepresentation(const QString &html);
 
+// The item's HTML as that update writes it, with the style sheet given.
+QString withEmbeddedStylesheet(const QString &path, const QString &html, const QString &styleSheet);
 // Rewrites the file with the item's current style sheet, only when that
 // changes more than the generator; posts the file's modification then.
 bool tl_updateEmbeddedStylesheet(const QString &path);

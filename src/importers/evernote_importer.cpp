@@ -2,18 +2,21 @@
 
 #include "contexts/tag_database.h"
 #include "convert/envelope.h"
+#include "convert/style_sheet.h"
+#include "foundation/events.h"
+#include "foundation/notification_center.h"
 #include "importers/event_parser.h"
+#include "platform/file_ops.h"
 #include "store/item_path.h"
+#include "store/keys.h"
 #include "store/log.h"
 #include "store/mime_types.h"
 #include "store/properties.h"
 #include "store/safe_names.h"
 
 #include <QCryptographicHash>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 namespace tl::importers {
 
@@ -21,6 +24,10 @@ namespace {
 
 // Exports hold megabytes of base64 in one element; the parser gets pieces.
 constexpr qint64 kChunkSize = 256 * 1024;
+// Notes whose tags wait to be collected into the tag stores in one batch.
+constexpr qsizetype kTaggedNotesPerBatch = 100;
+
+namespace P = keys::property;
 
 TLKSEvernoteImporter *importerOf(void *context)
 {
@@ -46,12 +53,6 @@ void onEnd(void *context, const xmlChar *localName, const xmlChar *, const xmlCh
 void onText(void *context, const xmlChar *text, int length)
 {
     importerOf(context)->text(reinterpret_cast<const char *>(text), length);
-}
-
-bool writeAtomically(const QString &path, const QByteArray &data)
-{
-    QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(data) == data.size() && file.commit();
 }
 
 } // namespace
@@ -84,6 +85,8 @@ bool TLKSEvernoteImporter::start()
         last = chunk.size() < kChunkSize;
         fine = parser.feed(chunk.constData(), int(chunk.size()), last);
     }
+    // The notes written keep their tags, however the parse ended.
+    collectTags();
     return fine && !m_cancelled;
 }
 
@@ -139,8 +142,7 @@ void TLKSEvernoteImporter::endResource()
         if (!m_mime.isEmpty() && !extension.isEmpty())
             name += u'.' + extension;
     }
-    QDir().mkpath(m_attachmentFolder);
-    writeAtomically(m_attachmentFolder + u'/' + name, bytes);
+    platform::writeCopyAtomically(m_attachmentFolder + u'/' + name, bytes);
     m_fileName.clear();
     m_mime.clear();
 }
@@ -155,32 +157,49 @@ void TLKSEvernoteImporter::endNoteElement(const QString &name, const QString &te
         m_content = text;
     } else if (name == u"created") {
         if (!m_notePath.isEmpty() && !text.isEmpty())
-            store::tl_setCreationDate(m_notePath, dateFromEvernoteDate(trimmed));
+            m_properties.insert(QLatin1String(P::CreationDate), dateFromEvernoteDate(trimmed));
     } else if (name == u"updated") {
         if (!text.isEmpty())
             m_modifiedDate = dateFromEvernoteDate(trimmed);
     } else if (name == u"tag") {
-        if (!m_notePath.isEmpty() && !text.isEmpty())
+        if (!m_notePath.isEmpty() && !text.isEmpty() && !m_tags.contains(trimmed))
             m_tags << trimmed;
     } else if (name == u"source-url") {
         if (!m_notePath.isEmpty())
-            store::tl_setProperty(m_notePath, trimmed, QStringLiteral("URL"));
+            m_properties.insert(QLatin1String(P::URL), trimmed);
     } else if (name == u"note") {
         writeNote();
     } else if (!m_notePath.isEmpty() && !trimmed.isEmpty()) {
-        store::tl_setProperty(m_notePath, trimmed, name);
+        m_properties.insert(name, trimmed);
     }
+}
+
+// The note with the book's style embedded at once, as every note shares it.
+QString TLKSEvernoteImporter::noteDocument()
+{
+    const QString html = evernoteNoteHTML(m_content, m_hashFilenameDictionary);
+    if (html.isEmpty())
+        return html;
+    if (!m_styleSheet)
+        m_styleSheet = convert::tl_inheritedStyleSheet(m_notePath);
+    return convert::withEmbeddedStylesheet(m_notePath, html, *m_styleSheet);
 }
 
 // A note without a title has no path: it is counted, and its write fails.
 void TLKSEvernoteImporter::writeNote()
 {
     if (!m_notePath.isEmpty() &&
-        writeAtomically(m_notePath,
-                        evernoteNoteHTML(m_content, m_hashFilenameDictionary).toUtf8())) {
-        convert::tl_applyCurrentStyle(m_notePath);
-        for (const QString &tag : std::as_const(m_tags))
-            contexts::tl_setTag(m_notePath, tag);
+        platform::writeCopyAtomically(m_notePath, noteDocument().toUtf8())) {
+        NotificationCenter::defaultCenter().post(QLatin1String(events::FileModifiedOnDisk),
+                                                 {{QStringLiteral("path"), m_notePath}});
+        // The note's properties file is written once, its tags with the rest.
+        if (!m_tags.isEmpty()) {
+            m_properties.insert(QLatin1String(P::Tags), m_tags);
+            m_taggedNotes << m_notePath;
+        }
+        store::tl_setProperties(m_notePath, m_properties);
+        if (m_taggedNotes.size() >= kTaggedNotesPerBatch)
+            collectTags();
         if (m_modifiedDate) {
             QFile note(m_notePath);
             if (note.open(QIODevice::ReadWrite))
@@ -193,6 +212,13 @@ void TLKSEvernoteImporter::writeNote()
         progress(QFileInfo(m_notePath).fileName());
     m_notePath.clear();
     m_tags.clear();
+    m_properties.clear();
+}
+
+void TLKSEvernoteImporter::collectTags()
+{
+    contexts::tl_collectTagsInPlists(m_taggedNotes);
+    m_taggedNotes.clear();
 }
 
 } // namespace tl::importers

@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QString>
 #include <QStringList>
+#include <QVariantMap>
 #include <atomic>
 #include <functional>
 #include <optional>
@@ -42,6 +43,8 @@ private:
     void endResource();
     void endNoteElement(const QString &name, const QString &text);
     void writeNote();
+    QString noteDocument();
+    void collectTags();
 
     QString m_path;
     QString m_folder;
@@ -51,8 +54,12 @@ private:
     QByteArray m_data;
     QString m_fileName;
     QString m_notePath;
-    // Tags wait for the note's file, as only an existing item takes one.
+    // Properties and tags wait for the note's file, which takes them in one
+    // write; the tag stores take the tags of many notes at once.
+    QVariantMap m_properties;
     QStringList m_tags;
+    QStringList m_taggedNotes;
+    std::optional<QString> m_styleSheet;
     std::optional<QByteArray> m_currentElement;
     bool m_processingResources = false;
     QHash<QString, QString> m_hashFilenameDictionary;

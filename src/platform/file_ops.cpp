@@ -328,7 +328,9 @@ bool isAtomicWriteTemporary(const QString &fileName)
     });
 }
 
-bool writeFileAtomically(const QString &path, const QByteArray &data)
+namespace {
+
+bool writeThroughTemporary(const QString &path, const QByteArray &data, bool durable)
 {
     if (path.isEmpty())
         return false;
@@ -355,7 +357,7 @@ bool writeFileAtomically(const QString &path, const QByteArray &data)
         if (ok && (old.st_uid != ::geteuid() || old.st_gid != ::getegid()))
             (void)!::fchown(temp->fd, old.st_uid, old.st_gid);
     }
-    ok = ok && ::fsync(temp->fd) == 0;
+    ok = ok && (!durable || ::fsync(temp->fd) == 0);
     ok = closeKeepingError(temp->fd, ok);
     ok = ok && ::rename(temp->path.constData(), target.constData()) == 0;
     if (!ok) {
@@ -365,12 +367,25 @@ bool writeFileAtomically(const QString &path, const QByteArray &data)
         return false;
     }
     // Make the rename itself durable; a failure here loses nothing.
-    const int folder = ::open(parentOf(target).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int folder =
+        durable ? ::open(parentOf(target).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1;
     if (folder >= 0) {
         ::fsync(folder);
         ::close(folder);
     }
     return true;
+}
+
+} // namespace
+
+bool writeFileAtomically(const QString &path, const QByteArray &data)
+{
+    return writeThroughTemporary(path, data, true);
+}
+
+bool writeCopyAtomically(const QString &path, const QByteArray &data)
+{
+    return writeThroughTemporary(path, data, false);
 }
 
 bool writeFileInPlace(const QString &path, const QByteArray &data)

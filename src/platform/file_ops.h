@@ -20,6 +20,11 @@ namespace tl::platform {
 // Missing parent folders are made.
 bool writeFileAtomically(const QString &path, const QByteArray &data);
 
+// The same without waiting for the disk, for copies whose source stays (an
+// import's notes and resources): a crash may leave the copy empty, but never
+// half written, and the import can run again.
+bool writeCopyAtomically(const QString &path, const QByteArray &data);
+
 // Whether a file name is that of the temporary file writeFileAtomically makes
 // beside its target (".NAME.NUMBER.tmp"); watchers leave such files out.
 bool isAtomicWriteTemporary(const QString &fileName);

@@ -194,6 +194,36 @@ void tl_setProperty(const QString &path, const QVariant &value, const QString &k
     hidePropertiesFileIfWanted(file);
 }
 
+void tl_setProperties(const QString &path, const QVariantMap &values)
+{
+    if (path.isEmpty() || lastComponentOf(path).startsWith(QLatin1String(names::NewNoteTmp)))
+        return;
+    // Removals, attributes and documents outside the library keep their own rules.
+    const bool inside = isInsideRoot(path, libraryRoot());
+    QVariantMap plain;
+    for (auto it = values.cbegin(); it != values.cend(); ++it) {
+        if (inside && it.value().isValid() && !usesAttributeStore(path, it.key()))
+            plain.insert(it.key(), it.value());
+        else
+            tl_setProperty(path, it.value(), it.key());
+    }
+    if (plain.isEmpty())
+        return;
+    const QString file = propertiesFilePath(path);
+    QVariantMap properties = readPlistDictionary(file);
+    bool changed = false;
+    for (auto it = plain.cbegin(); it != plain.cend(); ++it) {
+        const auto stored = properties.constFind(it.key());
+        if (stored == properties.cend() || !plistValuesEqual(stored.value(), it.value())) {
+            properties.insert(it.key(), it.value());
+            changed = true;
+        }
+    }
+    if (changed)
+        writePlistFile(file, properties, false);
+    hidePropertiesFileIfWanted(file);
+}
+
 void tl_removePropertyForKey(const QString &path, const QString &key)
 {
     if (path.isEmpty())

@@ -13,6 +13,8 @@ namespace tl::store {
 QVariant tl_propertyForKey(const QString &path, const QString &key);
 // An invalid value removes the key. Writes only when the value changed.
 void tl_setProperty(const QString &path, const QVariant &value, const QString &key);
+// Several keys at once, the properties file read and written once.
+void tl_setProperties(const QString &path, const QVariantMap &values);
 void tl_removePropertyForKey(const QString &path, const QString &key);
 // The value on the item or its nearest ancestor below the library root.
 QVariant tl_inheritedPropertyForKey(const QString &path, const QString &key);

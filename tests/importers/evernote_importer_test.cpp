@@ -1,5 +1,6 @@
 #include "importers/evernote_importer.h"
 
+#include "contexts/tag_database.h"
 #include "store/library_fixture.h"
 
 #include <QDir>
@@ -69,6 +70,23 @@ TEST_F(EvernoteImport, NotesAndResourcesComeInUntilTheFileIsCut)
               QDateTime(QDate(2021, 2, 3), QTime(4, 5, 6), QTimeZone::utc()));
     EXPECT_TRUE(QString::fromUtf8(tltest::readFile(book + "/Plan a-b 1.html")).contains("two"));
     EXPECT_FALSE(QFile::exists(book + "/Cut.html"));
+}
+
+// Every tag of a note stays on it and lists it, though none was known before.
+TEST_F(EvernoteImport, ANoteKeepsAllItsTagsAndItsCreationDate)
+{
+    const QString book =
+        run("<en-export><note><title>T</title><content>&lt;en-note/&gt;</content>"
+            "<created>20200102T030405Z</created><tag>alpha</tag><tag>beta</tag>"
+            "<tag>alpha</tag></note></en-export>");
+    EXPECT_TRUE(finished);
+    const QVariantMap properties = readPlist(book + "/T.html.plist");
+    EXPECT_EQ(properties.value("Tags").toStringList(), QStringList({"alpha", "beta"}));
+    EXPECT_EQ(properties.value("CreationDate").toDateTime(),
+              QDateTime(QDate(2020, 1, 2), QTime(3, 4, 5), QTimeZone::utc()));
+    for (const char *tag : {"alpha", "beta"})
+        EXPECT_EQ(tl::contexts::tl_listOfAllItemsForTag(tag), QStringList{book + "/T.html"})
+            << tag;
 }
 
 TEST_F(EvernoteImport, DatesInTheirThreeForms)
