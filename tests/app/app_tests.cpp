@@ -6,10 +6,10 @@ namespace apptest {
 
 QList<QObject *> allTests()
 {
-    return {makeNavigationRulesTest(),  makeWelcomeWindowTest(),  makeMainWindowTest(),
-            makeScriptPagesLabelTest(), makePlainTextViewTest(),  makePublishingTest(),
-            makeLinkActionsTest(),      makeContextsWindowTest(), makeTasksWindowTest(),
-            makeSearchOptionsTest(),    makeOutsideRequestsTest()};
+    return {makeNavigationRulesTest(),  makeWelcomeWindowTest(),   makeMainWindowTest(),
+            makeScriptPagesLabelTest(), makePlainTextViewTest(),   makePublishingTest(),
+            makeLinkActionsTest(),      makeContextsWindowTest(),  makeTasksWindowTest(),
+            makeSearchOptionsTest(),    makeOutsideRequestsTest(), makeTranscriptionWindowTest()};
 }
 
 tl::platform::HeadlessAlertPresenter &alerts()

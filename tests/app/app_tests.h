@@ -27,5 +27,6 @@ QObject *makeContextsWindowTest();
 QObject *makeTasksWindowTest();
 QObject *makeSearchOptionsTest();
 QObject *makeOutsideRequestsTest();
+QObject *makeTranscriptionWindowTest();
 
 } // namespace apptest
