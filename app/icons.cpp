@@ -97,15 +97,18 @@ QIcon iconNamed(const QString &name)
 {
     if (name.isEmpty())
         return {};
-    if (name.startsWith(u"task-"))
-        return taskIcon(name);
-    if (name.startsWith(u"icon-task-"))
-        return taskIcon(name.mid(5));
     if (name.startsWith(u'/'))
         return QIcon(name);
+    // The pictures here suit both themes: the dark variants' names are the same.
     QString base = name;
     if (base.endsWith(u"-dark"))
         base.chop(5);
+    else if (base.endsWith(u"-black"))
+        base.chop(6);
+    if (base.startsWith(u"task-"))
+        return taskIcon(base);
+    if (base.startsWith(u"icon-task-"))
+        return taskIcon(base.mid(5));
     if (const auto it = themeNames().constFind(base); it != themeNames().cend())
         if (QIcon icon = fromTheme(*it); !icon.isNull())
             return icon;

@@ -5,6 +5,7 @@
 #include "document/pdf_pane.h"
 #include "document/plain_text_view.h"
 #include "document/preview_pane.h"
+#include "document/task_button.h"
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
 #include "link_actions.h"
@@ -12,6 +13,7 @@
 
 #include <QLabel>
 #include <QStackedWidget>
+#include <QStyle>
 #include <QVBoxLayout>
 
 namespace tl::app {
@@ -21,7 +23,8 @@ using browser::TLKSDocumentViewController;
 DocumentPane::DocumentPane(QWidget *parent)
     : QWidget(parent), m_controller(new TLKSDocumentViewController(this)),
       m_stack(new QStackedWidget(this)), m_empty(new QLabel(this)),
-      m_plain(new PlainTextView(this)), m_preview(new PreviewPane(this))
+      m_plain(new PlainTextView(this)), m_preview(new PreviewPane(this)),
+      m_taskButton(new TaskButton(this))
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -42,6 +45,10 @@ DocumentPane::DocumentPane(QWidget *parent)
             &DocumentPane::showCurrentDocument);
     connect(c, &TLKSDocumentViewController::documentShown, backlinks,
             [backlinks, c] { backlinks->follow(c->path); });
+    connect(c, &TLKSDocumentViewController::documentShown, m_taskButton, [this, c] {
+        m_taskButton->follow(c->path);
+        placeTaskButton();
+    });
     connect(c, &TLKSDocumentViewController::formattedPageChanged, this,
             &DocumentPane::showFormattedPage);
     connect(c, &TLKSDocumentViewController::plainTextReplaced, this,
@@ -64,6 +71,23 @@ DocumentPane::DocumentPane(QWidget *parent)
 }
 
 DocumentPane::~DocumentPane() = default;
+
+void DocumentPane::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    placeTaskButton();
+}
+
+// In the top corner of the page, clear of its scroll bar.
+void DocumentPane::placeTaskButton()
+{
+    m_taskButton->adjustSize();
+    const int margin = style()->pixelMetric(QStyle::PM_LayoutRightMargin) / 2 + 2;
+    const int right =
+        m_stack->geometry().right() - margin - style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    m_taskButton->move(right - m_taskButton->width(), m_stack->geometry().top() + margin);
+    m_taskButton->raise();
+}
 
 FormattedView *DocumentPane::formattedView()
 {

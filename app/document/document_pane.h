@@ -15,6 +15,7 @@ class FormattedView;
 class PdfPane;
 class PlainTextView;
 class PreviewPane;
+class TaskButton;
 
 class DocumentPane : public QWidget
 {
@@ -38,12 +39,17 @@ public:
     // picture) put in at the caret of the view on show.
     void insertLocation(const importers::LocationFix &fix);
     QString shownPath() const { return m_controller->path; }
+    TaskButton *taskButton() const { return m_taskButton; }
 
 Q_SIGNALS:
     // The document, its path or its view changed: titles and actions follow.
     void stateChanged();
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
+    void placeTaskButton();
     void showCurrentDocument();
     void showFormattedPage();
 
@@ -54,6 +60,7 @@ private:
     FormattedView *m_formatted = nullptr;
     PdfPane *m_pdf = nullptr;
     PreviewPane *m_preview;
+    TaskButton *m_taskButton;
 };
 
 } // namespace tl::app

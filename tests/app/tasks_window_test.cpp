@@ -1,9 +1,11 @@
-// Tasks through the window: a click on a row's task mark steps the task on,
-// a book becomes a task list and stops being one, the due-date dialog sets
-// a date with its repeat.
+// Tasks through the window: a click on a row's task mark or the document
+// view's task button steps the task on, a book becomes a task list and stops
+// being one, the due-date dialog sets a date with its repeat.
 #include "action_registry.h"
 #include "app_tests.h"
 #include "browser/document_list_model.h"
+#include "document/document_pane.h"
+#include "document/task_button.h"
 #include "document_list_pane.h"
 #include "due_date_dialog.h"
 #include "foundation/clock.h"
@@ -16,6 +18,7 @@
 #include "tasks/task_list.h"
 #include "window_fixture.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QFileInfo>
@@ -23,6 +26,7 @@
 #include <QSpinBox>
 #include <QTest>
 #include <QTimeEdit>
+#include <QTimer>
 #include <QTreeView>
 
 namespace {
@@ -90,6 +94,42 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(item("Notes/TLTasklistDetails.plist")));
         QVERIFY(QFileInfo::exists(item("Notes/TLTasklistDetails_inactive.plist")));
         QCOMPARE(toggle->text(), QStringLiteral("Make Task List"));
+    }
+
+    void theDocumentViewsTaskButtonStepsOnAndALongPressSetsTheDueDate()
+    {
+        const QString task = item("Errands/Call.md");
+        window()->outlinePane()->selectBook(item("Errands"));
+        QTRY_VERIFY(window()->listModel().indexForPath(task).isValid());
+        window()->listPane()->view()->setCurrentIndex(window()->listModel().indexForPath(task));
+        tl::app::TaskButton *button = window()->documentPane()->taskButton();
+        QTRY_COMPARE(button->iconName(), QStringLiteral("task-open"));
+        QVERIFY(button->isVisibleTo(window()));
+        QTest::mouseClick(button, Qt::LeftButton);
+        QTRY_COMPARE(button->iconName(), QStringLiteral("task-started"));
+
+        // The dialog is modal: answered from the event loop once it shows.
+        QString shown;
+        QTimer answer;
+        connect(&answer, &QTimer::timeout, [&] {
+            if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget())) {
+                shown = QString::fromUtf8(dialog->metaObject()->className());
+                dialog->reject();
+            }
+        });
+        answer.start(10);
+        button->setHoldInterval(0);
+        QTest::mousePress(button, Qt::LeftButton);
+        QTRY_COMPARE(shown, QStringLiteral("tl::app::DueDateDialog"));
+        QTest::mouseRelease(button, Qt::LeftButton);
+        // The long press is no click: the state stays.
+        QCOMPARE(button->iconName(), QStringLiteral("task-started"));
+
+        window()->outlinePane()->selectBook(item("Notes"));
+        QTRY_VERIFY(window()->listModel().indexForPath(item("Notes/Idea.md")).isValid());
+        window()->listPane()->view()->setCurrentIndex(
+            window()->listModel().indexForPath(item("Notes/Idea.md")));
+        QTRY_VERIFY(!button->isVisibleTo(window()));
     }
 
     void theDueDateDialogSetsADateWithoutAlertTimeAndItsRepeat()
