@@ -83,6 +83,10 @@ bool OutlineModel::hasChildren(const QModelIndex &parent) const
     if (parent.column() > 0)
         return false;
     TLKSOutlineItem *item = itemForIndex(parent);
+    // Smart books list what they hold from settings and tags, not the disk:
+    // cheap to ask, so only those with children show a disclosure.
+    if (item->smartBookType != OrdinaryBook && item->smartBookType != Inbox)
+        return item->numberOfChildren() > 0;
     // Unopened books show a disclosure until opening finds them empty.
     return item->childrenAreBuilt() ? item->numberOfChildren() > 0 : !item->isDocument;
 }

@@ -79,6 +79,10 @@ TEST_F(OutlineModelTest, RowsFindTheirPathsAndRoles)
     EXPECT_EQ(recent.data(OutlineModel::IconRole).toString(), "icon-book-recent-items");
     EXPECT_TRUE(model->flags(beta) & Qt::ItemIsDropEnabled);
     EXPECT_FALSE(model->flags(recent) & Qt::ItemIsDropEnabled);
+    // A smart book that lists documents only shows no disclosure; an
+    // unopened book does.
+    EXPECT_FALSE(model->hasChildren(recent));
+    EXPECT_TRUE(model->hasChildren(beta));
 }
 
 TEST_F(OutlineModelTest, ANewFolderIsInsertedInItsPlace)
