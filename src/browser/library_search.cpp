@@ -77,8 +77,9 @@ SearchOutcome runLibrarySearch(const QString &searchText, const QString &scope, 
     const QStringList hits =
         searchHits(search::Query{tl_arrayOfSearchTermsInString(searchText), field}, scope, source);
     SearchOutcome results;
+    // Results are rows without their books' order lists.
     for (const QString &item : itemsForSearchHits(hits))
-        results.rows << store::tl_rowForItem(item);
+        results.rows << store::tl_rowForItem(item, store::BookOrder());
     store::tl_sortByParameter(results.rows, QStringLiteral("title"), false);
     writeResultFile(lastSearchResultsFile(), results.paths());
     results.title = searchResultsTitle(searchText, results.rows.size(), scope);

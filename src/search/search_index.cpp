@@ -2,18 +2,21 @@
 
 #include "foundation/compare.h"
 #include "foundation/path_string.h"
+#include "search/name_list.h"
 #include "search/searchable_items.h"
 #include "search/searchable_text.h"
 #include "search/sqlite_database.h"
+#include "search/stored_stamps.h"
 #include "store/library_folders.h"
 #include "store/log.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QHash>
 #include <QMutex>
 #include <QtConcurrent>
+#include <algorithm>
+#include <mutex>
 #include <sys/stat.h>
 
 namespace tl::search {
@@ -21,7 +24,9 @@ namespace tl::search {
 namespace {
 
 using detail::Database;
+using detail::NameList;
 using detail::Statement;
+using detail::StoredStamps;
 
 // Raised whenever the tables change shape: an index of another shape is rebuilt.
 constexpr int kSchemaVersion = 1;
@@ -41,13 +46,6 @@ CREATE VIRTUAL TABLE IF NOT EXISTS content
     USING fts5(words, tokenize = 'unicode61 remove_diacritics 2');
 PRAGMA user_version = 1;
 )";
-
-struct StoredStamp
-{
-    qint64 id;
-    qint64 modified;
-    qint64 size;
-};
 
 // An item read for the index: its stamp, and its words joined by blanks
 // (nothing for an item without text).
@@ -101,6 +99,9 @@ struct SearchIndex::Private
     Database writer;
     QMutex reading;
     Database reader;
+    // What the reader last loaded of the names, and the data version then.
+    NameList names;
+    qint64 namesVersion = -1;
 
     bool openBoth()
     {
@@ -135,6 +136,7 @@ struct SearchIndex::Private
         logLine(QStringLiteral("search index: starting afresh at %1").arg(databasePath));
         writer.close();
         reader.close();
+        namesVersion = -1;
         for (const char *suffix : {"", "-wal", "-shm"})
             QFile::remove(databasePath + QLatin1String(suffix));
         return openBoth();
@@ -147,45 +149,30 @@ struct SearchIndex::Private
             startAfresh();
     }
 
-    QHash<QString, StoredStamp> storedBelow(const QString &folder)
-    {
-        QHash<QString, StoredStamp> stored;
-        const auto [from, to] = rangeBelow(folder);
-        Statement rows(writer, QStringLiteral("SELECT path, id, modified, size FROM items "
-                                              "WHERE path >= ?1 AND path < ?2"));
-        rows.bind(1, from).bind(2, to);
-        while (rows.step())
-            stored.insert(rows.text(0), {rows.integer(1), rows.integer(2), rows.integer(3)});
-        return stored;
-    }
-
     // Brings the items below the folder (and the folder itself when asked)
     // in line with the disk.
     bool syncBelow(const QString &folder, bool withFolder)
     {
         writer.clearFailure();
-        QHash<QString, StoredStamp> stored = storedBelow(folder);
+        StoredStamps stored(writer, folder, folder == root);
         QList<Change> changed;
-        const auto consider = [&](const ItemStamp &item) {
-            const auto it = stored.constFind(item.path);
-            if (it == stored.cend()) {
-                changed << Change{item};
+        std::mutex changing;
+        const auto consider = [&](const EncodedItemStamp &item) {
+            qint64 id = -1;
+            if (stored.isUnchanged(item, id))
                 return;
-            }
-            if (it->modified != item.modified || it->size != item.size)
-                changed << Change{item, it->id};
-            stored.erase(it);
+            const std::lock_guard lock(changing);
+            changed << Change{item.decoded(), id};
         };
         if (withFolder) {
-            const std::optional<ItemStamp> self = stampOf(folder);
-            if (self)
-                consider(*self);
+            if (const std::optional<ItemStamp> self = stampOf(folder)) {
+                const QByteArray path = QFile::encodeName(self->path);
+                consider({std::string_view(path.constData(), size_t(path.size())), self->modified,
+                          self->size, self->isFolder});
+            }
         }
-        forEachSearchableItem(folder, consider);
-        QList<qint64> gone;
-        for (const StoredStamp &s : std::as_const(stored))
-            gone << s.id;
-        return write(changed, gone);
+        forEachSearchableItemInParallel(folder, consider);
+        return write(changed, stored.unseen());
     }
 
     bool write(const QList<Change> &changed, const QList<qint64> &gone)
@@ -267,27 +254,46 @@ struct SearchIndex::Private
         write({}, gone);
     }
 
-    // The statement of a query: one condition per term, all joined by AND.
-    QString querySql(const QList<PreparedTerm> &terms, Field field, bool wholeLibrary) const
+    // The names as the reader sees them, loaded again once another
+    // connection has written.
+    const NameList &currentNames()
     {
-        // Every item lies below the root: the whole library is read in one
-        // pass over the table rather than through the index of paths.
-        QString sql = wholeLibrary
-                          ? QStringLiteral("SELECT path FROM items WHERE ?1 IS NOT ?2")
-                          : QStringLiteral("SELECT path FROM items WHERE path >= ?1 AND path < ?2");
-        int parameter = 3;
-        for (const PreparedTerm &term : terms) {
-            QStringList either;
-            if (field != Field::Content && !term.foldedText.isEmpty())
-                either << QStringLiteral("instr(name, ?%1) > 0").arg(parameter++);
-            if (field != Field::Name && !term.words.isEmpty())
-                either << QStringLiteral(
-                              "id IN (SELECT rowid FROM content WHERE content MATCH ?%1)")
-                              .arg(parameter++);
-            sql += QStringLiteral(" AND (%1)")
-                       .arg(either.isEmpty() ? QStringLiteral("0") : either.join(" OR "));
-        }
-        return sql;
+        Statement version(reader, QStringLiteral("PRAGMA data_version"));
+        const qint64 seen = version.step() ? version.integer(0) : -1;
+        if (seen >= 0 && seen == namesVersion)
+            return names;
+        names.clear();
+        Statement rows(reader, QStringLiteral("SELECT id, name FROM items ORDER BY id"));
+        while (rows.step())
+            names.add(rows.integer(0), rows.text(1));
+        namesVersion = reader.failure() == 0 ? seen : -1;
+        return names;
+    }
+
+    std::vector<qint64> contentMatches(const QStringList &words)
+    {
+        Statement rows(reader, QStringLiteral("SELECT rowid FROM content WHERE content MATCH ?1"));
+        rows.bind(1, contentQuery(words));
+        std::vector<qint64> ids;
+        while (rows.step())
+            ids.push_back(rows.integer(0));
+        std::sort(ids.begin(), ids.end());
+        return ids;
+    }
+
+    // The ids of the items a term finds, ascending.
+    std::vector<qint64> termMatches(const PreparedTerm &term, Field field)
+    {
+        std::vector<qint64> byName;
+        std::vector<qint64> byContent;
+        if (field != Field::Content && !term.foldedText.isEmpty())
+            byName = currentNames().idsContaining(term.foldedText);
+        if (field != Field::Name && !term.words.isEmpty())
+            byContent = contentMatches(term.words);
+        std::vector<qint64> either;
+        std::set_union(byName.cbegin(), byName.cend(), byContent.cbegin(), byContent.cend(),
+                       std::back_inserter(either));
+        return either;
     }
 
     std::optional<QStringList> runQuery(const Query &query, const QString &scope)
@@ -296,19 +302,26 @@ struct SearchIndex::Private
         if (terms.isEmpty())
             return QStringList();
         reader.clearFailure();
-        Statement statement(reader, querySql(terms, query.field, scope == root));
-        const auto [from, to] = rangeBelow(scope);
-        statement.bind(1, from).bind(2, to);
-        int parameter = 3;
-        for (const PreparedTerm &term : terms) {
-            if (query.field != Field::Content && !term.foldedText.isEmpty())
-                statement.bind(parameter++, term.foldedText);
-            if (query.field != Field::Name && !term.words.isEmpty())
-                statement.bind(parameter++, contentQuery(term.words));
+        std::vector<qint64> found = termMatches(terms.first(), query.field);
+        for (qsizetype t = 1; t < terms.size() && !found.empty(); ++t) {
+            const std::vector<qint64> more = termMatches(terms[t], query.field);
+            std::vector<qint64> both;
+            std::set_intersection(found.cbegin(), found.cend(), more.cbegin(), more.cend(),
+                                  std::back_inserter(both));
+            found = std::move(both);
         }
+        const QString below = scope + u'/';
+        Statement pathOf(reader, QStringLiteral("SELECT path FROM items WHERE id = ?1"));
         QStringList hits;
-        while (statement.step())
-            hits << statement.text(0);
+        for (const qint64 id : found) {
+            pathOf.bind(1, id);
+            if (pathOf.step()) {
+                QString path = pathOf.text(0);
+                if (scope == root || path.startsWith(below))
+                    hits << std::move(path);
+            }
+            pathOf.reset();
+        }
         if (reader.failure() != 0)
             return std::nullopt;
         return hits;

@@ -5,66 +5,181 @@
 #include "store/library_root.h"
 
 #include <QFile>
+#include <QThread>
+#include <condition_variable>
 #include <dirent.h>
 #include <fcntl.h>
+#include <mutex>
+#include <string>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
+#include <vector>
 
 namespace tl::search {
 
 namespace {
 
-struct Walk
+bool startsWith(std::string_view text, std::string_view prefix)
 {
-    QString resources;
-    QString insideResources;
-    QString styleSheets;
-    QString insideStyleSheets;
-    const std::function<void(const ItemStamp &)> &visit;
+    return text.substr(0, prefix.size()) == prefix;
+}
 
-    void folder(const QString &path)
+// The library's resources in the file system's encoding: only their style
+// sheets are searched.
+struct Resources
+{
+    std::string folder;
+    std::string inside;
+    std::string styleSheets;
+    std::string insideStyleSheets;
+
+    Resources()
     {
-        DIR *dir = ::opendir(QFile::encodeName(path).constData());
-        if (!dir)
-            return;
-        const int fd = ::dirfd(dir);
-        while (const dirent *entry = ::readdir(dir)) {
-            if (entry->d_name[0] == '.')
-                continue;
-            const QString child = path + u'/' + QFile::decodeName(entry->d_name);
-            if (child.startsWith(insideResources) && child != styleSheets &&
-                !child.startsWith(insideStyleSheets))
-                continue;
-            struct stat st
-            {
-            };
-            if (::fstatat(fd, entry->d_name, &st, 0) != 0)
-                continue;
-            const bool isFolder = S_ISDIR(st.st_mode);
-            if (child == resources) {
-                if (isFolder)
-                    this->folder(child);
-                continue;
-            }
-            visit(ItemStamp{child, qint64(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec,
-                            isFolder ? 0 : qint64(st.st_size), isFolder});
-            if (isFolder && entry->d_type != DT_LNK &&
-                !store::packageExtensions().contains(store::lowerCasedExtension(child)))
-                this->folder(child);
-        }
-        ::closedir(dir);
+        const QString resources = store::libraryRoot() + u'/' + QLatin1String(names::TLResources);
+        folder = QFile::encodeName(resources).toStdString();
+        inside = folder + '/';
+        styleSheets = folder + "/CSS";
+        insideStyleSheets = styleSheets + '/';
     }
+
+    bool leftOut(std::string_view path) const
+    {
+        return startsWith(path, inside) && path != styleSheets &&
+               !startsWith(path, insideStyleSheets);
+    }
+};
+
+bool isPackage(std::string_view path)
+{
+    return store::packageExtensions().contains(store::lowerCasedExtension(
+        QFile::decodeName(QByteArray(path.data(), qsizetype(path.size())))));
+}
+
+// Lists one folder: each searchable item is visited, each folder to enter
+// handed to enter().
+template <typename Visit, typename Enter>
+void listFolder(const std::string &path, const Resources &resources, Visit &&visit, Enter &&enter)
+{
+    DIR *dir = ::opendir(path.c_str());
+    if (!dir)
+        return;
+    const int fd = ::dirfd(dir);
+    std::string child = path + '/';
+    const size_t base = child.size();
+    while (const dirent *entry = ::readdir(dir)) {
+        if (entry->d_name[0] == '.')
+            continue;
+        child.resize(base);
+        child += entry->d_name;
+        if (resources.leftOut(child))
+            continue;
+        struct stat st
+        {
+        };
+        if (::fstatat(fd, entry->d_name, &st, 0) != 0)
+            continue;
+        const bool isFolder = S_ISDIR(st.st_mode);
+        if (child == resources.folder) {
+            if (isFolder)
+                enter(child);
+            continue;
+        }
+        visit(EncodedItemStamp{child, qint64(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec,
+                               isFolder ? 0 : qint64(st.st_size), isFolder});
+        if (isFolder && entry->d_type != DT_LNK && !isPackage(child))
+            enter(child);
+    }
+    ::closedir(dir);
+}
+
+void walkInOrder(const std::string &folder, const Resources &resources,
+                 const std::function<void(const ItemStamp &)> &visit)
+{
+    listFolder(
+        folder, resources, [&](const EncodedItemStamp &item) { visit(item.decoded()); },
+        [&](const std::string &child) { walkInOrder(child, resources, visit); });
+}
+
+// Folders waiting to be listed, shared by the walkers; the walk is over when
+// none waits and no walker is listing.
+class FolderQueue
+{
+public:
+    explicit FolderQueue(std::string first) { m_waiting.push_back(std::move(first)); }
+
+    void add(std::string folder)
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_waiting.push_back(std::move(folder));
+        }
+        m_changed.notify_one();
+    }
+
+    // The next folder to list, or false when the walk is over.
+    bool take(std::string &folder)
+    {
+        std::unique_lock lock(m_mutex);
+        m_changed.wait(lock, [this] { return !m_waiting.empty() || m_listing == 0; });
+        if (m_waiting.empty())
+            return false;
+        folder = std::move(m_waiting.back());
+        m_waiting.pop_back();
+        ++m_listing;
+        return true;
+    }
+
+    void listed()
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            --m_listing;
+        }
+        m_changed.notify_all();
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::vector<std::string> m_waiting;
+    int m_listing = 0;
 };
 
 } // namespace
 
+ItemStamp EncodedItemStamp::decoded() const
+{
+    return ItemStamp{QFile::decodeName(QByteArray(path.data(), qsizetype(path.size()))), modified,
+                     size, isFolder};
+}
+
 void forEachSearchableItem(const QString &folder,
                            const std::function<void(const ItemStamp &)> &visit)
 {
-    const QString resources = store::libraryRoot() + u'/' + QLatin1String(names::TLResources);
-    const QString styleSheets = resources + QStringLiteral("/CSS");
-    Walk walk{resources, resources + u'/', styleSheets, styleSheets + u'/', visit};
-    walk.folder(folder);
+    walkInOrder(QFile::encodeName(folder).toStdString(), Resources(), visit);
+}
+
+void forEachSearchableItemInParallel(const QString &folder,
+                                     const std::function<void(const EncodedItemStamp &)> &visit)
+{
+    const Resources resources;
+    FolderQueue queue(QFile::encodeName(folder).toStdString());
+    const auto walker = [&] {
+        std::string path;
+        while (queue.take(path)) {
+            listFolder(path, resources, visit, [&](const std::string &child) { queue.add(child); });
+            queue.listed();
+        }
+    };
+    // Listing waits on the file system as much as on the cores: twice as
+    // many walkers as cores keep them busy.
+    std::vector<std::thread> walkers;
+    for (int i = 1; i < 2 * QThread::idealThreadCount(); ++i)
+        walkers.emplace_back(walker);
+    walker();
+    for (std::thread &thread : walkers)
+        thread.join();
 }
 
 bool isSearchableItemPath(const QString &path)

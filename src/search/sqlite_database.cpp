@@ -128,6 +128,12 @@ QString Statement::text(int column) const
     return QString::fromUtf8(bytes, sqlite3_column_bytes(m_statement, column));
 }
 
+std::string_view Statement::utf8(int column) const
+{
+    const auto *bytes = reinterpret_cast<const char *>(sqlite3_column_text(m_statement, column));
+    return {bytes ? bytes : "", size_t(sqlite3_column_bytes(m_statement, column))};
+}
+
 qint64 Statement::integer(int column) const
 {
     return sqlite3_column_int64(m_statement, column);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <string_view>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -52,6 +53,8 @@ public:
     bool run();
     void reset();
     QString text(int column) const;
+    // The text as SQLite holds it, valid until the next step.
+    std::string_view utf8(int column) const;
     qint64 integer(int column) const;
 
 private:

@@ -149,6 +149,7 @@ TEST_F(IndexVersusWalk, FollowsItemsItIsToldAbout)
     generate(2, 10);
     tl::search::SearchIndex index(root_, indexFile());
     ASSERT_TRUE(index.bringUpToDate());
+    expectSameAnswers(index);
     const QString book = books().first();
     const QString renamed = book + " moved";
     QDir().rename(book, renamed);

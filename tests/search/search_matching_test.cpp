@@ -58,6 +58,7 @@ TEST_P(SearchMatching, FindsByNameSubstringAndContentWordPrefix)
         {"content prefix", {"organ"}, Field::Content, {"Page.html"}},
         {"no match inside a word", {"ganiser"}, Field::Content, {}},
         {"name substring", {"ganiser"}, Field::Name, {"Organiser notes.md"}},
+        {"name substring within one name", {"txt\n"}, Field::Name, {}},
         {"name ignores diacritics", {"cafe"}, Field::Name, {"Café.txt"}},
         {"name ignores case", {"CAFÉ"}, Field::Name, {"Café.txt"}},
         {"content ignores diacritics", {"creme brulee"}, Field::Content, {"Recipes.txt"}},
