@@ -101,6 +101,10 @@ const std::vector<ActionSpec> &specs()
          }},
         {ActionId::InsertLocation, "Insert Location", K(), nullptr,
          [](const ActionState &s) { return s.textEditorShown; }},
+        {ActionId::QuickNote, "New &Quick Note", K(QStringLiteral("Ctrl+Alt+N")), nullptr,
+         [](const ActionState &s) { return s.hasLibrary; }},
+        {ActionId::InsertSelection, "&Insert Selected Text", K(), nullptr,
+         [](const ActionState &s) { return s.documentShown; }},
     };
     return table;
 }
@@ -209,6 +213,7 @@ void ActionRegistry::fillMenuBar(QMenuBar *bar) const
     QMenu *file = bar->addMenu(QStringLiteral("&File"));
     file->addAction(action(ActionId::NewDocument));
     file->addAction(action(ActionId::NewBook));
+    file->addAction(action(ActionId::QuickNote));
     file->addSeparator();
     file->addAction(action(ActionId::Save));
     file->addAction(action(ActionId::Duplicate));
@@ -227,6 +232,8 @@ void ActionRegistry::fillMenuBar(QMenuBar *bar) const
     QMenu *edit = bar->addMenu(QStringLiteral("&Edit"));
     edit->addAction(m_undo);
     edit->addAction(m_redo);
+    edit->addSeparator();
+    edit->addAction(action(ActionId::InsertSelection));
     edit->addSeparator();
     edit->addAction(action(ActionId::Rename));
     edit->addAction(action(ActionId::MoveToTrash));

@@ -71,6 +71,8 @@ enum class ActionId {
     ExtractTasks,
     TranscribeRecording,
     InsertLocation,
+    QuickNote,
+    InsertSelection,
 };
 
 class ActionRegistry : public QObject

@@ -1,5 +1,8 @@
 #include "launch_requests.h"
 
+#include "document_windows.h"
+#include "foundation/scheduler.h"
+#include "quick_entry_window.h"
 #include "shell/single_instance.h"
 #include "shell/url_actions.h"
 
@@ -17,10 +20,22 @@ QStringList launchRequests(const QStringList &arguments)
     return requests;
 }
 
+bool bringsMainWindowForward(const QStringList &requests)
+{
+    return std::any_of(requests.begin(), requests.end(), [](const QString &request) {
+        return request != QLatin1String(shell::kQuickEntryRequest) && !shell::textToInsert(request);
+    });
+}
+
 void runLaunchRequests(const QStringList &requests)
 {
     for (const QString &request : requests) {
-        if (shell::isTavelleAddress(request))
+        if (request == QLatin1String(shell::kQuickEntryRequest))
+            Scheduler::main().schedule(QStringLiteral("quick entry"), 0.2,
+                                       [] { tl_addQuickEntry(); });
+        else if (const std::optional<QString> text = shell::textToInsert(request))
+            insertIntoCurrentDocument(*text);
+        else if (shell::isTavelleAddress(request))
             shell::handleGetURLEvent(request);
         else
             shell::applicationOpenFile(request);

@@ -38,14 +38,19 @@ Launch parseLaunch(const QStringList &arguments)
     const QCommandLineOption noRestore(
         QStringLiteral("no-restore"),
         QStringLiteral("Show the library's top book, not the last document."));
+    const QCommandLineOption quickNote(QStringLiteral("quick-note"),
+                                       QStringLiteral("Open a window for a quick note."));
     parser.addOption(choose);
     parser.addOption(noRestore);
+    parser.addOption(quickNote);
     parser.addPositionalArgument(QStringLiteral("url"),
                                  QStringLiteral("tavelle:// addresses, files or folders to open."),
                                  QStringLiteral("[url|path...]"));
     parser.process(arguments);
-    return {{parser.isSet(choose), parser.isSet(noRestore)},
-            tl::app::launchRequests(parser.positionalArguments())};
+    QStringList requests = tl::app::launchRequests(parser.positionalArguments());
+    if (parser.isSet(quickNote))
+        requests << QLatin1String(tl::shell::kQuickEntryRequest);
+    return {{parser.isSet(choose), parser.isSet(noRestore)}, requests};
 }
 
 // Without a desktop's icon theme (a bare X server) the freedesktop icons
@@ -104,7 +109,8 @@ int main(int argc, char **argv)
     desktop.start();
     QObject::connect(&instance, &tl::shell::InstanceServer::requestsReceived, &desktop,
                      [&desktop](const QStringList &requests) {
-                         desktop.bringToFront();
+                         if (tl::app::bringsMainWindowForward(requests))
+                             desktop.bringToFront();
                          tl::app::runLaunchRequests(requests);
                      });
     QTimer::singleShot(0, &desktop, [&launch] { tl::app::runLaunchRequests(launch.requests); });

@@ -20,6 +20,7 @@
 #include "link_actions.h"
 #include "outline_pane.h"
 #include "publishing/publish_runner.h"
+#include "quick_entry_window.h"
 #include "recognition/transcription_runner.h"
 #include "script_pages_label.h"
 #include "server_pane.h"
@@ -33,6 +34,7 @@
 #include "window_layout.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QFileInfo>
 #include <QLabel>
@@ -207,6 +209,11 @@ void MainWindow::buildActions()
     connect(location, &importers::CurrentLocation::located, m_document,
             &DocumentPane::insertLocation);
     a.onTriggered(ActionId::InsertLocation, [location] { location->start(); });
+    a.onTriggered(ActionId::QuickNote, [] { tl_addQuickEntry(); });
+    // Text selected in another program, as the desktop's primary selection.
+    a.onTriggered(ActionId::InsertSelection, [] {
+        insertIntoCurrentDocument(QGuiApplication::clipboard()->text(QClipboard::Selection));
+    });
     a.onTriggered(ActionId::Quit, [this] { close(); });
     a.onTriggered(ActionId::About, [this] {
         QMessageBox::about(this, QStringLiteral("About Tavelle"),

@@ -1,5 +1,6 @@
-// url, open, note, add-selection: the doors into the program from outside,
-// run headless: tavelle:// addresses, files handed over, and the services.
+// url, open, note, add-selection, insert: the doors into the program from
+// outside, run headless where no window is needed: tavelle:// addresses,
+// files handed over, and the services.
 #include "browser/library_search.h"
 #include "cli.h"
 #include "foundation/events.h"
@@ -98,10 +99,17 @@ void describeNote(QCommandLineParser &p)
                  "The book to put it in; the default inbox or the top level when left "
                  "out.",
                  "BOOK"});
+    p.addOption(
+        {"window", "Open a window to write the note in instead of reading standard input."});
 }
 
 int runNote(const QCommandLineParser &p, const Invocation &)
 {
+    if (p.isSet("window")) {
+        if (shell::handOverToRunningInstance({QLatin1String(shell::kQuickEntryRequest)}))
+            return Success;
+        return execDesktopProgram({QStringLiteral("--quick-note")});
+    }
     QString book = shell::defaultInboxOrRoot();
     if (p.isSet("book")) {
         const std::optional<QString> chosen = itemInLibrary(p.value("book"), Inside::RootAllowed);
@@ -127,6 +135,20 @@ int runAddSelection(const QCommandLineParser &p, const Invocation &)
     if (path.isEmpty())
         return fail("Nothing to add: standard input is empty");
     printLine(path);
+    return Success;
+}
+
+void describeInsert(QCommandLineParser &)
+{
+}
+
+int runInsert(const QCommandLineParser &, const Invocation &)
+{
+    const QString text = standardInput();
+    if (text.isEmpty())
+        return fail("Nothing to insert: standard input is empty");
+    if (!shell::handOverToRunningInstance({shell::insertRequest(text)}))
+        return fail("Tavelle is not running: there is no document to insert into");
     return Success;
 }
 
@@ -156,6 +178,8 @@ const std::vector<Command> &schemeCommands()
         {"note", "A quick note from standard input", true, describeNote, runNote},
         {"add-selection", "A document from the text on standard input", true, describeAddSelection,
          runAddSelection},
+        {"insert", "Insert the text on standard input into the document Tavelle shows", false,
+         describeInsert, runInsert},
     };
     return commands;
 }

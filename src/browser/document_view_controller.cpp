@@ -438,8 +438,10 @@ void TLKSDocumentViewController::startObserving()
         return payload.value(QLatin1String(key)).toString();
     };
     observe(events::SaveCurrentDocument, [this](const QVariantMap &) { writeTextToFile(); });
+    // The list's selection shows in the main window; other windows keep theirs.
     observe(events::NewDocumentSelected, [this, text](const QVariantMap &p) {
-        selectNewDocument(text(p, "path"), text(p, "searchkey"));
+        if (isMainWindow)
+            selectNewDocument(text(p, "path"), text(p, "searchkey"));
     });
     observe(events::FileModifiedOnDisk,
             [this, text](const QVariantMap &p) { checkIfDocumentNeedsReload(text(p, "path")); });

@@ -14,6 +14,8 @@ namespace {
 // The running program answers this byte once it has the requests.
 constexpr char kTaken = '1';
 
+constexpr char kInsertPrefix[] = "insertIntoCurrentDocument:";
+
 } // namespace
 
 QString instanceSocketPath()
@@ -29,6 +31,18 @@ QString instanceSocketPath()
 bool isTavelleAddress(const QString &request)
 {
     return request.startsWith(QStringLiteral("tavelle:"), Qt::CaseInsensitive);
+}
+
+QString insertRequest(const QString &text)
+{
+    return QLatin1String(kInsertPrefix) + text;
+}
+
+std::optional<QString> textToInsert(const QString &request)
+{
+    if (!request.startsWith(QLatin1String(kInsertPrefix)))
+        return std::nullopt;
+    return request.mid(qsizetype(sizeof kInsertPrefix) - 1);
 }
 
 bool handOverToRunningInstance(const QStringList &requests, int timeoutMilliseconds)

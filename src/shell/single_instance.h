@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <optional>
 
 class QLocalServer;
 
@@ -20,6 +21,13 @@ bool handOverToRunningInstance(const QStringList &requests, int timeoutMilliseco
 
 // Whether a request is an address rather than a path.
 bool isTavelleAddress(const QString &request);
+
+// The services as requests, beside addresses and absolute paths: the quick
+// entry window, and text to insert into the document in front.
+inline constexpr char kQuickEntryRequest[] = "quickEntry";
+QString insertRequest(const QString &text);
+// The text of an insert request; nothing for any other request.
+std::optional<QString> textToInsert(const QString &request);
 
 class InstanceServer : public QObject
 {

@@ -1,14 +1,25 @@
 // Requests from outside reaching the window: a show request for a document
-// already on show brings its window forward and goes to the anchor.
+// already on show brings its window forward and goes to the anchor; the
+// quick entry saves a note into the inbox; inserted text lands in the shown
+// document.
 #include "app_tests.h"
 #include "document/document_pane.h"
 #include "document/formatted_view.h"
+#include "document/plain_text_view.h"
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
+#include "launch_requests.h"
 #include "main_window.h"
+#include "platform/settings.h"
+#include "quick_entry_window.h"
+#include "shell/single_instance.h"
 #include "shell/url_actions.h"
+#include "store/keys.h"
+#include "support/test_environment.h"
 #include "window_fixture.h"
 
+#include <QApplication>
+#include <QFileInfo>
 #include <QTest>
 
 namespace {
@@ -21,6 +32,15 @@ class OutsideRequestsTest : public QObject
     QString item(const QString &name) const { return m_fixture.item(name); }
     tl::app::DocumentPane *document() const { return m_fixture.window().documentPane(); }
 
+    static tl::app::QuickEntryWindow *quickEntry()
+    {
+        for (QWidget *window : QApplication::topLevelWidgets())
+            if (auto *entry = qobject_cast<tl::app::QuickEntryWindow *>(window);
+                entry && entry->isVisible())
+                return entry;
+        return nullptr;
+    }
+
 private Q_SLOTS:
     void init()
     {
@@ -28,11 +48,18 @@ private Q_SLOTS:
         for (int line = 0; line < 150; ++line)
             longText += "A paragraph to scroll past.\n\n";
         longText += "<h2 id=\"far\">Far</h2>\n\nThe end.\n";
-        QVERIFY(m_fixture.open(QStringLiteral("RequestLibrary"),
-                               {{"Book/Long.md", longText}, {"Book/Short.txt", "Short\n"}}));
+        QVERIFY(m_fixture.open(QStringLiteral("RequestLibrary"), {{"Book/Long.md", longText},
+                                                                  {"Book/Short.txt", "Short\n"},
+                                                                  {"Inbox/Kept.txt", "Kept\n"}}));
+        tl::platform::settings().set(QLatin1String(tl::keys::setting::DefaultInbox),
+                                     QStringLiteral("Inbox"));
     }
 
-    void cleanup() { m_fixture.close(); }
+    void cleanup()
+    {
+        delete quickEntry();
+        m_fixture.close();
+    }
 
     void aSecondShowRequestGoesToTheAnchorInTheOpenWindow()
     {
@@ -54,6 +81,36 @@ private Q_SLOTS:
         // A document no window shows is shown as ever.
         tl::shell::handleTavelleURL(QStringLiteral("tavelle://show/Book/Short.txt"));
         QCOMPARE(shownAnew, 1);
+    }
+
+    void theQuickEntrySavesItsNoteInTheInbox()
+    {
+        tl::app::runLaunchRequests({QLatin1String(tl::shell::kQuickEntryRequest)});
+        QVERIFY(!quickEntry());
+        apptest::WindowFixture::letTimersRun(0.3);
+        tl::app::QuickEntryWindow *entry = quickEntry();
+        QVERIFY(entry);
+        tl::app::PlainTextView *editor = entry->documentPane()->plainTextView();
+        QTest::keyClicks(editor, "Groceries");
+        QTest::keyClick(editor, Qt::Key_Return);
+        QTest::keyClicks(editor, "Milk");
+        // A document selected in the list meanwhile shows in the main window only.
+        m_fixture.openBook(item("Book"), item("Book/Short.txt"));
+        m_fixture.selectRow(item("Book/Short.txt"));
+        QCOMPARE(editor->toPlainText(), QStringLiteral("Groceries\nMilk"));
+
+        entry->close();
+        QCOMPARE(tltest::readFile(item("Inbox/Groceries.txt")), QByteArray("Groceries\nMilk"));
+    }
+
+    void insertedTextLandsInTheShownDocument()
+    {
+        m_fixture.openBook(item("Inbox"), item("Inbox/Kept.txt"));
+        m_fixture.selectRow(item("Inbox/Kept.txt"));
+        document()->plainTextView()->moveCursor(QTextCursor::End);
+        tl::app::runLaunchRequests({tl::shell::insertRequest(QStringLiteral("From elsewhere"))});
+        apptest::WindowFixture::letTimersRun();
+        QCOMPARE(tltest::readFile(item("Inbox/Kept.txt")), QByteArray("Kept\nFrom elsewhere"));
     }
 };
 

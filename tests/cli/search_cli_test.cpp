@@ -73,6 +73,8 @@ TEST_F(SearchCommand, DoorsFromOutsideRunHeadless)
         {{"note", "--title", "Call"}, "ring back", 0, library + "/Call.txt\n"},
         {{"add-selection", "--rtf"}, "{\\rtf1 x}", 0, library + "/{-rtf1 x}.rtf\n"},
         {{"add-selection"}, "", 1, ""},
+        // Insertion needs the running program's document.
+        {{"insert"}, "words", 1, ""},
         {{"url", "tavelle://addnote?title=Memo&text"}, {}, 0, ""},
         {{"url", "tavelle://Book/Tea.md"}, {}, 0, library + "/Book/Tea.md\n"},
         {{"url", "tavelle://search?organ"}, {}, 0, library + "/Book/Tea.md\n"},

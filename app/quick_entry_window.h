@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QWidget>
+
+class QLabel;
+
+// The quick entry: a small window of its own over a new, empty plain
+// document in the inbox (the top level without one). The first line is the
+// title; the document is saved as the user types, on Save and on closing.
+namespace tl::app {
+
+class DocumentPane;
+
+class QuickEntryWindow : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit QuickEntryWindow(QWidget *parent = nullptr);
+
+    DocumentPane *documentPane() const { return m_document; }
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void updateTitle();
+
+    DocumentPane *m_document;
+    QLabel *m_where;
+};
+
+// tl_addQuickEntry: opens a quick entry window in front.
+QuickEntryWindow *tl_addQuickEntry();
+
+} // namespace tl::app
