@@ -53,19 +53,6 @@ bool updateProperties(const QString &item, const std::function<void(QVariantMap 
 
 } // namespace
 
-bool itemExists(const QString &path)
-{
-    if (path.isEmpty())
-        return false;
-    if (QFileInfo::exists(path))
-        return true;
-    const QString composed = precomposed(path);
-    if (composed != path && QFileInfo::exists(composed))
-        return true;
-    const QString parted = decomposed(path);
-    return parted != path && QFileInfo::exists(parted);
-}
-
 QString absoluteItemPath(const QString &path)
 {
     if (path.isEmpty() || store::tl_itemIsChildOfTavelle(path))

@@ -26,11 +26,6 @@ void setBacklinks(const QString &item, const QStringList &backlinks);
 // The stored path is set and differs from the item's normalized path.
 bool hasMismatch(const QString &item);
 
-// Whether an item is at the path, in either canonical form of its name. A
-// look-up by name, never a listing of the folder: the scans and rewrites ask
-// this for every link.
-bool itemExists(const QString &path);
-
 // An item path given root-relative or absolute, as absolute.
 QString absoluteItemPath(const QString &path);
 // Equality of item paths as the library compares names.

@@ -36,7 +36,7 @@ QString withoutDiacritics(const QString &text)
 
 bool existsInLibrary(const QString &rootPath)
 {
-    return itemExists(store::libraryRoot() + rootPath);
+    return store::existsInEitherCanonicalForm(store::libraryRoot() + rootPath);
 }
 
 // Everything one document's rewrite needs to know, worked out once.
@@ -57,7 +57,8 @@ QString ownLinkAfterMove(const Move &m, const QString &p)
     const QString anchor = store::tl_pathAnchor(p);
     const QString bare = store::tl_pathWithoutAnchor(p);
     const QString here = QDir::cleanPath(path::appendingComponent(m.folder, bare));
-    if (itemExists(here) || itemExists(decoded(here)))
+    if (store::existsInEitherCanonicalForm(here) ||
+        store::existsInEitherCanonicalForm(decoded(here)))
         return {};
     const QString old =
         QDir::cleanPath(path::appendingComponent(path::deletingLastComponent(m.from), bare));

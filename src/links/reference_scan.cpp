@@ -56,7 +56,8 @@ QString decodedOrEmpty(const QString &text)
 
 bool existsInLibrary(const QString &rootPath)
 {
-    return !rootPath.isEmpty() && itemExists(store::libraryRoot() + rootPath);
+    return !rootPath.isEmpty() &&
+           store::existsInEitherCanonicalForm(store::libraryRoot() + rootPath);
 }
 
 // The raw target as a root path or a path relative to the document's
@@ -87,7 +88,7 @@ std::optional<QString> verified(QString s, const QString &folder)
         if (spelling.isEmpty())
             continue;
         const QString full = QDir::cleanPath(path::appendingComponent(folder, spelling));
-        if (itemExists(full))
+        if (store::existsInEitherCanonicalForm(full))
             return store::tl_normalizedPath(full);
     }
     return std::nullopt;

@@ -24,7 +24,7 @@ namespace {
 
 bool exists(const QString &path)
 {
-    return itemExists(path);
+    return store::existsInEitherCanonicalForm(path);
 }
 
 // `path` is `folder` or lies below it.

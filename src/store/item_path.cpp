@@ -237,6 +237,29 @@ bool tl_pathIsRecentlyModified(const QString &path)
     return info.lastModified() >= threshold;
 }
 
+namespace {
+
+// The path as given or in its other canonical form, whichever is there; a
+// link counts even when what it points to is gone.
+std::optional<QFileInfo> existingCanonicalForm(const QString &path)
+{
+    if (path.isEmpty())
+        return std::nullopt;
+    for (const QString &candidate : {path, precomposed(path), decomposed(path)}) {
+        QFileInfo info(candidate);
+        if (info.exists() || info.isSymLink())
+            return info;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+bool existsInEitherCanonicalForm(const QString &path)
+{
+    return existingCanonicalForm(path).has_value();
+}
+
 bool tl_fileExistsAtPathIsDirectory(const QString &path, bool *isDirectory)
 {
     if (!path.isEmpty() && path == libraryRoot()) {
@@ -250,13 +273,8 @@ bool tl_fileExistsAtPathIsDirectory(const QString &path, bool *isDirectory)
     // other canonical form, so the listing is read only where it must decide:
     // a folder that may ignore case, or a name mixing both forms.
     std::optional<bool> exactAnswer;
-    for (const QString &candidate : {path, precomposed(path), decomposed(path)}) {
-        const QFileInfo info(candidate);
-        if (info.exists() || info.isSymLink()) {
-            exactAnswer = info.isDir();
-            break;
-        }
-    }
+    if (const std::optional<QFileInfo> info = existingCanonicalForm(path))
+        exactAnswer = info->isDir();
     const bool ascii =
         std::all_of(name.cbegin(), name.cend(), [](QChar c) { return c.unicode() < 0x80; });
     if (exactAnswer ? !platform::folderMayIgnoreCase(parentPath) : ascii) {

@@ -35,6 +35,9 @@ bool tl_pathIsTaskPlist(const QString &path);
 bool tl_pathIsExcludedFromDisplay(const QString &path);
 bool tl_pathIsExcludedFromRecentlyModified(const QString &path);
 bool tl_pathIsRecentlyModified(const QString &path);
+// Whether the item is there under its name or the name's other canonical
+// form (composed or decomposed), as file systems may store either.
+bool existsInEitherCanonicalForm(const QString &path);
 // Existence by exact name, even on a file system that ignores case.
 bool tl_fileExistsAtPathIsDirectory(const QString &path, bool *isDirectory = nullptr);
 bool tl_bookIsTasklist(const QString &path);
