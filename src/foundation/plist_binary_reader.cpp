@@ -6,7 +6,8 @@
 #include <cmath>
 #include <cstring>
 #include <spdlog/spdlog.h>
-#include <vector>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace tl::plist::detail {
 
@@ -43,8 +44,6 @@ public:
             count > (trailer - m_tableAt) / m_offsetSize)
             return std::nullopt;
         m_count = count;
-        m_done.assign(count, std::nullopt);
-        m_busy.assign(count, false);
         return object(top, 0);
     }
 
@@ -80,14 +79,14 @@ private:
 
     std::optional<QVariant> object(quint64 index, int depth)
     {
-        if (index >= m_count || depth > kMaxDepth || m_busy[index])
+        if (index >= m_count || depth > kMaxDepth || m_busy.contains(index))
             return std::nullopt;
-        if (m_done[index])
-            return m_done[index];
-        m_busy[index] = true;
+        if (const auto done = m_done.find(index); done != m_done.end())
+            return done->second;
+        m_busy.insert(index);
         auto value = decode(uintAt(m_tableAt + index * m_offsetSize, m_offsetSize), depth);
-        m_busy[index] = false;
-        m_done[index] = value;
+        m_busy.erase(index);
+        m_done.emplace(index, value);
         return value;
     }
 
@@ -200,8 +199,10 @@ private:
     int m_refSize = 0;
     quint64 m_tableAt = 0;
     quint64 m_count = 0;
-    std::vector<std::optional<QVariant>> m_done;
-    std::vector<bool> m_busy;
+    // Kept for the objects reached only: a trailer may claim an object count
+    // near the file's size, and a slot for each would be forty times that.
+    std::unordered_map<quint64, std::optional<QVariant>> m_done;
+    std::unordered_set<quint64> m_busy;
 };
 
 } // namespace

@@ -34,6 +34,16 @@ struct Regex::Compiled
 namespace {
 
 constexpr size_t kMaxIdleMatchers = 8;
+// ICU counts in steps of its engine that take about a millisecond each.
+constexpr int32_t kTimeLimitSteps = 1000;
+
+std::unique_ptr<icu::RegexMatcher> newMatcher(const Regex::Compiled &c, UErrorCode &status)
+{
+    std::unique_ptr<icu::RegexMatcher> matcher(c.icu->matcher(status));
+    if (U_SUCCESS(status) && (c.options & RegexOption::TimeLimited))
+        matcher->setTimeLimit(kTimeLimitSteps, status);
+    return matcher;
+}
 
 const icu::UnicodeString &emptyText()
 {
@@ -64,7 +74,7 @@ public:
         }
         UErrorCode status = U_ZERO_ERROR;
         if (!m) {
-            m.reset(c->icu->matcher(status));
+            m = newMatcher(*c, status);
             if (U_FAILURE(status)) {
                 spdlog::warn("Regular expression {}: no matcher ({})", c->pattern.toStdString(),
                              u_errorName(status));
@@ -244,7 +254,7 @@ Regex::Regex(const QString &pattern, RegexOptions options)
         c->icu.reset();
     } else {
         UErrorCode countStatus = U_ZERO_ERROR;
-        std::unique_ptr<icu::RegexMatcher> probe(c->icu->matcher(countStatus));
+        std::unique_ptr<icu::RegexMatcher> probe = newMatcher(*c, countStatus);
         c->groupCount = U_SUCCESS(countStatus) && probe ? probe->groupCount() : 0;
         if (probe)
             c->idle.push_back(std::move(probe));

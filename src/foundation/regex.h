@@ -24,6 +24,9 @@ enum class RegexOption {
     DotMatchesNewline = 1, // "." also matches line terminators
     AnchorsMatchLines = 2, // "^" and "$" match at every line start and end
     CaseInsensitive = 4,   // Unicode case folding
+    // Each search gives up, finding nothing, after about a second of work:
+    // for expressions made from outside text, which may backtrack for ages.
+    TimeLimited = 8,
 };
 Q_DECLARE_FLAGS(RegexOptions, RegexOption)
 Q_DECLARE_OPERATORS_FOR_FLAGS(RegexOptions)

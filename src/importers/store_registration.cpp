@@ -2,6 +2,7 @@
 
 #include "importers/mail_message.h"
 #include "importers/opml_converter.h"
+#include "importers/webarchive.h"
 #include "store/text_conversions.h"
 
 namespace tl::importers {
@@ -10,6 +11,8 @@ void registerImportersWithStore()
 {
     store::textConversions().OPMLToHTML = tl_OPMLToHTML;
     store::textConversions().emlToHTML = tl_emlFileToHTML;
+    store::textConversions().webarchiveToHTML = tl_webarchiveToHTML;
+    store::textConversions().duplicateWebArchiveAsFormattedDocument = tl_saveWebarchiveAsHTML;
 }
 
 } // namespace tl::importers

@@ -2,9 +2,9 @@
 
 namespace tl::importers {
 
-// Hands the store the conversions of outlines and mail messages, so
-// documents of those kinds show rendered and compile. Called once at start
-// by each program.
+// Hands the store the conversions of outlines, mail messages and web
+// archives, so documents of those kinds show rendered, compile and
+// duplicate. Called once at start by each program.
 void registerImportersWithStore();
 
 } // namespace tl::importers

@@ -152,6 +152,17 @@ TEST(Regex, InvalidPatternFindsNothing)
               "abc");
 }
 
+TEST(Regex, TimeLimitedSearchGivesUpOnARunawayBacktrack)
+{
+    // Unbounded, this would try 2^40 ways of splitting the run of "a".
+    const QString text = "x" + QString(40, u'a') + "x";
+    const Regex runaway(QStringLiteral("(a+)+b"), RegexOption::TimeLimited);
+    EXPECT_FALSE(runaway.isMatch(text));
+    EXPECT_EQ(runaway.replaceAll(text, "y"), text);
+    // Ordinary work is not cut short, by a fresh matcher or a reused one.
+    EXPECT_EQ(runaway.replaceAll("aab aaab", "y"), "y y");
+}
+
 TEST(Regex, GroupsAndNames)
 {
     const Regex re(R"((?<key>\w+)=(\d+)?|(-))");
