@@ -1,4 +1,5 @@
 #include "cli_support.h"
+#include "foundation/plist.h"
 #include "support/test_environment.h"
 
 #include <QDir>
@@ -67,6 +68,27 @@ TEST_F(ImportCommand, ConversionsPrintTheHTMLShown)
     const auto outline = run({"opml2html", home + "/Plan.opml"});
     ASSERT_EQ(outline.exitCode, 0) << outline.err.toStdString();
     EXPECT_EQ(outline.out, "\n<ul>\n\n<li>a</li>\n</ul>\n\n");
+}
+
+TEST_F(ImportCommand, WebArchivesShowOrBecomeDocuments)
+{
+    const QVariantMap page{{"WebResourceURL", "https://x.org/p"},
+                           {"WebResourceMIMEType", "text/html"},
+                           {"WebResourceData", QByteArray("<p>saved</p>")}};
+    ASSERT_TRUE(tltest::writeFile(library + "/Book/Page.webarchive",
+                                  tl::plist::toBinary(QVariantMap{{"WebMainResource", page}})));
+    const auto shown = run({"webarchive2html", library + "/Book/Page.webarchive"});
+    ASSERT_EQ(shown.exitCode, 0) << shown.err.toStdString();
+    EXPECT_EQ(shown.out, "<p>saved</p>\n");
+    const auto saved = run({"webarchive2html", "--save", library + "/Book/Page.webarchive"});
+    ASSERT_EQ(saved.exitCode, 0) << saved.err.toStdString();
+    EXPECT_EQ(saved.out, library + "/Book/Page.html\n");
+    EXPECT_TRUE(tltest::readFile(library + "/Book/Page.html").contains("<p>saved</p>"));
+
+    const auto junk = run({"webarchive2html", home + "/Plan.opml"});
+    EXPECT_EQ(junk.exitCode, 1);
+    EXPECT_EQ(junk.err.count('\n'), 1) << junk.err.toStdString();
+    EXPECT_EQ(run({"webarchive2html", "--save", "-o", "x", home + "/Plan.opml"}).exitCode, 2);
 }
 
 } // namespace
