@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the server's fuzz targets with clang and libFuzzer and runs each one
-# for a bounded time.
+# Builds the fuzz targets (the server's, and the reader of saved web pages)
+# with clang and libFuzzer and runs each one for a bounded time.
 #
 #   tests/server/fuzz/run.sh [SECONDS]      (default 60 per target)
 #
@@ -8,7 +8,8 @@
 # FUZZ_TARGETS (default: all), CXX (default: clang++-14).
 # New corpus entries stay in the build folder; the seeds here are read only.
 # A crash stops with the failing input's path; turn it into a regression test
-# in the gtest suite (tests/server/fuzz_regression_test.cpp).
+# in the gtest suite (tests/server/fuzz_regression_test.cpp, and for web
+# archives tests/importers/webarchive_fuzz_regression_test.cpp).
 set -euo pipefail
 
 seconds=${1:-60}
@@ -16,7 +17,7 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 top=$(cd "$here/../../.." && pwd)
 build=${FUZZ_BUILD_DIR:-${TMPDIR:-/tmp}/tavelle-server-fuzz}
 cxx=${CXX:-clang++-14}
-targets=${FUZZ_TARGETS:-"request_parser range authorization connection"}
+targets=${FUZZ_TARGETS:-"request_parser range authorization connection webarchive"}
 jobs=$(nproc 2>/dev/null || echo 2)
 
 command -v "$cxx" >/dev/null || { echo "fuzz: $cxx not found (Debian: clang-14 libclang-rt-14-dev)" >&2; exit 2; }
@@ -31,9 +32,11 @@ cxxflags=(-std=c++20 -O1 -g -fPIC "${sanitize[@]}" -I"$top/src" -DASIO_STANDALON
 libs=($(pkg-config --libs Qt6Core spdlog fmt icu-uc icu-i18n libplist-2.0) -pthread)
 
 # The engine's sources and the foundation, once, with coverage for libFuzzer;
-# with them the plain log line and the library root it finds its file by.
+# with them the plain log line and the library root it finds its file by, and
+# the web archive reader.
 sources=$( (find "$top/src/server/core" "$top/src/foundation" -name '*.cpp';
-            printf '%s\n' "$top"/src/platform/{folders,settings}.cpp "$top"/src/store/{log,library_root}.cpp) | sort)
+            printf '%s\n' "$top"/src/platform/{folders,settings}.cpp "$top"/src/store/{log,library_root}.cpp \
+                   "$top"/src/importers/webarchive_reader.cpp) | sort)
 compile() {
   local src=$1 obj=$2
   if [ ! -f "$obj" ] || [ "$src" -nt "$obj" ] || [ -n "$(find "$top/src" -name '*.h' -newer "$obj" -print -quit)" ]; then
