@@ -168,6 +168,7 @@ bool TLKSOutlineViewController::initFileCoordinationAndTaskLists()
 void TLKSOutlineViewController::handleWatchReport(const platform::FileWatchReport &report)
 {
     using Kind = platform::FileWatchReport::Kind;
+    center().post(events::LibraryItemChanged, report.toDictionary());
     switch (report.kind) {
     case Kind::Moved:
         switch (classifyOutsideMove(report)) {

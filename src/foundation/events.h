@@ -33,5 +33,9 @@ inline constexpr char ICloudNumberOfUnsyncedItemsChanged[] =
 inline constexpr char OpenItemsInNewWindow[] = "TLKSOpenItemsInNewWindowNotification";
 inline constexpr char OpenItemsInNewTab[] = "TLKSOpenItemsInNewTabNotification";
 inline constexpr char OpenInfo[] = "TLKSOpenInfoNotification";
+// Each report of the library's one file watcher, as the watcher words it
+// ("kind", "path", "newPath" for a move): for subsystems that follow changes
+// below the root without watching it themselves.
+inline constexpr char LibraryItemChanged[] = "TLKSLibraryItemChangedNotification";
 
 } // namespace tl::events

@@ -3,7 +3,6 @@
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
 #include "foundation/scheduler.h"
-#include "platform/file_watcher.h"
 #include "store/library_root.h"
 #include "sync/resolution.h"
 #include "sync/sync_sources.h"
@@ -19,19 +18,13 @@ const QString kReportKey = QStringLiteral("tl_iCloudUpdateDocuments");
 } // namespace
 
 ConflictWatch::ConflictWatch(const QString &root)
-    : m_client(root.isEmpty() ? std::nullopt : detectSyncClient(root)),
+    : m_root(root), m_client(root.isEmpty() ? std::nullopt : detectSyncClient(root)),
       m_source(syncSourceForLibrary(root))
 {
     if (!m_client) {
         clearSyncState();
         return;
     }
-    m_watcher = std::make_unique<platform::FileWatcher>();
-    m_watcher->onReport = [this](const platform::FileWatchReport &report) {
-        const bool moved = report.kind == platform::FileWatchReport::Kind::Moved;
-        itemChanged(moved ? report.newPath : report.path);
-    };
-    m_watcher->watch(root);
     // What arrived while the program was not watching.
     scheduleReport();
 }
@@ -61,12 +54,24 @@ void installConflictWatch()
     // The scheduler outlives the watch at exit, as the watch cancels its report.
     Scheduler::main();
     static std::unique_ptr<ConflictWatch> watch;
+    const auto watchCurrentRoot = [] {
+        watch.reset();
+        watch = std::make_unique<ConflictWatch>(store::libraryRoot());
+    };
     static ScopedObserver rootChanges(
-        QLatin1String(events::NewTavelleRootSelected), [](const QString &, const QVariantMap &) {
-            watch.reset();
-            watch = std::make_unique<ConflictWatch>(store::libraryRoot());
+        QLatin1String(events::NewTavelleRootSelected),
+        [=](const QString &, const QVariantMap &) { watchCurrentRoot(); });
+    static ScopedObserver changes(
+        QLatin1String(events::LibraryItemChanged), [=](const QString &, const QVariantMap &report) {
+            // The root is read afresh: a library opened without the root
+            // event still gets its watch.
+            if (watch->root() != store::libraryRoot())
+                watchCurrentRoot();
+            watch->itemChanged(report.value(QStringLiteral("path")).toString());
+            if (report.contains(QStringLiteral("newPath")))
+                watch->itemChanged(report.value(QStringLiteral("newPath")).toString());
         });
-    watch = std::make_unique<ConflictWatch>(store::libraryRoot());
+    watchCurrentRoot();
 }
 
 } // namespace tl::sync

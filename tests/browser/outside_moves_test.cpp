@@ -106,13 +106,14 @@ struct PostedEvents
         return int(std::count_if(events.begin(), events.end(),
                                  [name](const auto &e) { return e.first == name; }));
     }
-    // Every path an event names.
+    // Every path an event to the views names; the watcher's own reports
+    // name every file the save touched, the program's side files too.
     QStringList paths() const
     {
         QStringList all;
         for (const auto &e : events)
             for (const char *key : {"path", "originalPath", "newPath"})
-                if (e.second.contains(key))
+                if (e.second.contains(key) && e.first != tl::events::LibraryItemChanged)
                     all << e.second.value(key).toString();
         return all;
     }
