@@ -154,6 +154,19 @@ QString tl_fancyWeekdayString(const QDateTime &date)
     return text;
 }
 
+QString tl_fancyWeekdayStringExact(const QDateTime &date)
+{
+    if (isDistant(date))
+        return {};
+    const QString word = nearDayWord(date, clock().now());
+    if (word.isEmpty())
+        return format(date, icu::DateFormat::kShort, icu::DateFormat::kMedium);
+    const bool tomorrow = word == localized("Tomorrow");
+    return word + QStringLiteral(", ") +
+           format(date, icu::DateFormat::kNone,
+                  tomorrow ? icu::DateFormat::kShort : icu::DateFormat::kMedium);
+}
+
 QString tl_readableRepeatDetailsForDetails(const std::optional<QStringList> &details)
 {
     if (!details || details->size() != 3)

@@ -19,6 +19,10 @@ QString tl_weekdayString(const QDateTime &date);
 // "Today", "Yesterday" or "Tomorrow", or the full date; the short time
 // behind when the date has an alert time. Empty for the distant dates.
 QString tl_fancyWeekdayString(const QDateTime &date);
+// A moment to the second: "Today" or "Yesterday" with the medium time,
+// "Tomorrow" with the short time, any other day the short date and the
+// medium time. Empty for the distant dates.
+QString tl_fancyWeekdayStringExact(const QDateTime &date);
 // "Every Week ", "Every 2 weeks", "1 day after completion"; "---" for none.
 QString tl_readableRepeatDetailsForDetails(const std::optional<QStringList> &details);
 QString tl_readableRepeatDetails(const QString &itemPath);

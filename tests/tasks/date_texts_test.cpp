@@ -59,6 +59,29 @@ TEST_F(TaskListTest, FancyWeekdayTexts)
     }
 }
 
+TEST_F(TaskListTest, ExactWeekdayTexts)
+{
+    const QChar narrow(0x202f);
+    const struct
+    {
+        QDateTime date;
+        QString text;
+    } cases[] = {
+        {now().addSecs(-3600), QString("Today, 11:00:00") + narrow + "AM"},
+        {QDateTime(QDate(2024, 3, 4), QTime(0, 1, 5), Qt::UTC),
+         QString("Yesterday, 12:01:05") + narrow + "AM"},
+        {QDateTime(QDate(2024, 3, 6), QTime(0, 1, 5), Qt::UTC),
+         QString("Tomorrow, 12:01") + narrow + "AM"},
+        {QDateTime(QDate(2024, 3, 9), QTime(17, 30, 2), Qt::UTC),
+         QString("3/9/24, 5:30:02") + narrow + "PM"},
+        {distantPast(), ""},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.text.toStdString());
+        EXPECT_EQ(tl_fancyWeekdayStringExact(c.date), c.text);
+    }
+}
+
 } // namespace
 TEST_F(TaskListTest, WeekdayTextsOfListRows)
 {
