@@ -1,6 +1,7 @@
 #include "document/document_pane.h"
 
 #include "document/backlinks_list.h"
+#include "document/conflict_bar.h"
 #include "document/formatted_view.h"
 #include "document/pdf_pane.h"
 #include "document/plain_text_view.h"
@@ -10,6 +11,7 @@
 #include "foundation/notification_center.h"
 #include "link_actions.h"
 #include "store/style_values.h"
+#include "sync/document_conflict.h"
 
 #include <QLabel>
 #include <QStackedWidget>
@@ -24,10 +26,13 @@ DocumentPane::DocumentPane(QWidget *parent)
     : QWidget(parent), m_controller(new TLKSDocumentViewController(this)),
       m_stack(new QStackedWidget(this)), m_empty(new QLabel(this)),
       m_plain(new PlainTextView(this)), m_preview(new PreviewPane(this)),
-      m_taskButton(new TaskButton(this))
+      m_taskButton(new TaskButton(this)),
+      m_conflict(new sync::DocumentConflict(*m_controller, this)),
+      m_conflictBar(new ConflictBar(*m_conflict, this))
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_conflictBar);
     layout->addWidget(m_stack);
     auto *backlinks = new BacklinksList(this);
     layout->addWidget(backlinks);
@@ -67,6 +72,8 @@ DocumentPane::DocumentPane(QWidget *parent)
             [c](const QString &text, bool before) { c->textDidChange(text, before); });
     connect(m_plain, &PlainTextView::caretMoved, this,
             [c](qint64 offset) { c->characterOffset = offset; });
+    connect(m_conflict, &sync::DocumentConflict::conflictChanged, this,
+            &DocumentPane::followConflict);
     c->startObserving();
 }
 
@@ -172,6 +179,15 @@ void DocumentPane::showFormattedPage()
 {
     formattedView()->showPage(m_controller->formattedPage, m_controller->path,
                               m_controller->formattedOffset);
+}
+
+void DocumentPane::followConflict()
+{
+    const bool unresolved = m_conflict->isUnresolved();
+    m_plain->endEditing();
+    m_plain->setReadOnly(unresolved);
+    if (m_formatted)
+        m_formatted->setEditable(!unresolved && m_controller->formattedPage.editable);
 }
 
 void DocumentPane::toggleView()

@@ -7,10 +7,15 @@
 
 class QStackedWidget;
 
+namespace tl::sync {
+class DocumentConflict;
+}
+
 // The document view: one of plain text, formatted, PDF or preview, as the
 // controller decides, with every gesture handed back to it.
 namespace tl::app {
 
+class ConflictBar;
 class FormattedView;
 class PdfPane;
 class PlainTextView;
@@ -25,6 +30,8 @@ public:
     ~DocumentPane() override;
 
     browser::TLKSDocumentViewController &controller() { return *m_controller; }
+    sync::DocumentConflict &conflict() const { return *m_conflict; }
+    ConflictBar *conflictBar() const { return m_conflictBar; }
     PlainTextView *plainTextView() const { return m_plain; }
     // Made on first need: the web engine and the PDF renderer are heavy.
     FormattedView *formattedView();
@@ -52,6 +59,8 @@ private:
     void placeTaskButton();
     void showCurrentDocument();
     void showFormattedPage();
+    // Read-only while the document's conflict stands.
+    void followConflict();
 
     browser::TLKSDocumentViewController *m_controller;
     QStackedWidget *m_stack;
@@ -61,6 +70,8 @@ private:
     PdfPane *m_pdf = nullptr;
     PreviewPane *m_preview;
     TaskButton *m_taskButton;
+    sync::DocumentConflict *m_conflict;
+    ConflictBar *m_conflictBar;
 };
 
 } // namespace tl::app

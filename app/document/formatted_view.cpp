@@ -206,6 +206,14 @@ void FormattedView::insertHTML(const QString &html)
         Q_EMIT m_bridge->htmlInserted(html);
 }
 
+void FormattedView::setEditable(bool editable)
+{
+    m_editable = editable;
+    m_editing = false;
+    if (m_ready)
+        Q_EMIT m_bridge->editableChanged(editable);
+}
+
 void FormattedView::clear()
 {
     m_documentPath.clear();

@@ -33,6 +33,8 @@ public:
     bool isEditable() const { return m_editable; }
     // Puts the markup in at the caret of an editable page.
     void insertHTML(const QString &html);
+    // Whether the page on show takes edits; the next edit begins anew.
+    void setEditable(bool editable);
     double scrollOffset() const { return m_offset; }
     // Whether the page's script answered since the last load.
     bool pageIsReady() const { return m_ready; }

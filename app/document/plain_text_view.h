@@ -37,6 +37,8 @@ public:
     void insertMarkdownLink();
     // Puts the text in place of the selection, the caret behind it.
     void insertAtSelection(const QString &text);
+    // The next key that would change the text asks again (editingWanted).
+    void endEditing() { m_editing = false; }
 
 Q_SIGNALS:
     // The first key that would change the text: set *allowed to false to

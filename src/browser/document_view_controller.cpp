@@ -163,6 +163,7 @@ void TLKSDocumentViewController::showDocument()
     if (store::libraryRoot().isEmpty())
         return;
     Scheduler::main().cancel(saveTimerKey());
+    iCloudHaveUnresolvedConflict = false;
     currentPlist = relevantInheritedProperties(path);
     embeddedContexts.clear();
     if (!path.isEmpty())
@@ -378,8 +379,17 @@ bool TLKSDocumentViewController::tl_showUnlockAlert()
     return !isLocked();
 }
 
+bool TLKSDocumentViewController::conflictAllowsEditing()
+{
+    if (iCloudHaveUnresolvedConflict)
+        Q_EMIT unresolvedConflictCheckRequested();
+    return !iCloudHaveUnresolvedConflict;
+}
+
 bool TLKSDocumentViewController::textShouldBeginEditing()
 {
+    if (!conflictAllowsEditing())
+        return false;
     if (isLocked() && !tl_showUnlockAlert())
         return false;
     if (md5hash.isEmpty())
@@ -389,7 +399,8 @@ bool TLKSDocumentViewController::textShouldBeginEditing()
 
 bool TLKSDocumentViewController::formattedShouldBeginEditing(const QString &innerHTML)
 {
-    if (!formattedPage.editable || (isLocked() && !tl_showUnlockAlert()))
+    if (!formattedPage.editable || !conflictAllowsEditing() ||
+        (isLocked() && !tl_showUnlockAlert()))
         return false;
     if (md5hash.isEmpty()) {
         m_state->innerHTML = innerHTML;

@@ -97,6 +97,10 @@ public:
     QString toggleTitle;
     DocumentLock lock = DocumentLock::None;
     bool isLocked() const { return lock != DocumentLock::None; }
+    // Set while the document has versions from another computer awaiting
+    // the user's choice: it is read-only, and each attempt at editing asks
+    // the question again. Cleared whenever a document is shown.
+    bool iCloudHaveUnresolvedConflict = false;
     // Offsets remembered for the document, restored by the views.
     qint64 characterOffset = 0;
     double formattedOffset = 0;
@@ -193,6 +197,10 @@ Q_SIGNALS:
     // After a selection: focus to the list, or the window to the front.
     void focusListRequested();
     void bringToFrontRequested();
+    // Editing is wanted while the conflict flag is set: whoever settles
+    // conflicts asks the user now (tl_iCloudCheckUnresolvedConflict) and
+    // clears the flag if the question was answered.
+    void unresolvedConflictCheckRequested();
 
 private:
     struct State;
@@ -205,6 +213,8 @@ private:
     void loadFormattedPage();
     void applyLockRule();
     void readOffsets();
+    // False while a conflict stays unresolved after asking again.
+    bool conflictAllowsEditing();
     void scheduleSave(double delay);
     // The text writeTextToFile would write for what the view shows now,
     // before any envelope, and its hash in the document's encoding.
