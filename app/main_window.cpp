@@ -29,6 +29,7 @@
 #include "store/item_path.h"
 #include "store/library_root.h"
 #include "store/task_records.h"
+#include "sync_status.h"
 #include "tasks/task_list.h"
 #include "theme.h"
 #include "window_layout.h"
@@ -107,6 +108,8 @@ MainWindow::MainWindow(EventBridge &bridge, QWidget *parent)
     m_actions->fillToolBar(toolbar);
     statusBar()->addWidget(m_status, 1);
     statusBar()->addPermanentWidget(m_scriptPages);
+    statusBar()->addPermanentWidget(new SyncStatusLabel(bridge, this));
+    followUnresolvedConflicts(bridge, *m_outlineController, this);
     buildActions();
 
     connect(&bridge, &EventBridge::showItemAtPath, this, &MainWindow::showItemAtPath);

@@ -9,7 +9,8 @@ QList<QObject *> allTests()
     return {makeNavigationRulesTest(),  makeWelcomeWindowTest(),   makeMainWindowTest(),
             makeScriptPagesLabelTest(), makePlainTextViewTest(),   makePublishingTest(),
             makeLinkActionsTest(),      makeContextsWindowTest(),  makeTasksWindowTest(),
-            makeSearchOptionsTest(),    makeOutsideRequestsTest(), makeTranscriptionWindowTest()};
+            makeSearchOptionsTest(),    makeOutsideRequestsTest(), makeTranscriptionWindowTest(),
+            makeSyncWindowTest()};
 }
 
 tl::platform::HeadlessAlertPresenter &alerts()

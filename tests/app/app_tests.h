@@ -28,5 +28,6 @@ QObject *makeTasksWindowTest();
 QObject *makeSearchOptionsTest();
 QObject *makeOutsideRequestsTest();
 QObject *makeTranscriptionWindowTest();
+QObject *makeSyncWindowTest();
 
 } // namespace apptest
