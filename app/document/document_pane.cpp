@@ -188,6 +188,9 @@ void DocumentPane::followConflict()
     m_plain->setReadOnly(unresolved);
     if (m_formatted)
         m_formatted->setEditable(!unresolved && m_controller->formattedPage.editable);
+    // The bar above the page came or went.
+    layout()->activate();
+    placeTaskButton();
 }
 
 void DocumentPane::toggleView()
