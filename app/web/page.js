@@ -61,7 +61,8 @@
     // The element a reference's anchor names, by id or by name.
     bridge.anchorRequested.connect(function (anchor) {
       var target = document.getElementById(anchor) || document.getElementsByName(anchor)[0];
-      if (target) target.scrollIntoView();
+      // Not flush with the top edge.
+      if (target) window.scrollTo(0, target.getBoundingClientRect().top + window.scrollY - 16);
     });
     bridge.textInserted.connect(function (text) {
       if (!document.body.isContentEditable) return;
