@@ -38,8 +38,7 @@ CurrentLocation::CurrentLocation(QObject *parent) : QObject(parent)
 
 CurrentLocation::~CurrentLocation()
 {
-    if (m_service)
-        Scheduler::main().cancel(timerKey());
+    Scheduler::main().cancel(timerKey());
 }
 
 void CurrentLocation::start()
@@ -57,6 +56,9 @@ void CurrentLocation::start()
         failed(platform::LocationFailure::Denied);
         return;
     }
+    // A service may fail while starting.
+    if (!m_service)
+        return;
     Scheduler::main().schedule(timerKey(), kWideningDelay, [this] { widen(); });
 }
 

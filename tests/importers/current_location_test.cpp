@@ -9,16 +9,23 @@
 namespace tl::importers {
 namespace {
 
-// A service the test feeds; it refuses to start when told to.
+enum class Start { Starts, Refuses, FailsWhileStarting };
+
+// A service the test feeds.
 class FakeService : public platform::LocationService
 {
 public:
-    explicit FakeService(bool starts) : m_starts(starts) {}
-    bool start() override { return m_starts; }
+    explicit FakeService(Start start) : m_start(start) {}
+    bool start() override
+    {
+        if (m_start == Start::FailsWhileStarting)
+            Q_EMIT failed(platform::LocationFailure::Unavailable);
+        return m_start != Start::Refuses;
+    }
     void stop() override {}
 
 private:
-    bool m_starts;
+    Start m_start;
 };
 
 class CurrentLocationTest : public ::testing::Test
@@ -42,7 +49,7 @@ protected:
     }
 
     // Starts a request on a service that starts or not; the service fed.
-    FakeService *start(bool starts = true)
+    FakeService *start(Start starts = Start::Starts)
     {
         FakeService *made = nullptr;
         platform::setLocationServiceFactory([&made, starts] {
@@ -105,7 +112,7 @@ TEST_F(CurrentLocationTest, FailuresAreTold)
                                           "disabled in Settings.");
     const QString unavailable = QStringLiteral("Unanable to acquire location.|");
 
-    start(false);
+    start(Start::Refuses);
     EXPECT_EQ(alertTexts(), QStringList{denied});
 
     FakeService *service = start();
@@ -117,7 +124,13 @@ TEST_F(CurrentLocationTest, FailuresAreTold)
         wait(step);
     EXPECT_DOUBLE_EQ(request.desiredAccuracy(), 3000);
     EXPECT_EQ(alertTexts(), (QStringList{denied, unavailable, unavailable}));
-    EXPECT_EQ(finished, 3);
+
+    start(Start::FailsWhileStarting);
+    EXPECT_FALSE(request.isRunning());
+    for (double step : {10, 10, 40})
+        wait(step);
+    EXPECT_EQ(alertTexts(), (QStringList{denied, unavailable, unavailable, unavailable}));
+    EXPECT_EQ(finished, 4);
     EXPECT_TRUE(found.empty());
 }
 
