@@ -16,6 +16,7 @@
 #include <QMutex>
 #include <QtConcurrent>
 #include <algorithm>
+#include <cstdio>
 #include <mutex>
 #include <sys/stat.h>
 
@@ -29,7 +30,7 @@ using detail::Statement;
 using detail::StoredStamps;
 
 // Raised whenever the tables change shape: an index of another shape is rebuilt.
-constexpr int kSchemaVersion = 1;
+constexpr int kSchemaVersion = 2;
 
 // Documents read per batch: one batch is read on the worker threads while the
 // one before is written.
@@ -42,13 +43,19 @@ CREATE TABLE IF NOT EXISTS items(
     name TEXT NOT NULL,
     modified INTEGER NOT NULL,
     size INTEGER NOT NULL);
-CREATE VIRTUAL TABLE IF NOT EXISTS content
-    USING fts5(words, tokenize = 'unicode61 remove_diacritics 2');
-PRAGMA user_version = 1;
+CREATE VIRTUAL TABLE IF NOT EXISTS content USING fts5(words, tokenize = 'ascii');
+PRAGMA user_version = 2;
 )";
 
-// An item read for the index: its stamp, and its words joined by blanks
-// (nothing for an item without text).
+// The words are folded and joined by blanks before they are stored, and the
+// terms of a query alike, so the index splits them at blanks and nothing
+// more: ASCII's tokenizer does, taking every other character as part of a word.
+
+// A whole library into an empty file that nothing else reads yet: no journal
+// and no sharing, as the file is put in place only once complete.
+const char *const kBuildingPragmas = "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; "
+                                     "PRAGMA locking_mode = EXCLUSIVE; PRAGMA cache_size = -262144";
+
 // An item to write: new ones have no id yet.
 struct Change
 {
@@ -56,10 +63,13 @@ struct Change
     qint64 id = -1;
 };
 
+// An item read for the index: its stamp, its folded name, and its words
+// joined by blanks (nothing for an item without text).
 struct ReadItem
 {
     ItemStamp stamp;
     qint64 id;
+    QString name;
     std::optional<QString> words;
 };
 
@@ -130,6 +140,14 @@ struct SearchIndex::Private
         return db.exec(kSchema);
     }
 
+    static void removeDatabase(const QString &path)
+    {
+        for (const char *suffix : {"", "-wal", "-shm"})
+            QFile::remove(path + QLatin1String(suffix));
+    }
+
+    QString buildingPath() const { return databasePath + QStringLiteral(".building"); }
+
     // Throws the file away and starts an empty index; both locks held.
     bool startAfresh()
     {
@@ -137,9 +155,35 @@ struct SearchIndex::Private
         writer.close();
         reader.close();
         namesVersion = -1;
-        for (const char *suffix : {"", "-wal", "-shm"})
-            QFile::remove(databasePath + QLatin1String(suffix));
+        removeDatabase(databasePath);
+        removeDatabase(buildingPath());
         return openBoth();
+    }
+
+    // Fills a new file with every item, then puts it in place of the empty
+    // index; the writing lock held. A build cut short leaves only a file
+    // that is never opened as the index.
+    bool buildFromNothing(const QList<Change> &items)
+    {
+        const QString building = buildingPath();
+        removeDatabase(building);
+        bool built = false;
+        {
+            Database fresh;
+            built = fresh.open(building) && fresh.exec(kBuildingPragmas) && fresh.exec(kSchema) &&
+                    write(fresh, items, {});
+        }
+        QMutexLocker lock(&reading);
+        if (built) {
+            writer.close();
+            reader.close();
+            namesVersion = -1;
+            removeDatabase(databasePath);
+            built = std::rename(QFile::encodeName(building).constData(),
+                                QFile::encodeName(databasePath).constData()) == 0;
+        }
+        removeDatabase(building);
+        return openBoth() && built;
     }
 
     // Opens the index, throwing away a damaged one.
@@ -172,35 +216,39 @@ struct SearchIndex::Private
             }
         }
         forEachSearchableItemInParallel(folder, consider);
-        return write(changed, stored.unseen());
+        if (folder == root && stored.isEmpty() && !changed.isEmpty())
+            return buildFromNothing(changed);
+        return write(writer, changed, stored.unseen());
     }
 
-    bool write(const QList<Change> &changed, const QList<qint64> &gone)
+    bool write(Database &db, const QList<Change> &changed, const QList<qint64> &gone)
     {
         if (changed.isEmpty() && gone.isEmpty())
-            return writer.failure() == 0;
-        if (!writer.exec("BEGIN IMMEDIATE"))
+            return db.failure() == 0;
+        if (!db.exec("BEGIN IMMEDIATE"))
             return false;
-        Statement forgetContent(writer, QStringLiteral("DELETE FROM content WHERE rowid = ?1"));
-        Statement forgetItem(writer, QStringLiteral("DELETE FROM items WHERE id = ?1"));
+        Statement forgetContent(db, QStringLiteral("DELETE FROM content WHERE rowid = ?1"));
+        Statement forgetItem(db, QStringLiteral("DELETE FROM items WHERE id = ?1"));
         for (qint64 id : gone) {
             forgetContent.bind(1, id).run();
             forgetItem.bind(1, id).run();
         }
         const SearchableText reader;
         const auto readOne = [&reader](const Change &change) {
-            ReadItem item{change.stamp, change.id, std::nullopt};
+            ReadItem item{change.stamp, change.id,
+                          caseAndDiacriticFolded(path::lastComponent(change.stamp.path)),
+                          std::nullopt};
             if (!change.stamp.isFolder) {
                 if (std::optional<QString> text = reader.textOf(change.stamp.path))
                     item.words = joinedSearchWords(*text);
             }
             return item;
         };
-        Statement insert(writer, QStringLiteral("INSERT INTO items(path, name, modified, size) "
-                                                "VALUES(?1, ?2, ?3, ?4)"));
-        Statement update(writer, QStringLiteral("UPDATE items SET path = ?1, name = ?2, "
-                                                "modified = ?3, size = ?4 WHERE id = ?5"));
-        Statement storeContent(writer,
+        Statement insert(db, QStringLiteral("INSERT INTO items(path, name, modified, size) "
+                                            "VALUES(?1, ?2, ?3, ?4)"));
+        Statement update(db, QStringLiteral("UPDATE items SET path = ?1, name = ?2, "
+                                            "modified = ?3, size = ?4 WHERE id = ?5"));
+        Statement storeContent(db,
                                QStringLiteral("INSERT INTO content(rowid, words) VALUES(?1, ?2)"));
         const auto batch = [&changed](qsizetype at) { return changed.mid(at, kBatchSize); };
         QFuture<ReadItem> reading = QtConcurrent::mapped(batch(0), readOne);
@@ -211,7 +259,7 @@ struct SearchIndex::Private
             for (const ReadItem &item : items) {
                 Statement &store = item.id < 0 ? insert : update;
                 store.bind(1, item.stamp.path)
-                    .bind(2, caseAndDiacriticFolded(path::lastComponent(item.stamp.path)))
+                    .bind(2, item.name)
                     .bind(3, item.stamp.modified)
                     .bind(4, item.stamp.size);
                 if (item.id >= 0)
@@ -220,18 +268,18 @@ struct SearchIndex::Private
                     continue;
                 qint64 id = item.id;
                 if (id < 0)
-                    id = writer.lastInsertRowid();
+                    id = db.lastInsertRowid();
                 else
                     forgetContent.bind(1, id).run();
                 if (item.words)
                     storeContent.bind(1, id).bind(2, *item.words).run();
             }
         }
-        if (writer.failure() != 0) {
-            writer.exec("ROLLBACK");
+        if (db.failure() != 0) {
+            db.exec("ROLLBACK");
             return false;
         }
-        return writer.exec("COMMIT");
+        return db.exec("COMMIT");
     }
 
     qint64 storedId(const QString &path)
@@ -251,7 +299,7 @@ struct SearchIndex::Private
         QList<qint64> gone;
         while (ids.step())
             gone << ids.integer(0);
-        write({}, gone);
+        write(writer, {}, gone);
     }
 
     // The names as the reader sees them, loaded again once another
@@ -350,8 +398,12 @@ bool SearchIndex::bringUpToDate()
         return true;
     if (!d->writer.isDamaged())
         return false;
-    QMutexLocker readLock(&d->reading);
-    return d->startAfresh() && d->syncBelow(d->root, false);
+    {
+        QMutexLocker readLock(&d->reading);
+        if (!d->startAfresh())
+            return false;
+    }
+    return d->syncBelow(d->root, false);
 }
 
 void SearchIndex::refreshItem(const QString &path)
@@ -365,14 +417,18 @@ void SearchIndex::refreshItem(const QString &path)
     if (stamp->isFolder)
         d->syncBelow(path, true);
     else
-        d->write({Change{*stamp, d->storedId(path)}}, {});
+        d->write(d->writer, {Change{*stamp, d->storedId(path)}}, {});
 }
 
 bool SearchIndex::rebuild()
 {
     QMutexLocker lock(&d->writing);
-    QMutexLocker readLock(&d->reading);
-    return d->startAfresh() && d->syncBelow(d->root, false);
+    {
+        QMutexLocker readLock(&d->reading);
+        if (!d->startAfresh())
+            return false;
+    }
+    return d->syncBelow(d->root, false);
 }
 
 QStringList SearchIndex::search(const Query &query, const QString &scope)

@@ -23,6 +23,7 @@ public:
     // Whether the item is stored with this stamp; its id, or -1 when the
     // index does not hold it. Marks it seen.
     bool isUnchanged(const EncodedItemStamp &item, qint64 &id);
+    bool isEmpty() const { return m_stamps.empty(); }
     // The ids of the items no lookup asked for.
     QList<qint64> unseen() const;
 

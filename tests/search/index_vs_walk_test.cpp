@@ -179,4 +179,18 @@ TEST_F(IndexVersusWalk, ADamagedIndexIsBuiltAnew)
     expectSameAnswers(index);
 }
 
+TEST_F(IndexVersusWalk, ABuildCutShortLeavesNothingTrusted)
+{
+    generate(2, 10);
+    QDir().mkpath(home_ + "/index");
+    QFile leftOver(indexFile() + ".building");
+    ASSERT_TRUE(leftOver.open(QIODevice::WriteOnly));
+    leftOver.write(QByteArray(4096, 'x'));
+    leftOver.close();
+    tl::search::SearchIndex index(root_, indexFile());
+    ASSERT_TRUE(index.bringUpToDate());
+    expectSameAnswers(index);
+    EXPECT_FALSE(QFile::exists(indexFile() + ".building"));
+}
+
 } // namespace
