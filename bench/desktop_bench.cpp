@@ -10,6 +10,7 @@
 #include "browser/render_worker.h"
 #include "document/document_pane.h"
 #include "document/formatted_view.h"
+#include "document_windows.h"
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
 #include "main_window.h"
@@ -152,6 +153,7 @@ int main(int argc, char **argv)
     parts.showAllPanes = [] {};
     parts.effectiveAppearanceName = [] { return QStringLiteral("Light"); };
     parts.openDocuments = [](const QVariantList &) {};
+    parts.showInOpenWindow = tl::app::showInOpenWindow;
     tl::assembly::assembleCore(parts);
     tl::platform::settings().set(QLatin1String(tl::keys::setting::TavelleFolder), root);
 
