@@ -40,9 +40,13 @@ QString overview()
         "Tavelle keeps documents, notes and tasks in an ordinary folder tree.\n"
         "Without --library the command works on the library chosen last with 'tavelle init'.\n\n"
         "Commands:\n");
+    // The summaries line up one blank past the longest name.
+    qsizetype width = 0;
+    for (const Command *c : allCommands())
+        width = std::max(width, qsizetype(qstrlen(c->name)) + 1);
     for (const Command *c : allCommands())
         text += QStringLiteral("  %1%2\n")
-                    .arg(QString::fromLatin1(c->name).leftJustified(10),
+                    .arg(QString::fromLatin1(c->name).leftJustified(width),
                          QString::fromLatin1(c->summary));
     text += QStringLiteral("\nRun 'tavelle COMMAND --help' for a command's arguments.");
     return text;
