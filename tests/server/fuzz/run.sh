@@ -17,7 +17,7 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 top=$(cd "$here/../../.." && pwd)
 build=${FUZZ_BUILD_DIR:-${TMPDIR:-/tmp}/tavelle-server-fuzz}
 cxx=${CXX:-clang++-14}
-targets=${FUZZ_TARGETS:-"request_parser range authorization connection webarchive"}
+targets=${FUZZ_TARGETS:-"request_parser range authorization connection webarchive plist_xml"}
 jobs=$(nproc 2>/dev/null || echo 2)
 
 command -v "$cxx" >/dev/null || { echo "fuzz: $cxx not found (Debian: clang-14 libclang-rt-14-dev)" >&2; exit 2; }
