@@ -1,7 +1,6 @@
 // Contexts in the window: ticking and adding them on items, their smart
 // books with counts, and the collection from documents with its progress.
 #include "app_tests.h"
-#include "browser/event_bridge.h"
 #include "browser/outline_model.h"
 #include "browser/smart_books.h"
 #include "contexts/tag_database.h"
@@ -10,15 +9,13 @@
 #include "outline_pane.h"
 #include "platform/alerts.h"
 #include "platform/settings.h"
-#include "store/keys.h"
-#include "support/test_environment.h"
+#include "window_fixture.h"
 
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QTest>
 #include <QTreeView>
-#include <memory>
 
 namespace {
 
@@ -27,15 +24,14 @@ using tl::browser::OutlineModel;
 class ContextsWindowTest : public QObject
 {
     Q_OBJECT
-    QString m_library;
-    std::unique_ptr<tl::browser::EventBridge> m_bridge;
-    std::unique_ptr<tl::app::MainWindow> m_window;
+    apptest::WindowFixture m_fixture;
 
-    QString item(const QString &name) const { return m_library + u'/' + name; }
+    QString item(const QString &name) const { return m_fixture.item(name); }
+    tl::app::MainWindow *window() const { return &m_fixture.window(); }
 
     QModelIndex outlineRow(int smartType, const QString &path = {}) const
     {
-        QAbstractItemModel *model = m_window->outlinePane()->view()->model();
+        QAbstractItemModel *model = window()->outlinePane()->view()->model();
         const QModelIndexList rows =
             model->match(model->index(0, 0), OutlineModel::SmartTypeRole, smartType, -1,
                          Qt::MatchExactly | Qt::MatchRecursive);
@@ -47,7 +43,7 @@ class ContextsWindowTest : public QObject
 
     QAction *menuBarAction(const QString &text) const
     {
-        for (QAction *menu : m_window->menuBar()->actions())
+        for (QAction *menu : window()->menuBar()->actions())
             if (menu->menu())
                 for (QAction *action : menu->menu()->actions())
                     if (action->text() == text)
@@ -58,25 +54,18 @@ class ContextsWindowTest : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_library = tltest::makeTemporaryFolder(QStringLiteral("ContextsLibrary"));
-        QVERIFY(tltest::writeFile(item("Projects/Plan.md"), "Plan\n\nCall @Phone about #idea.\n"));
-        QVERIFY(tltest::writeFile(item("Home/Groceries.txt"), "Groceries\n@Errands milk\n"));
         tl::platform::Settings &settings = tl::platform::settings();
-        settings.set(QLatin1String(tl::keys::setting::TavelleFolder), m_library);
         settings.set(QStringLiteral("contextsEnabled"), true);
         settings.set(QStringLiteral("extractContextsAutomatically"), true);
-        m_bridge = std::make_unique<tl::browser::EventBridge>();
-        m_window = std::make_unique<tl::app::MainWindow>(*m_bridge);
-        m_window->resize(1100, 600);
-        m_window->openLibrary();
-        m_window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        QVERIFY(m_fixture.open(QStringLiteral("ContextsLibrary"),
+                               {{"Projects/Plan.md", "Plan\n\nCall @Phone about #idea.\n"},
+                                {"Home/Groceries.txt", "Groceries\n@Errands milk\n"}}));
+        window()->resize(1100, 600);
     }
 
     void cleanup()
     {
-        m_window.reset();
-        m_bridge.reset();
+        m_fixture.close();
         tl::platform::settings().remove(QStringLiteral("contextsEnabled"));
     }
 
@@ -114,9 +103,9 @@ private Q_SLOTS:
         QTRY_VERIFY(outlineRow(tl::browser::Context, QStringLiteral("@Phone")).isValid());
         const QModelIndex phone = outlineRow(tl::browser::Context, QStringLiteral("@Phone"));
         QCOMPARE(phone.data(OutlineModel::CountRole).toInt(), 1);
-        m_window->outlinePane()->view()->expand(phone.parent());
+        window()->outlinePane()->view()->expand(phone.parent());
         if (qEnvironmentVariableIsSet("TAVELLE_SHOTS"))
-            m_window->grab().save(qEnvironmentVariable("TAVELLE_SHOTS") + "/contexts.png");
+            window()->grab().save(qEnvironmentVariable("TAVELLE_SHOTS") + "/contexts.png");
     }
 };
 

@@ -58,6 +58,8 @@ private Q_SLOTS:
     void cleanup()
     {
         delete quickEntry();
+        // A closed quick entry deletes itself later.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         m_fixture.close();
     }
 
