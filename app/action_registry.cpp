@@ -105,6 +105,8 @@ const std::vector<ActionSpec> &specs()
          [](const ActionState &s) { return s.hasLibrary; }},
         {ActionId::InsertSelection, "&Insert Selected Text", K(), nullptr,
          [](const ActionState &s) { return s.documentShown; }},
+        {ActionId::RecognizeText, "Reco&gnize Text", K(), nullptr,
+         [](const ActionState &s) { return s.recognizableSelected; }},
     };
     return table;
 }
@@ -254,6 +256,7 @@ void ActionRegistry::fillMenuBar(QMenuBar *bar) const
     item->addAction(action(ActionId::SetDueDate));
     item->addAction(action(ActionId::ExtractTasks));
     item->addSeparator();
+    item->addAction(action(ActionId::RecognizeText));
     item->addAction(action(ActionId::TranscribeRecording));
     item->setToolTipsVisible(true);
 
@@ -295,6 +298,8 @@ void ActionRegistry::fillItemMenu(QMenu *menu) const
     menu->addSeparator();
     menu->addAction(action(ActionId::ToggleTaskList));
     menu->addAction(action(ActionId::SetDueDate));
+    menu->addSeparator();
+    menu->addAction(action(ActionId::RecognizeText));
     menu->addAction(action(ActionId::TranscribeRecording));
     menu->setToolTipsVisible(true);
     menu->addSeparator();

@@ -24,14 +24,15 @@ struct ActionState
     bool bookShown = false;     // a plain book is shown in the list
     bool itemsSelected = false; // list or outline rows that are items
     bool oneItemSelected = false;
-    bool documentSelected = false;  // one selected item that is a document
-    bool documentShown = false;     // the document view shows a file
-    bool canToggleView = false;     // plain text and formatted can swap
-    bool booksSelected = false;     // every selected item is a book
-    bool taskListSelected = false;  // the first selected book is a task list
-    bool tasksSelected = false;     // every selected item is a task
-    bool recordingSelected = false; // one selected item that is a sound recording
-    bool textEditorShown = false;   // the document view takes inserted text
+    bool documentSelected = false;     // one selected item that is a document
+    bool documentShown = false;        // the document view shows a file
+    bool canToggleView = false;        // plain text and formatted can swap
+    bool booksSelected = false;        // every selected item is a book
+    bool taskListSelected = false;     // the first selected book is a task list
+    bool tasksSelected = false;        // every selected item is a task
+    bool recordingSelected = false;    // one selected item that is a sound recording
+    bool textEditorShown = false;      // the document view takes inserted text
+    bool recognizableSelected = false; // one selected image or PDF
     // Why recordings cannot be transcribed; empty when they can.
     QString transcriptionRefusal;
 };
@@ -73,6 +74,7 @@ enum class ActionId {
     InsertLocation,
     QuickNote,
     InsertSelection,
+    RecognizeText,
 };
 
 class ActionRegistry : public QObject

@@ -15,12 +15,14 @@
 #include "foundation/notification_center.h"
 #include "foundation/path_string.h"
 #include "importers/current_location.h"
+#include "importers/text_recognition.h"
 #include "inline_renamer.h"
 #include "item_actions.h"
 #include "link_actions.h"
 #include "outline_pane.h"
 #include "publishing/publish_runner.h"
 #include "quick_entry_window.h"
+#include "recognition/text_recognition_runner.h"
 #include "recognition/transcription_runner.h"
 #include "script_pages_label.h"
 #include "server_pane.h"
@@ -217,6 +219,14 @@ void MainWindow::buildActions()
     a.onTriggered(ActionId::InsertSelection, [] {
         insertIntoCurrentDocument(QGuiApplication::clipboard()->text(QClipboard::Selection));
     });
+    m_recognition = new TextRecognitionRunner(this);
+    a.onTriggered(ActionId::RecognizeText,
+                  [this] { m_recognition->recognize(selectedItems().value(0)); });
+    connect(m_recognition, &TextRecognitionRunner::finished, this,
+            [this](const QString &document, bool stopped) {
+                if (document.isEmpty() && !stopped)
+                    statusBar()->showMessage(QStringLiteral("No text recognized"), 5000);
+            });
     a.onTriggered(ActionId::Quit, [this] { close(); });
     a.onTriggered(ActionId::About, [this] {
         QMessageBox::about(this, QStringLiteral("About Tavelle"),
@@ -322,6 +332,8 @@ void MainWindow::updateActions()
         store::audioExtensions().contains(store::lowerCasedExtension(items.first()));
     state.textEditorShown = m_document->canInsertText();
     state.transcriptionRefusal = m_transcriber->refusal();
+    state.recognizableSelected = state.documentSelected && state.oneItemSelected &&
+                                 importers::tl_canRecognizeText(items.first());
     m_actions->update(state);
     m_actions->action(ActionId::ShowOutline)->setChecked(!m_outline->isHidden());
     m_actions->action(ActionId::ShowDocumentList)->setChecked(!m_list->isHidden());

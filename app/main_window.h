@@ -29,6 +29,7 @@ class DocumentPane;
 class InlineRenamer;
 class ItemActions;
 class OutlinePane;
+class TextRecognitionRunner;
 struct ActionState;
 
 class MainWindow : public QMainWindow
@@ -43,6 +44,7 @@ public:
     DocumentPane *documentPane() const { return m_document; }
     ActionRegistry &actions() const { return *m_actions; }
     browser::DocumentListModel &listModel() const { return *m_listModel; }
+    TextRecognitionRunner &recognition() const { return *m_recognition; }
 
     // Reads the library: the tree, the watcher, the panes as they were left.
     void openLibrary();
@@ -81,6 +83,7 @@ private:
     QLabel *m_status;
     ScriptPagesLabel *m_scriptPages;
     TranscriptionRunner *m_transcriber = nullptr;
+    TextRecognitionRunner *m_recognition = nullptr;
 };
 
 } // namespace tl::app

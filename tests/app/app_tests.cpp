@@ -6,11 +6,11 @@ namespace apptest {
 
 QList<QObject *> allTests()
 {
-    return {makeNavigationRulesTest(),  makeWelcomeWindowTest(),   makeMainWindowTest(),
-            makeScriptPagesLabelTest(), makePlainTextViewTest(),   makePublishingTest(),
-            makeLinkActionsTest(),      makeContextsWindowTest(),  makeTasksWindowTest(),
-            makeSearchOptionsTest(),    makeOutsideRequestsTest(), makeTranscriptionWindowTest(),
-            makeSyncWindowTest()};
+    return {makeNavigationRulesTest(),  makeWelcomeWindowTest(),    makeMainWindowTest(),
+            makeScriptPagesLabelTest(), makePlainTextViewTest(),    makePublishingTest(),
+            makeLinkActionsTest(),      makeContextsWindowTest(),   makeTasksWindowTest(),
+            makeSearchOptionsTest(),    makeOutsideRequestsTest(),  makeTranscriptionWindowTest(),
+            makeSyncWindowTest(),       makeRecognitionWindowTest()};
 }
 
 tl::platform::HeadlessAlertPresenter &alerts()

@@ -29,5 +29,6 @@ QObject *makeSearchOptionsTest();
 QObject *makeOutsideRequestsTest();
 QObject *makeTranscriptionWindowTest();
 QObject *makeSyncWindowTest();
+QObject *makeRecognitionWindowTest();
 
 } // namespace apptest

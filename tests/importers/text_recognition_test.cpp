@@ -165,7 +165,7 @@ TEST_F(RecognizedText, AStoppedPDFKeepsThePagesReadAndMakesNoText)
     recognizer->push({"first", "page"});
     recognizer->push({"second"});
     RecognitionRun run;
-    recognizer->beforeAnswer = [&run](int picture) {
+    recognizer->beforeAnswer = [&run](int picture, const auto &) {
         if (picture == 2)
             run.cancelled = true;
     };

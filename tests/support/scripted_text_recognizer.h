@@ -21,7 +21,7 @@ public:
         std::lock_guard lock(mutex_);
         pictures_ << image.size();
         if (beforeAnswer)
-            beforeAnswer(int(pictures_.size()));
+            beforeAnswer(int(pictures_.size()), control);
         if (answers_.empty() || control.isCancelled())
             return {};
         QStringList lines = answers_.front();
@@ -41,7 +41,7 @@ public:
     }
 
     // Called with the one-based number of each picture before it is answered.
-    std::function<void(int picture)> beforeAnswer;
+    std::function<void(int picture, const tl::platform::RecognitionControl &control)> beforeAnswer;
 
 private:
     mutable std::mutex mutex_;
