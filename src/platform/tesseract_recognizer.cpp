@@ -4,6 +4,7 @@
 #include <QLocale>
 #include <QPainter>
 #include <mutex>
+#include <omp.h>
 #include <spdlog/spdlog.h>
 #include <tesseract/baseapi.h>
 #include <tesseract/ocrclass.h>
@@ -131,6 +132,10 @@ QStringList TesseractTextRecognizer::recognizeLines(const QImage &image,
     if (image.dotsPerMeterX() != kUnstatedDotsPerMetre)
         engine->SetSourceResolution(int(image.dotsPerMeterX() * kMetresPerInch + 0.5));
 
+    // The engine asks for several threads at once; on a busy machine they
+    // spin against each other and a page takes many times as long. With
+    // dynamic adjustment the runtime gives only the cores that are idle.
+    omp_set_dynamic(1);
     tesseract::ETEXT_DESC monitor;
     monitor.cancel = cancelRequested;
     monitor.progress_callback2 = reportProgress;
