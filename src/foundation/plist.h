@@ -23,7 +23,9 @@ std::optional<QVariant> parse(const QByteArray &bytes);
 QByteArray toXml(const QVariant &value);
 
 // The binary format, as stored in extended attributes. Dates keep their
-// milliseconds. Empty for a value that no property list can hold.
+// milliseconds. Empty for a value that no property list can hold. Text goes
+// through UTF-8 C strings: it ends at a NUL character, and a lone surrogate
+// does not survive.
 QByteArray toBinary(const QVariant &value);
 
 } // namespace tl::plist
