@@ -32,7 +32,7 @@ struct ActionState
     bool tasksSelected = false;        // every selected item is a task
     bool recordingSelected = false;    // one selected item that is a sound recording
     bool textEditorShown = false;      // the document view takes inserted text
-    bool recognizableSelected = false; // one selected image or PDF
+    bool recognizableSelected = false; // an image or PDF selected or shown
     // Why recordings cannot be transcribed; empty when they can.
     QString transcriptionRefusal;
 };

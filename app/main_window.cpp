@@ -221,7 +221,7 @@ void MainWindow::buildActions()
     });
     m_recognition = new TextRecognitionRunner(this);
     a.onTriggered(ActionId::RecognizeText,
-                  [this] { m_recognition->recognize(selectedItems().value(0)); });
+                  [this] { m_recognition->recognize(recognitionTarget()); });
     connect(m_recognition, &TextRecognitionRunner::finished, this,
             [this](const QString &document, bool stopped) {
                 if (document.isEmpty() && !stopped)
@@ -310,6 +310,15 @@ QStringList MainWindow::selectedItems() const
     return m_list->selectedPaths();
 }
 
+QString MainWindow::recognitionTarget() const
+{
+    const QStringList items = selectedItems();
+    if (items.size() == 1 && !focusInOutline() && importers::tl_canRecognizeText(items.first()))
+        return items.first();
+    const QString shown = m_document->shownPath();
+    return importers::tl_canRecognizeText(shown) ? shown : QString();
+}
+
 void MainWindow::updateActions()
 {
     ActionState state;
@@ -332,8 +341,7 @@ void MainWindow::updateActions()
         store::audioExtensions().contains(store::lowerCasedExtension(items.first()));
     state.textEditorShown = m_document->canInsertText();
     state.transcriptionRefusal = m_transcriber->refusal();
-    state.recognizableSelected = state.documentSelected && state.oneItemSelected &&
-                                 importers::tl_canRecognizeText(items.first());
+    state.recognizableSelected = !recognitionTarget().isEmpty();
     m_actions->update(state);
     m_actions->action(ActionId::ShowOutline)->setChecked(!m_outline->isHidden());
     m_actions->action(ActionId::ShowDocumentList)->setChecked(!m_list->isHidden());

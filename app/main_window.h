@@ -66,6 +66,8 @@ private:
     void updateTitle();
     QStringList selectedItems() const;
     bool focusInOutline() const;
+    // The selected image or PDF, else the one shown; empty for neither.
+    QString recognitionTarget() const;
 
     browser::EventBridge &m_bridge;
     QUndoStack *m_undo;
