@@ -107,6 +107,8 @@ const std::vector<ActionSpec> &specs()
          [](const ActionState &s) { return s.documentShown; }},
         {ActionId::RecognizeText, "Reco&gnize Text", K(), nullptr,
          [](const ActionState &s) { return s.recognizableSelected; }},
+        {ActionId::Paste, "&Paste", K(K::Paste), "edit-paste",
+         [](const ActionState &s) { return s.bookShown; }},
     };
     return table;
 }
@@ -151,6 +153,9 @@ ActionRegistry::ActionRegistry(QUndoStack *undoStack, QObject *parent) : QObject
     // Move to Trash also answers Backspace, as file managers do.
     action(ActionId::MoveToTrash)->setShortcuts({QKeySequence::Delete, Qt::Key_Backspace});
     action(ActionId::Quit)->setMenuRole(QAction::QuitRole);
+    // Paste makes a document only where the outline or the list has the
+    // keyboard; editors and fields paste into themselves.
+    action(ActionId::Paste)->setShortcutContext(Qt::WidgetWithChildrenShortcut);
 
     m_undo = undoStack->createUndoAction(this, QStringLiteral("&Undo"));
     m_undo->setShortcut(QKeySequence::Undo);

@@ -75,6 +75,7 @@ enum class ActionId {
     QuickNote,
     InsertSelection,
     RecognizeText,
+    Paste,
 };
 
 class ActionRegistry : public QObject

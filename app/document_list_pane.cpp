@@ -3,6 +3,7 @@
 #include "action_registry.h"
 #include "browser/document_list_model.h"
 #include "browser/event_bridge.h"
+#include "browser/item_drops.h"
 #include "browser/outline_model.h"
 #include "browser/search_field.h"
 #include "contexts_menu.h"
@@ -70,7 +71,8 @@ bool DocumentListView::goesIntoBook(const QDropEvent *event) const
 {
     // Rows of this list dropped on it are a reordering; anything else moves
     // or copies into the book.
-    return event->source() != this && event->mimeData()->hasUrls() && !shownBook.isEmpty();
+    return event->source() != this && !shownBook.isEmpty() &&
+           browser::canDropOnBook(event->mimeData());
 }
 
 void DocumentListView::dragEnterEvent(QDragEnterEvent *event)
@@ -261,7 +263,9 @@ void DocumentListPane::applyPendingSelection()
         return;
     m_pendingSelection.clear();
     m_silent = true;
-    m_view->setCurrentIndex(index);
+    // The row alone, whatever modifier keys are still held (a paste's Ctrl).
+    m_view->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect |
+                                                         QItemSelectionModel::Rows);
     m_view->scrollTo(index);
     m_silent = false;
 }

@@ -4,6 +4,7 @@
 #include "browser/event_bridge.h"
 #include "desktop_launch.h"
 #include "document_windows.h"
+#include "importers/shared_items.h"
 #include "launch_requests.h"
 #include "qt_alert_presenter.h"
 #include "reminder_agent_launch.h"
@@ -107,6 +108,14 @@ int main(int argc, char **argv)
     if (std::any_of(launch.requests.begin(), launch.requests.end(), tl::shell::isTavelleAddress))
         tl::shell::setHandlingURLEvent();
     desktop.start();
+    // What was shared with the program meanwhile comes in at start and
+    // whenever the program is brought to the front.
+    tl::importers::TLStaticFunctions::importSharedItems();
+    QObject::connect(&app, &QGuiApplication::applicationStateChanged, &desktop,
+                     [](Qt::ApplicationState state) {
+                         if (state == Qt::ApplicationActive)
+                             tl::importers::TLStaticFunctions::importSharedItems();
+                     });
     QObject::connect(&instance, &tl::shell::InstanceServer::requestsReceived, &desktop,
                      [&desktop](const QStringList &requests) {
                          if (tl::app::bringsMainWindowForward(requests))

@@ -4,6 +4,7 @@
 #include "browser/document_list.h"
 #include "browser/document_list_model.h"
 #include "browser/event_bridge.h"
+#include "browser/item_drops.h"
 #include "browser/outline_controller.h"
 #include "contexts_menu.h"
 #include "document/document_pane.h"
@@ -44,6 +45,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QToolBar>
@@ -227,6 +229,13 @@ void MainWindow::buildActions()
                 if (document.isEmpty() && !stopped)
                     statusBar()->showMessage(QStringLiteral("No text recognized"), 5000);
             });
+    a.onTriggered(ActionId::Paste, [this] {
+        const QMimeData *clipboard = QGuiApplication::clipboard()->mimeData();
+        if (clipboard && m_list->showsPlainBook())
+            browser::addDocumentFromMimeData(*clipboard, m_list->shownBook());
+    });
+    m_list->view()->addAction(a.action(ActionId::Paste));
+    m_outline->view()->addAction(a.action(ActionId::Paste));
     a.onTriggered(ActionId::Quit, [this] { close(); });
     a.onTriggered(ActionId::About, [this] {
         QMessageBox::about(this, QStringLiteral("About Tavelle"),

@@ -59,6 +59,10 @@ const std::vector<Command> &linksCommands();
 const std::vector<Command> &importCommands();
 const std::vector<Command> &syncCommands();
 const std::vector<Command> &recognitionCommands();
+const std::vector<Command> &pasteCommands();
+// Whether the run is a paste from the clipboard with a display to take it
+// from: the program then starts as a graphical one.
+bool pasteNeedsClipboard(int argc, char **argv);
 
 // No arguments, or only the launch gestures: the desktop program is wanted.
 bool startsDesktopProgram(int argc, char **argv);

@@ -9,6 +9,8 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QGuiApplication>
+#include <memory>
 
 namespace {
 
@@ -24,8 +26,8 @@ std::vector<const Command *> allCommands()
          {&libraryCommands(), &settingsCommands(), &pathCommands(), &itemCommands(),
           &convertCommands(), &fountainCommands(), &browserCommands(), &tasksCommands(),
           &contextsCommands(), &searchCommands(), &publishCommands(), &schemeCommands(),
-          &linksCommands(), &importCommands(), &recognitionCommands(), &syncCommands(),
-          &serveCommands()})
+          &linksCommands(), &importCommands(), &recognitionCommands(), &pasteCommands(),
+          &syncCommands(), &serveCommands()})
         for (const Command &c : *group)
             all.push_back(&c);
     return all;
@@ -85,7 +87,10 @@ int main(int argc, char **argv)
 {
     if (startsDesktopProgram(argc, argv))
         return execDesktopProgram(argc, argv);
-    QCoreApplication app(argc, argv);
+    // Only a graphical program can read the clipboard.
+    const std::unique_ptr<QCoreApplication> app =
+        pasteNeedsClipboard(argc, argv) ? std::make_unique<QGuiApplication>(argc, argv)
+                                        : std::make_unique<QCoreApplication>(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("tavelle"));
     QCoreApplication::setApplicationVersion(QString::fromLatin1(tl::shell::kShortVersion));
     tl::setUpDiagnostics();

@@ -21,7 +21,6 @@ inline constexpr char ShowMarkdownAsPlainText[] = "showMarkdownAsPlainText";
 inline constexpr char OpenWebarchivesWithTLKSMethods[] = "openWebarchivesWithTLKSMethods";
 inline constexpr char NoAutosaveText[] = "noAutosaveText";
 inline constexpr char ShowHTMLHeader[] = "showHTMLHeader";
-inline constexpr char DefaultDocumentType[] = "DefaultDocumentType";
 inline constexpr char SearchAllBooks[] = "searchAllBooks";
 inline constexpr char SearchTitle[] = "searchTitle";
 inline constexpr char SearchContent[] = "searchContent";

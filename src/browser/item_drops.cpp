@@ -1,6 +1,9 @@
 #include "browser/item_drops.h"
 
+#include "foundation/events.h"
+#include "foundation/notification_center.h"
 #include "foundation/path_string.h"
+#include "importers/mime_pasteboard.h"
 #include "store/item_operations.h"
 #include "store/item_path.h"
 #include "store/safe_names.h"
@@ -37,6 +40,30 @@ int bringItemsIntoBook(const QStringList &paths, const QString &book)
             ++arrived;
     }
     return arrived;
+}
+
+bool canDropOnBook(const QMimeData *data)
+{
+    return data && (!droppedPaths(data).isEmpty() || importers::offersImportableFormat(*data));
+}
+
+QString addDocumentFromMimeData(const QMimeData &data, const QString &book)
+{
+    const importers::PastedDocument pasted =
+        importers::tl_addDocumentFromPasteboard(book, importers::pasteboardFromMimeData(data));
+    if (!pasted.path.isEmpty())
+        NotificationCenter::defaultCenter().post(events::ShowItemAtPath, {{"path", pasted.path}});
+    return pasted.path;
+}
+
+bool dropOnBook(const QMimeData *data, const QString &book)
+{
+    if (!data)
+        return false;
+    const QStringList paths = droppedPaths(data);
+    if (!paths.isEmpty())
+        return bringItemsIntoBook(paths, book) > 0;
+    return !addDocumentFromMimeData(*data, book).isEmpty();
 }
 
 } // namespace tl::browser

@@ -17,4 +17,15 @@ QStringList droppedPaths(const QMimeData *data);
 // Answers how many arrived.
 int bringItemsIntoBook(const QStringList &paths, const QString &book);
 
+// Material from the clipboard or a drop as a new document of the book,
+// shown at once; the new path, or empty when nothing came of it.
+QString addDocumentFromMimeData(const QMimeData &data, const QString &book);
+
+// Whether a drop on a book brings anything: files, or material the
+// pasteboard import takes (text, a page, a picture).
+bool canDropOnBook(const QMimeData *data);
+// Files come in as bringItemsIntoBook says; other material becomes a new
+// document of the book, shown at once. Whether anything arrived.
+bool dropOnBook(const QMimeData *data, const QString &book);
+
 } // namespace tl::browser

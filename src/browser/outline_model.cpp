@@ -162,7 +162,10 @@ QHash<int, QByteArray> OutlineModel::roleNames() const
 
 QStringList OutlineModel::mimeTypes() const
 {
-    return {QStringLiteral("text/uri-list")};
+    return {QStringLiteral("text/uri-list"), QStringLiteral("text/html"),
+            QStringLiteral("text/plain"),    QStringLiteral("image/png"),
+            QStringLiteral("image/jpeg"),    QStringLiteral("image/tiff"),
+            QStringLiteral("text/rtf")};
 }
 
 Qt::DropActions OutlineModel::supportedDropActions() const
@@ -173,8 +176,7 @@ Qt::DropActions OutlineModel::supportedDropActions() const
 bool OutlineModel::canDropMimeData(const QMimeData *data, Qt::DropAction, int, int,
                                    const QModelIndex &parent) const
 {
-    return data && data->hasUrls() && (flags(parent) & Qt::ItemIsDropEnabled) &&
-           !droppedPaths(data).isEmpty();
+    return (flags(parent) & Qt::ItemIsDropEnabled) && canDropOnBook(data);
 }
 
 bool OutlineModel::dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column,
@@ -182,7 +184,7 @@ bool OutlineModel::dropMimeData(const QMimeData *data, Qt::DropAction action, in
 {
     if (!canDropMimeData(data, action, row, column, parent))
         return false;
-    return bringItemsIntoBook(droppedPaths(data), itemForIndex(parent)->fullPath()) > 0;
+    return dropOnBook(data, itemForIndex(parent)->fullPath());
 }
 
 QVariant OutlineModel::badgeFor(TLKSOutlineItem *item) const

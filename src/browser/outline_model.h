@@ -49,8 +49,8 @@ public:
     Qt::ItemFlags flags(const QModelIndex &index) const override;
     QHash<int, QByteArray> roleNames() const override;
 
-    // Drops of file URLs on a book: items of the library move into it,
-    // items from elsewhere are copied in.
+    // Drops on a book: items of the library move into it, files from
+    // elsewhere are copied in, other material becomes a new document.
     QStringList mimeTypes() const override;
     Qt::DropActions supportedDropActions() const override;
     bool canDropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column,

@@ -73,6 +73,8 @@ inline constexpr char ManageLinks[] = "manageLinks";
 inline constexpr char ContextsEnabled[] = "contextsEnabled";
 inline constexpr char ExtractContextsAutomatically[] = "extractContextsAutomatically";
 inline constexpr char ContextMarkers[] = "contextMarkers";
+// "txt", "md", or unset for formatted documents.
+inline constexpr char DefaultDocumentType[] = "DefaultDocumentType";
 } // namespace setting
 
 } // namespace tl::keys

@@ -1,6 +1,6 @@
 // The paths a person takes through the window: open a library, pick a
 // document, type, and see the save land; rename by the first line; drag a
-// document into another book.
+// document into another book; paste and drop material on a book.
 #include "action_registry.h"
 #include "app_tests.h"
 #include "browser/document_list_model.h"
@@ -15,6 +15,7 @@
 #include "support/test_environment.h"
 #include "window_fixture.h"
 
+#include <QClipboard>
 #include <QFileInfo>
 #include <QMimeData>
 #include <QTest>
@@ -83,34 +84,36 @@ private Q_SLOTS:
         QTRY_VERIFY(window()->listModel().indexForPath(book("Inbox/Notebook.txt")).isValid());
     }
 
+    // Drags the data onto the book's row in the outline and drops it there.
+    void dropOnOutlineBook(const QString &path, QMimeData *data, Qt::DropAction action)
+    {
+        QTreeView *outline = window()->outlinePane()->view();
+        const QModelIndex target =
+            outline->model()
+                ->match(outline->model()->index(1, 0), tl::browser::OutlineModel::PathRole, path, 1,
+                        Qt::MatchExactly | Qt::MatchRecursive)
+                .value(0);
+        QVERIFY(target.isValid());
+        outline->scrollTo(target);
+        const QPoint at = outline->visualRect(target).center();
+        QWidget *viewport = outline->viewport();
+        QDragEnterEvent enter(at, action, data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(viewport, &enter);
+        QDragMoveEvent move(at, action, data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(viewport, &move);
+        QVERIFY(move.isAccepted());
+        QDropEvent drop(at, action, data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(viewport, &drop);
+    }
+
     void aDocumentDraggedOntoABookMovesThere()
     {
         openBook(book("Inbox"), book("Inbox/Other.txt"));
-        QTreeView *outline = window()->outlinePane()->view();
-        const QModelIndex archive =
-            window()
-                ->outlinePane()
-                ->view()
-                ->model()
-                ->match(outline->model()->index(1, 0), tl::browser::OutlineModel::PathRole,
-                        book("Archive"), 1, Qt::MatchExactly | Qt::MatchRecursive)
-                .value(0);
-        QVERIFY(archive.isValid());
-        outline->scrollTo(archive);
-
         // The drag as the list starts it, dropped on the book's row.
         const QModelIndex row = window()->listModel().indexForPath(book("Inbox/Other.txt"));
         std::unique_ptr<QMimeData> data(window()->listModel().mimeData({row}));
         QVERIFY(data && data->hasUrls());
-        const QPoint at = outline->visualRect(archive).center();
-        QWidget *target = outline->viewport();
-        QDragEnterEvent enter(at, Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(target, &enter);
-        QDragMoveEvent move(at, Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(target, &move);
-        QVERIFY(move.isAccepted());
-        QDropEvent drop(at, Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(target, &drop);
+        dropOnOutlineBook(book("Archive"), data.get(), Qt::MoveAction);
 
         QTRY_VERIFY(QFileInfo::exists(book("Archive/Other.txt")));
         QVERIFY(!QFileInfo::exists(book("Inbox/Other.txt")));
@@ -147,6 +150,36 @@ private Q_SLOTS:
         QVERIFY(editor->toPlainText().contains(QStringLiteral("\nTime: ")));
         QVERIFY(!QFileInfo::exists(book("Inbox/TLImages")));
         tl::platform::setLocationServiceFactory({});
+    }
+
+    void aPasteInTheListMakesADocumentThatIsShown()
+    {
+        openBook(book("Inbox"), book("Inbox/Note.txt"));
+        auto *clipboard = new QMimeData;
+        clipboard->setText(QStringLiteral("Pasted words\nand more"));
+        QGuiApplication::clipboard()->setMimeData(clipboard);
+        QListView *list = window()->listPane()->view();
+        list->setFocus();
+        QTest::keyClick(list, Qt::Key_V, Qt::ControlModifier);
+
+        QTRY_COMPARE(window()->documentPane()->shownPath(), book("Inbox/Pasted words.txt"));
+        QCOMPARE(tltest::readFile(book("Inbox/Pasted words.txt")),
+                 QByteArray("Pasted words\nand more"));
+        QTRY_COMPARE(window()->listPane()->selectedPaths(),
+                     QStringList{book("Inbox/Pasted words.txt")});
+    }
+
+    void aPageDroppedOnABookBecomesItsDocument()
+    {
+        openBook(book("Inbox"), book("Inbox/Note.txt"));
+        QMimeData data;
+        data.setHtml(QStringLiteral("<p>Clipped <b>page</b></p>"));
+        data.setText(QStringLiteral("Clipped page"));
+        dropOnOutlineBook(book("Archive"), &data, Qt::CopyAction);
+
+        QTRY_COMPARE(window()->documentPane()->shownPath(), book("Archive/Clipped page.html"));
+        QCOMPARE(tltest::readFile(book("Archive/Clipped page.html")),
+                 QByteArray("<p>Clipped <b>page</b></p>"));
     }
 };
 
