@@ -38,6 +38,8 @@ const std::vector<ActionSpec> &specs()
          [](const ActionState &s) { return s.bookShown; }},
         {ActionId::NewBook, "New &Book", K(QStringLiteral("Ctrl+Shift+N")), "folder-new",
          [](const ActionState &s) { return s.hasLibrary; }},
+        {ActionId::Import, "&Import...", K(QStringLiteral("Ctrl+Shift+I")), "document-import",
+         [](const ActionState &s) { return s.bookShown; }},
         {ActionId::ChooseLibrary, "Choose &Library Folder...", K(), "folder-open", always},
         {ActionId::Save, "&Save", K(K::Save), "document-save",
          [](const ActionState &s) { return s.documentShown; }},
@@ -221,6 +223,7 @@ void ActionRegistry::fillMenuBar(QMenuBar *bar) const
     file->addAction(action(ActionId::NewDocument));
     file->addAction(action(ActionId::NewBook));
     file->addAction(action(ActionId::QuickNote));
+    file->addAction(action(ActionId::Import));
     file->addSeparator();
     file->addAction(action(ActionId::Save));
     file->addAction(action(ActionId::Duplicate));

@@ -40,6 +40,7 @@ struct ActionState
 enum class ActionId {
     NewDocument,
     NewBook,
+    Import,
     ChooseLibrary,
     Save,
     Rename,

@@ -17,6 +17,7 @@
 #include "foundation/path_string.h"
 #include "importers/current_location.h"
 #include "importers/text_recognition.h"
+#include "importing/import_runner.h"
 #include "inline_renamer.h"
 #include "item_actions.h"
 #include "link_actions.h"
@@ -156,6 +157,15 @@ void MainWindow::buildActions()
         a.onTriggered(id, [this, kind = QString::fromLatin1(kind)] {
             for (const QString &path : selectedItems())
                 m_items->duplicateAs(path, kind);
+        });
+    auto *importing = new ImportRunner(this);
+    a.onTriggered(ActionId::Import,
+                  [this, importing] { importing->chooseAndImport(m_list->shownBook()); });
+    connect(m_document, &DocumentPane::notesImportRequested, importing,
+            &ImportRunner::offerEvernoteImport);
+    browser::setDroppedFileImport(
+        [importing = QPointer(importing)](const QStringList &paths, const QString &book) {
+            return importing ? importing->importFiles(paths, book) : paths;
         });
     auto *publishing = new PublishRunner(this);
     a.onTriggered(ActionId::Compile, [this, publishing] {

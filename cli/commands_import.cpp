@@ -1,7 +1,6 @@
 // import, eml2html, opml2html, webarchive2html: foreign material into the
 // library, and as the HTML the program shows for it.
 #include "cli.h"
-#include "importers/evernote_importer.h"
 #include "importers/file_import.h"
 #include "importers/mail_message.h"
 #include "importers/opml_converter.h"
@@ -93,19 +92,15 @@ int importFiles(const QCommandLineParser &parser, const Invocation &in)
     int status = Success;
     for (const QString &argument : in.arguments) {
         const QString path = absolutePath(argument);
-        if (store::lowerCasedExtension(path) == u"enex") {
-            importers::TLKSEvernoteImporter importer(path, *book);
-            if (!importer.start())
-                status = fail(
-                    QStringLiteral("Stopped early in %1: the notes before are kept").arg(argument));
-            created << importer.notes();
-        } else if (const std::optional<QString> document =
-                       importers::tl_importFileIntoBook(path, *book)) {
-            created << *document;
-        } else {
-            status = fail(
-                QStringLiteral("Cannot import %1: only .eml, .enex and .opml files").arg(argument));
-        }
+        const importers::ImportedFile imported = importers::tl_importIntoBook(path, *book);
+        created << imported.documents;
+        if (imported.complete)
+            continue;
+        status = store::lowerCasedExtension(path) == u"enex"
+                     ? fail(QStringLiteral("Stopped early in %1: the notes before are kept")
+                                .arg(argument))
+                     : fail(QStringLiteral("Cannot import %1: only .eml, .enex and .opml files")
+                                .arg(argument));
     }
     printList(created, in.json);
     return status;

@@ -103,6 +103,8 @@ FormattedView *DocumentPane::formattedView()
     m_formatted = new FormattedView(this);
     m_stack->addWidget(m_formatted);
     TLKSDocumentViewController *c = m_controller;
+    connect(m_formatted, &FormattedView::notesImportRequested, this,
+            &DocumentPane::notesImportRequested);
     connect(m_formatted, &FormattedView::libraryLinkActivated, this, [c](const QString &link) {
         const QString path = followLibraryLink(link, c->path);
         if (!path.isEmpty())

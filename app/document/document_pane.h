@@ -51,6 +51,8 @@ public:
 Q_SIGNALS:
     // The document, its path or its view changed: titles and actions follow.
     void stateChanged();
+    // The Evernote page's link: the export's notes are asked for.
+    void notesImportRequested(const QString &exportPath);
 
 protected:
     void resizeEvent(QResizeEvent *event) override;

@@ -94,6 +94,7 @@ FormattedView::FormattedView(QWidget *parent)
     m_page->setWebChannel(m_channel, QWebEngineScript::ApplicationWorld);
 
     connect(m_page, &LibraryPage::libraryLinkActivated, this, &FormattedView::libraryLinkActivated);
+    connect(m_page, &LibraryPage::notesImportRequested, this, &FormattedView::notesImportRequested);
     connect(m_page, &QWebEnginePage::urlChanged, this,
             [this](const QUrl &url) { Q_EMIT frameUrlChanged(url.toString()); });
     connect(m_page, &QWebEnginePage::loadFinished, this, [this] { Q_EMIT pageLoaded(); });

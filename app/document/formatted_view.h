@@ -41,6 +41,7 @@ public:
 
 Q_SIGNALS:
     void libraryLinkActivated(const QString &path);
+    void notesImportRequested(const QString &exportPath);
     void checkboxClicked(const QString &itemHTML, int occurrence);
     // The first change of an edit, with the HTML before it.
     void editingBegins(const QString &innerHTML);

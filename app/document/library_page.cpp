@@ -43,6 +43,9 @@ bool LibraryPage::acceptNavigationRequest(const QUrl &url, NavigationType type, 
     case NavigationDecision::Action::OpenOutside:
         QDesktopServices::openUrl(QUrl(decision.target));
         return false;
+    case NavigationDecision::Action::ImportNotes:
+        Q_EMIT notesImportRequested(decision.target);
+        return false;
     case NavigationDecision::Action::Refuse:
         break;
     }

@@ -19,6 +19,8 @@ public:
 Q_SIGNALS:
     // A link to a document of the library, with "#anchor" when it has one.
     void libraryLinkActivated(const QString &path);
+    // The Evernote page's link: the export's notes are asked for.
+    void notesImportRequested(const QString &exportPath);
 
 protected:
     bool acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame) override;

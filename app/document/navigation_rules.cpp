@@ -1,5 +1,6 @@
 #include "navigation_rules.h"
 
+#include "browser/document_pages.h"
 #include "store/item_path.h"
 
 #include <QFileInfo>
@@ -45,6 +46,9 @@ NavigationDecision decideNavigation(const Navigation &navigation, const QString 
     default:
         break;
     }
+    // The Evernote page's link asks for the import of the export it shows.
+    if (url.isLocalFile() && url.fragment() == QLatin1String(browser::kExtractEvernoteFragment))
+        return {Action::ImportNotes, QFileInfo(url.toLocalFile()).absoluteFilePath()};
     if (url.adjusted(QUrl::RemoveFragment) == navigation.pageUrl.adjusted(QUrl::RemoveFragment) &&
         url.hasFragment())
         return {Action::Load, {}};

@@ -22,9 +22,10 @@ struct Navigation
 
 struct NavigationDecision
 {
-    enum class Action { Load, SelectInLibrary, OpenOutside, Refuse };
+    enum class Action { Load, SelectInLibrary, OpenOutside, ImportNotes, Refuse };
     Action action = Action::Refuse;
-    // The document (with "#anchor") to select, or the address to open.
+    // The document (with "#anchor") to select, the address to open, or the
+    // Evernote export whose notes are to come in.
     QString target;
 };
 

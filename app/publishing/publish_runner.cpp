@@ -4,6 +4,7 @@
 #include "foundation/notification_center.h"
 #include "foundation/path_string.h"
 #include "platform/alerts.h"
+#include "progress_sheet.h"
 #include "publish/compile_selection.h"
 #include "publish/ebook_details.h"
 #include "publish/pdf_printing.h"
@@ -97,14 +98,7 @@ void PublishRunner::run(const QString &label, const QString &base, Work work)
 {
     m_compiler = std::make_unique<publish::TLKSDocumentCompiler>();
     m_compiler->basePath = base;
-    m_progress = new QProgressDialog(label, QStringLiteral("Stop"), 0, 100, m_window);
-    m_progress->setWindowTitle(label);
-    m_progress->setWindowModality(Qt::WindowModal);
-    m_progress->setAutoClose(false);
-    m_progress->setAutoReset(false);
-    m_progress->setMinimumDuration(0);
-    m_progress->setMinimumWidth(360);
-    m_progress->setValue(0);
+    m_progress = openProgressSheet(m_window, label, label, QStringLiteral("Stop"));
     publish::TLKSDocumentCompiler *compiler = m_compiler.get();
     connect(m_progress, &QProgressDialog::canceled, this,
             [compiler] { compiler->stopProcess = true; });

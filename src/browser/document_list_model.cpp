@@ -561,7 +561,7 @@ bool DocumentListModel::dropMimeData(const QMimeData *data, Qt::DropAction actio
         }
         return true;
     }
-    return bringItemsIntoBook(paths, book) > 0;
+    return dropOnBook(data, book);
 }
 
 bool DocumentListModel::moveRows(const QModelIndex &sourceParent, int sourceRow, int count,

@@ -440,9 +440,13 @@ void TLKSDocumentViewController::startObserving()
 {
     const auto observe = [this](const char *name, auto handler) {
         m_state->observers.push_back(std::make_unique<ScopedObserver>(
-            QLatin1String(name), [this, handler](const QString &, const QVariantMap &payload) {
+            QLatin1String(name), [alive = std::weak_ptr<bool>(m_state->alive),
+                                  handler](const QString &, const QVariantMap &payload) {
                 // Views and their controller live on the main thread.
-                runOnMainThread([this, handler, payload] { handler(payload); });
+                runOnMainThread([alive, handler, payload] {
+                    if (alive.lock())
+                        handler(payload);
+                });
             }));
     };
     const auto text = [](const QVariantMap &payload, const char *key) {

@@ -23,6 +23,9 @@ struct TLKSDocumentViewController::State
     QString innerHTML;
     QString outerHTML;
     std::vector<std::unique_ptr<ScopedObserver>> observers;
+    // Gone with the controller: news from a worker queued for the main
+    // thread before then finds no one.
+    std::shared_ptr<bool> alive = std::make_shared<bool>(true);
 };
 
 // Properties whose change on disk changes how the document shows.

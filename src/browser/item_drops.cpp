@@ -14,6 +14,31 @@
 
 namespace tl::browser {
 
+namespace {
+
+DroppedFileImport &droppedFileImport()
+{
+    static DroppedFileImport import;
+    return import;
+}
+
+// The files the import took are gone from the list; answers how many.
+qsizetype handOverToImport(QStringList &paths, const QString &book)
+{
+    const DroppedFileImport &import = droppedFileImport();
+    QStringList outside;
+    for (const QString &path : std::as_const(paths))
+        if (!store::tl_itemIsChildOfTavelle(path))
+            outside << path;
+    if (!import || outside.isEmpty())
+        return 0;
+    const QStringList left = import(outside, book);
+    return paths.removeIf(
+        [&](const QString &path) { return outside.contains(path) && !left.contains(path); });
+}
+
+} // namespace
+
 QStringList droppedPaths(const QMimeData *data)
 {
     QStringList paths;
@@ -56,13 +81,20 @@ QString addDocumentFromMimeData(const QMimeData &data, const QString &book)
     return pasted.path;
 }
 
+void setDroppedFileImport(DroppedFileImport import)
+{
+    droppedFileImport() = std::move(import);
+}
+
 bool dropOnBook(const QMimeData *data, const QString &book)
 {
     if (!data)
         return false;
-    const QStringList paths = droppedPaths(data);
-    if (!paths.isEmpty())
-        return bringItemsIntoBook(paths, book) > 0;
+    QStringList paths = droppedPaths(data);
+    if (!paths.isEmpty()) {
+        const qsizetype imported = handOverToImport(paths, book);
+        return bringItemsIntoBook(paths, book) > 0 || imported > 0;
+    }
     return !addDocumentFromMimeData(*data, book).isEmpty();
 }
 

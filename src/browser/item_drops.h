@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <functional>
 
 class QMimeData;
 
@@ -24,7 +25,15 @@ QString addDocumentFromMimeData(const QMimeData &data, const QString &book);
 // Whether a drop on a book brings anything: files, or material the
 // pasteboard import takes (text, a page, a picture).
 bool canDropOnBook(const QMimeData *data);
-// Files come in as bringItemsIntoBook says; other material becomes a new
+// The program's imports that files from elsewhere dropped on a book go to
+// first (mail messages, outlines, Evernote exports, with their progress):
+// given the paths and the book, it answers the paths it left. Installed by
+// the window; without one every file is copied.
+using DroppedFileImport = std::function<QStringList(const QStringList &paths, const QString &book)>;
+void setDroppedFileImport(DroppedFileImport import);
+
+// Files from elsewhere go to the import first, the rest come in as
+// bringItemsIntoBook says; other material becomes a new
 // document of the book, shown at once. Whether anything arrived.
 bool dropOnBook(const QMimeData *data, const QString &book);
 

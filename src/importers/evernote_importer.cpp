@@ -47,7 +47,11 @@ void onStart(void *context, const xmlChar *localName, const xmlChar *, const xml
 
 void onEnd(void *context, const xmlChar *localName, const xmlChar *, const xmlChar *)
 {
-    importerOf(context)->endElement(nameOf(localName));
+    TLKSEvernoteImporter *importer = importerOf(context);
+    importer->endElement(nameOf(localName));
+    // A stop ends the parse right behind the element, a note at the most.
+    if (importer->isStopped())
+        xmlStopParser(static_cast<xmlParserCtxtPtr>(context));
 }
 
 void onText(void *context, const xmlChar *text, int length)
@@ -57,8 +61,9 @@ void onText(void *context, const xmlChar *text, int length)
 
 } // namespace
 
-TLKSEvernoteImporter::TLKSEvernoteImporter(const QString &path, const QString &book)
-    : m_path(path), m_folder(book.isEmpty() ? QFileInfo(path).absolutePath() : book)
+TLKSEvernoteImporter::TLKSEvernoteImporter(const QString &path, const QString &book,
+                                           const std::atomic_bool *stop)
+    : m_path(path), m_folder(book.isEmpty() ? QFileInfo(path).absolutePath() : book), m_stop(stop)
 {
     m_attachmentFolder =
         store::tl_imagesFolderAtMyPath(m_folder + u'/' + QFileInfo(path).fileName());
@@ -80,14 +85,14 @@ bool TLKSEvernoteImporter::start()
     EventParser parser(handler, this, XML_PARSE_HUGE);
     bool fine = true;
     bool last = false;
-    while (fine && !last && !m_cancelled) {
+    while (fine && !last && !isStopped()) {
         const QByteArray chunk = file.read(kChunkSize);
         last = chunk.size() < kChunkSize;
         fine = parser.feed(chunk.constData(), int(chunk.size()), last);
     }
     // The notes written keep their tags, however the parse ended.
     collectTags();
-    return fine && !m_cancelled;
+    return fine && !isStopped();
 }
 
 void TLKSEvernoteImporter::startElement(const QString &name)

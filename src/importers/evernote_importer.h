@@ -18,8 +18,10 @@ class TLKSEvernoteImporter
 {
 public:
     // Notes go into the folder of `book`, resources into its attachment
-    // folder; without a book, the folder that holds the export.
-    explicit TLKSEvernoteImporter(const QString &path, const QString &book = {});
+    // folder; without a book, the folder that holds the export. Once `stop`
+    // is set, from any thread, the parse ends; the notes written stay.
+    explicit TLKSEvernoteImporter(const QString &path, const QString &book = {},
+                                  const std::atomic_bool *stop = nullptr);
 
     // Called with each note's file name as it is written.
     std::function<void(const QString &fileName)> progress;
@@ -27,8 +29,7 @@ public:
     // Parses the whole export; a malformed or cut file keeps the notes
     // finished before the fault. Answers whether the end was reached.
     bool start();
-    // Stops the parse from any thread; the notes written stay.
-    void cancel() { m_cancelled = true; }
+    bool isStopped() const { return m_stop && m_stop->load(); }
 
     int noteCount() const { return m_noteCount; }
     // The documents written, in order.
@@ -66,7 +67,7 @@ private:
     std::optional<QDateTime> m_modifiedDate;
     int m_noteCount = 0;
     QStringList m_notes;
-    std::atomic<bool> m_cancelled = false;
+    const std::atomic_bool *m_stop;
 };
 
 // The note's content as the document's HTML, its media as images, audio or

@@ -1,5 +1,6 @@
 #include "importers/file_import.h"
 
+#include "importers/evernote_importer.h"
 #include "store/extensions.h"
 #include "store/item_operations.h"
 #include "store/log.h"
@@ -27,6 +28,29 @@ std::optional<QString> tl_importFileIntoBook(const QString &path, const QString 
         return std::nullopt;
     }
     return target;
+}
+
+bool isImportable(const QString &path)
+{
+    return isImportedWhole(path) || store::lowerCasedExtension(path) == u"enex";
+}
+
+ImportedFile tl_importIntoBook(const QString &path, const QString &book,
+                               const std::function<void(const QString &)> &progress,
+                               const std::atomic_bool *stop)
+{
+    if (store::lowerCasedExtension(path) == u"enex") {
+        TLKSEvernoteImporter importer(path, book, stop);
+        importer.progress = progress;
+        const bool complete = importer.start();
+        return {importer.notes(), complete};
+    }
+    const std::optional<QString> document = tl_importFileIntoBook(path, book);
+    if (!document)
+        return {};
+    if (progress)
+        progress(QFileInfo(*document).fileName());
+    return {{*document}, true};
 }
 
 } // namespace tl::importers

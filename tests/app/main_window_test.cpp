@@ -1,6 +1,7 @@
 // The paths a person takes through the window: open a library, pick a
 // document, type, and see the save land; rename by the first line; drag a
-// document into another book; paste and drop material on a book.
+// document into another book; paste and drop material on a book; import
+// an export by the menu and files by a drop on a book.
 #include "action_registry.h"
 #include "app_tests.h"
 #include "browser/document_list_model.h"
@@ -16,8 +17,12 @@
 #include "window_fixture.h"
 
 #include <QClipboard>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QMimeData>
+#include <QPointer>
+#include <QProgressDialog>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
@@ -25,6 +30,12 @@
 namespace {
 
 using tl::app::MainWindow;
+
+// Two notes of the same title, the first with a tag.
+const char kExport[] =
+    "<en-export><note><title>Plan</title><content>&lt;en-note&gt;One&lt;/en-note&gt;</content>"
+    "<tag>work</tag></note><note><title>Plan</title><content>&lt;en-note&gt;Two&lt;/en-note&gt;"
+    "</content></note></en-export>";
 using tl::browser::DocumentListModel;
 
 class MainWindowTest : public QObject
@@ -37,6 +48,18 @@ class MainWindowTest : public QObject
     void openBook(const QString &path, const QString &row) { m_fixture.openBook(path, row); }
     void selectRow(const QString &path) { m_fixture.selectRow(path); }
     static void letSaveTimersRun() { apptest::WindowFixture::letTimersRun(); }
+
+    // Picks the file in the next file dialog once it shows.
+    static void answerFileDialog(const QString &file)
+    {
+        QTimer::singleShot(0, [file] {
+            auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+            if (!dialog)
+                return answerFileDialog(file);
+            dialog->selectFile(file);
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
+    }
 
 private Q_SLOTS:
     void init()
@@ -118,6 +141,46 @@ private Q_SLOTS:
         QTRY_VERIFY(QFileInfo::exists(book("Archive/Other.txt")));
         QVERIFY(!QFileInfo::exists(book("Inbox/Other.txt")));
         QTRY_VERIFY(!window()->listModel().indexForPath(book("Inbox/Other.txt")).isValid());
+    }
+
+    void importBringsAnExportsNotesIntoTheShownBook()
+    {
+        const QString sources = tltest::makeTemporaryFolder(QStringLiteral("ImportSources"));
+        QVERIFY(tltest::writeFile(sources + "/notes.enex", kExport));
+        openBook(book("Inbox"), book("Inbox/Note.txt"));
+        answerFileDialog(sources + "/notes.enex");
+        window()->actions().action(tl::app::ActionId::Import)->trigger();
+
+        QTRY_VERIFY(QFileInfo::exists(book("Inbox/Plan.html")));
+        QVERIFY(QFileInfo::exists(book("Inbox/Plan 1.html")));
+        QProgressDialog *sheet = nullptr;
+        QTRY_VERIFY((sheet = window()->findChild<QProgressDialog *>()) &&
+                    sheet->labelText().contains("2 notes imported."));
+        QCOMPARE(sheet->windowTitle(), QStringLiteral("Import Finished"));
+        QPointer<QProgressDialog> closing = sheet;
+        QTest::mouseClick(sheet->findChild<QPushButton *>(), Qt::LeftButton);
+        QTRY_VERIFY(!closing);
+        QTRY_COMPARE(window()->documentPane()->shownPath(), book("Inbox/Plan.html"));
+    }
+
+    void filesDroppedOnABookAreImported()
+    {
+        const QString sources = tltest::makeTemporaryFolder(QStringLiteral("DropSources"));
+        QVERIFY(tltest::writeFile(sources + "/notes.enex", kExport));
+        QVERIFY(tltest::writeFile(sources + "/plan.opml", "<opml><body/></opml>"));
+        QVERIFY(tltest::writeFile(sources + "/plain.txt", "Plain\n"));
+        openBook(book("Inbox"), book("Inbox/Note.txt"));
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(sources + "/notes.enex"),
+                      QUrl::fromLocalFile(sources + "/plan.opml"),
+                      QUrl::fromLocalFile(sources + "/plain.txt")});
+        dropOnOutlineBook(book("Archive"), &data, Qt::CopyAction);
+
+        QTRY_VERIFY(QFileInfo::exists(book("Archive/Plan.html")));
+        QTRY_VERIFY(QFileInfo::exists(book("Archive/plan.opml")));
+        QVERIFY(QFileInfo::exists(book("Archive/plain.txt")));
+        // The export's notes come in, never the export itself.
+        QVERIFY(!QFileInfo::exists(book("Archive/notes.enex")));
     }
 
     void insertLocationPutsThePositionAtTheCaret()

@@ -64,6 +64,10 @@ private Q_SLOTS:
              false,
              Action::Refuse,
              {}},
+            {"the Evernote page's import link",
+             QUrl::fromLocalFile(m_library + "/Book/notes.enex").toString() +
+                 "#tl-extract-and-import",
+             Kind::Link, true, false, Action::ImportNotes, m_library + "/Book/notes.enex"},
             {"a file outside the library", outside, Kind::Link, true, false, Action::OpenOutside,
              outside},
             {"a web link", "https://example.org/a", Kind::Link, true, false, Action::OpenOutside,

@@ -1,6 +1,6 @@
-#include "importers/evernote_importer.h"
-
 #include "contexts/tag_database.h"
+#include "importers/evernote_importer.h"
+#include "importers/file_import.h"
 #include "store/library_fixture.h"
 
 #include <QDir>
@@ -75,18 +75,30 @@ TEST_F(EvernoteImport, NotesAndResourcesComeInUntilTheFileIsCut)
 // Every tag of a note stays on it and lists it, though none was known before.
 TEST_F(EvernoteImport, ANoteKeepsAllItsTagsAndItsCreationDate)
 {
-    const QString book =
-        run("<en-export><note><title>T</title><content>&lt;en-note/&gt;</content>"
-            "<created>20200102T030405Z</created><tag>alpha</tag><tag>beta</tag>"
-            "<tag>alpha</tag></note></en-export>");
+    const QString book = run("<en-export><note><title>T</title><content>&lt;en-note/&gt;</content>"
+                             "<created>20200102T030405Z</created><tag>alpha</tag><tag>beta</tag>"
+                             "<tag>alpha</tag></note></en-export>");
     EXPECT_TRUE(finished);
     const QVariantMap properties = readPlist(book + "/T.html.plist");
     EXPECT_EQ(properties.value("Tags").toStringList(), QStringList({"alpha", "beta"}));
     EXPECT_EQ(properties.value("CreationDate").toDateTime(),
               QDateTime(QDate(2020, 1, 2), QTime(3, 4, 5), QTimeZone::utc()));
     for (const char *tag : {"alpha", "beta"})
-        EXPECT_EQ(tl::contexts::tl_listOfAllItemsForTag(tag), QStringList{book + "/T.html"})
-            << tag;
+        EXPECT_EQ(tl::contexts::tl_listOfAllItemsForTag(tag), QStringList{book + "/T.html"}) << tag;
+}
+
+// Stopped after the first note, the import keeps it and goes no further.
+TEST_F(EvernoteImport, AStopKeepsTheNotesWritten)
+{
+    const QString path =
+        makeFile(inRoot("Book/notes.enex"), "<en-export><note><title>One</title></note>"
+                                            "<note><title>Two</title></note></en-export>");
+    std::atomic_bool stop = false;
+    const tl::importers::ImportedFile imported = tl::importers::tl_importIntoBook(
+        path, inRoot("Book"), [&stop](const QString &) { stop = true; }, &stop);
+    EXPECT_FALSE(imported.complete);
+    EXPECT_EQ(imported.documents, QStringList{inRoot("Book/One.html")});
+    EXPECT_FALSE(QFile::exists(inRoot("Book/Two.html")));
 }
 
 TEST_F(EvernoteImport, DatesInTheirThreeForms)

@@ -144,4 +144,34 @@ TEST_F(MailMessage, NestedRelatedImagesAndAttachmentsStayInTheFolder)
     EXPECT_EQ(QDir(f).entryList(QDir::Files).size(), 3);
 }
 
+// A name may run over line ends (the expression stops only at ";"): joined,
+// it still names a file inside the folder.
+TEST_F(MailMessage, AttachmentNamesOverLineEndsStayInTheFolder)
+{
+    struct Case
+    {
+        const char *name;
+        const char *stored;
+    };
+    const Case cases[] = {
+        {"\"../\n../x\"", "_.._x"},
+        {"\n/etc/\npasswd", "_etc_passwd"},
+        {"a.txt\nX-Note: b/c", "a.txtX-Note: b_c"},
+        {"\"..\n\"", "attachment"},
+    };
+    for (const Case &c : cases) {
+        const QString stored = QString::fromUtf8(c.stored);
+        const QString html = convert(
+            ("Content-Type: application/octet-stream\nContent-Transfer-Encoding: base64\n"
+             "Content-Disposition: attachment; filename=" +
+             QByteArray(c.name) + "\n\nd29ybGQ=\n")
+                .constData());
+        EXPECT_EQ(html, QStringLiteral("__ATTACHMENT__ ") + stored) << c.name;
+        EXPECT_EQ(fileText(folder() + u'/' + stored), QStringLiteral("world")) << c.name;
+        QFile::remove(folder() + u'/' + stored);
+    }
+    EXPECT_EQ(QDir(root.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+              QStringList{QStringLiteral("attachments")});
+}
+
 } // namespace
