@@ -57,6 +57,8 @@ packages=(
   litmus cadaver discount libnginx-mod-http-dav-ext
   # the search benchmark measures index building against ripgrep scanning the same folder
   ripgrep
+  # the mail walker runs over the test messages of Python's own test suite
+  libpython3.11-testsuite
   # the desktop program: widgets, formatted view, PDF view, and a display for its tests
   qt6-webengine-dev qt6-webchannel-dev qt6-pdf-dev qt6-svg-dev xvfb xauth
   # a private message bus for the reminders' notification tests

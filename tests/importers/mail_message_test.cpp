@@ -161,15 +161,35 @@ TEST_F(MailMessage, AttachmentNamesOverLineEndsStayInTheFolder)
     };
     for (const Case &c : cases) {
         const QString stored = QString::fromUtf8(c.stored);
-        const QString html = convert(
-            ("Content-Type: application/octet-stream\nContent-Transfer-Encoding: base64\n"
-             "Content-Disposition: attachment; filename=" +
-             QByteArray(c.name) + "\n\nd29ybGQ=\n")
-                .constData());
+        const QString html =
+            convert(("Content-Type: application/octet-stream\nContent-Transfer-Encoding: base64\n"
+                     "Content-Disposition: attachment; filename=" +
+                     QByteArray(c.name) + "\n\nd29ybGQ=\n")
+                        .constData());
         EXPECT_EQ(html, QStringLiteral("__ATTACHMENT__ ") + stored) << c.name;
         EXPECT_EQ(fileText(folder() + u'/' + stored), QStringLiteral("world")) << c.name;
         QFile::remove(folder() + u'/' + stored);
     }
+    EXPECT_EQ(QDir(root.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+              QStringList{QStringLiteral("attachments")});
+}
+
+// Python's own test messages (Debian's libpython3 test suite): each one
+// converts without a fault.
+TEST_F(MailMessage, PythonsTestMessagesConvert)
+{
+    const QStringList folders =
+        QDir(QStringLiteral("/usr/lib")).entryList({QStringLiteral("python3*")}, QDir::Dirs);
+    QStringList messages;
+    for (const QString &python : folders) {
+        const QDir data(QStringLiteral("/usr/lib/%1/test/test_email/data").arg(python));
+        for (const QString &name : data.entryList({QStringLiteral("msg_*.txt")}, QDir::Files))
+            messages << data.filePath(name);
+    }
+    if (messages.isEmpty())
+        GTEST_SKIP() << "no Python test suite installed";
+    for (const QString &message : std::as_const(messages))
+        tl_emlToHTML(fileText(message), folder());
     EXPECT_EQ(QDir(root.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
               QStringList{QStringLiteral("attachments")});
 }
