@@ -1,5 +1,8 @@
 #include "progress_sheet.h"
 
+#include "foundation/events.h"
+#include "foundation/notification_center.h"
+
 #include <QProgressDialog>
 
 namespace tl::app {
@@ -16,6 +19,15 @@ QProgressDialog *openProgressSheet(QWidget *window, const QString &title, const 
     sheet->setMinimumWidth(360);
     sheet->setValue(0);
     return sheet;
+}
+
+void showMadeDocument(const QString &path)
+{
+    if (path.isEmpty())
+        return;
+    NotificationCenter &center = NotificationCenter::defaultCenter();
+    center.post(QLatin1String(events::FileModifiedOnDisk), {{QStringLiteral("path"), path}});
+    center.post(QLatin1String(events::ShowItemAtPath), {{QStringLiteral("path"), path}});
 }
 
 } // namespace tl::app

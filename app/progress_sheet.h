@@ -13,4 +13,8 @@ namespace tl::app {
 QProgressDialog *openProgressSheet(QWidget *window, const QString &title, const QString &label,
                                    const QString &button, int maximum = 100);
 
+// What a sheet's work made, made known to the lists and shown; nothing for
+// an empty path.
+void showMadeDocument(const QString &path);
+
 } // namespace tl::app

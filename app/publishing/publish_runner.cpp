@@ -1,7 +1,5 @@
 #include "publish_runner.h"
 
-#include "foundation/events.h"
-#include "foundation/notification_center.h"
 #include "foundation/path_string.h"
 #include "platform/alerts.h"
 #include "progress_sheet.h"
@@ -124,11 +122,7 @@ void PublishRunner::done()
     if (m_progress)
         m_progress->deleteLater();
     m_compiler.reset();
-    if (!path.isEmpty()) {
-        NotificationCenter &center = NotificationCenter::defaultCenter();
-        center.post(QLatin1String(events::FileModifiedOnDisk), {{QStringLiteral("path"), path}});
-        center.post(QLatin1String(events::ShowItemAtPath), {{QStringLiteral("path"), path}});
-    }
+    showMadeDocument(path);
     Q_EMIT finished(path);
 }
 

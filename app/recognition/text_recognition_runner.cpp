@@ -1,7 +1,6 @@
 #include "recognition/text_recognition_runner.h"
 
-#include "foundation/events.h"
-#include "foundation/notification_center.h"
+#include "progress_sheet.h"
 
 #include <QProgressDialog>
 #include <QtConcurrent/QtConcurrentRun>
@@ -27,14 +26,8 @@ void TextRecognitionRunner::recognize(const QString &path)
     m_source = path;
     m_run = std::make_unique<importers::RecognitionRun>();
     const QString label = QString::fromUtf8(importers::texts::RecognizingText);
-    m_progress = new QProgressDialog(label, QStringLiteral("Cancel"), 0, 100, m_window);
-    m_progress->setWindowTitle(QStringLiteral("Recognize Text"));
-    m_progress->setWindowModality(Qt::WindowModal);
-    m_progress->setAutoClose(false);
-    m_progress->setAutoReset(false);
-    m_progress->setMinimumDuration(0);
-    m_progress->setMinimumWidth(360);
-    m_progress->setValue(0);
+    m_progress = openProgressSheet(m_window, QStringLiteral("Recognize Text"), label,
+                                   QStringLiteral("Cancel"));
     importers::RecognitionRun *run = m_run.get();
     connect(m_progress, &QProgressDialog::canceled, this, [run] { run->cancelled = true; });
     // The worker's status reaches the sheet on the main thread.
@@ -68,12 +61,7 @@ void TextRecognitionRunner::done()
         m_progress->deleteLater();
     m_run.reset();
     const QString document = stopped ? QString() : importers::tl_saveRecognizedText(m_source, text);
-    if (!document.isEmpty()) {
-        NotificationCenter &center = NotificationCenter::defaultCenter();
-        center.post(QLatin1String(events::FileModifiedOnDisk),
-                    {{QStringLiteral("path"), document}});
-        center.post(QLatin1String(events::ShowItemAtPath), {{QStringLiteral("path"), document}});
-    }
+    showMadeDocument(document);
     Q_EMIT finished(document, stopped);
 }
 

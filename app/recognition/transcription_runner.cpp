@@ -1,8 +1,7 @@
 #include "recognition/transcription_runner.h"
 
-#include "foundation/events.h"
-#include "foundation/notification_center.h"
 #include "importers/transcription.h"
+#include "progress_sheet.h"
 
 #include <QLocale>
 #include <QProgressDialog>
@@ -34,14 +33,8 @@ void TranscriptionRunner::transcribe(const QString &recording)
         return;
     m_cancelled = false;
     const QString label = importers::transcriptionStatusText(m_locale);
-    m_progress = new QProgressDialog(label, QStringLiteral("Cancel"), 0, 100, m_window);
-    m_progress->setWindowTitle(QStringLiteral("Transcribe Recording"));
-    m_progress->setWindowModality(Qt::WindowModal);
-    m_progress->setAutoClose(false);
-    m_progress->setAutoReset(false);
-    m_progress->setMinimumDuration(0);
-    m_progress->setMinimumWidth(360);
-    m_progress->setValue(0);
+    m_progress = openProgressSheet(m_window, QStringLiteral("Transcribe Recording"), label,
+                                   QStringLiteral("Cancel"));
     connect(m_progress, &QProgressDialog::canceled, this, [this] { m_cancelled = true; });
     // The worker's progress reaches the sheet on the main thread.
     QPointer<QProgressDialog> progress = m_progress;
@@ -64,11 +57,7 @@ void TranscriptionRunner::done()
     const QString path = m_watcher.result().value_or(QString());
     if (m_progress)
         m_progress->deleteLater();
-    if (!path.isEmpty()) {
-        NotificationCenter &center = NotificationCenter::defaultCenter();
-        center.post(QLatin1String(events::FileModifiedOnDisk), {{QStringLiteral("path"), path}});
-        center.post(QLatin1String(events::ShowItemAtPath), {{QStringLiteral("path"), path}});
-    }
+    showMadeDocument(path);
     Q_EMIT finished(path);
 }
 
