@@ -59,6 +59,7 @@ public:
     DocumentListView *view() const { return m_view; }
     QLineEdit *filterField() const { return m_filter; }
     SearchOptionsPanel *searchOptions() const { return m_searchOptions; }
+    browser::SearchFieldController *searchField() const { return m_search; }
     // The paths of the selected item rows.
     QStringList selectedPaths() const;
     bool selectedIsDocument() const;

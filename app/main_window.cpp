@@ -6,6 +6,7 @@
 #include "browser/event_bridge.h"
 #include "browser/item_drops.h"
 #include "browser/outline_controller.h"
+#include "browser/search_field.h"
 #include "contexts_menu.h"
 #include "document/document_pane.h"
 #include "document/plain_text_view.h"
@@ -120,6 +121,8 @@ MainWindow::MainWindow(EventBridge &bridge, QWidget *parent)
     connect(&bridge, &EventBridge::showItemAtPath, this, &MainWindow::showItemAtPath);
     connect(m_outline, &OutlinePane::selectionChanged, this, &MainWindow::updateActions);
     connect(m_list, &DocumentListPane::selectionChanged, this, &MainWindow::updateActions);
+    connect(m_list->searchField(), &browser::SearchFieldController::searchResultsShown, m_outline,
+            [this](bool shown) { m_outline->showSearchResults(shown, m_list->shownBook()); });
     connect(m_document, &DocumentPane::stateChanged, this, [this] {
         updateTitle();
         updateActions();

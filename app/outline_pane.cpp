@@ -127,6 +127,13 @@ void OutlinePane::selectBook(const QString &path)
 void OutlinePane::followSelectedBook(const QString &path, int smartType)
 {
     OutlineModel &model = m_controller.model();
+    if (smartType != browser::SearchResults) {
+        // Another book shows: the search is over. Its row goes quietly, so
+        // the selection sliding to a neighbour selects nothing.
+        m_silent = true;
+        m_controller.showSearchResultsBook(false);
+        m_silent = false;
+    }
     const QModelIndex index =
         smartType > 1 ? model.smartBookIndex(smartType) : model.indexForPath(path);
     if (!index.isValid() || m_view->currentIndex() == index)
@@ -135,6 +142,16 @@ void OutlinePane::followSelectedBook(const QString &path, int smartType)
     m_view->setCurrentIndex(index);
     m_view->scrollTo(index);
     m_silent = false;
+}
+
+void OutlinePane::showSearchResults(bool shown, const QString &book)
+{
+    if (shown) {
+        m_controller.showSearchResultsBook(true);
+        followSelectedBook({}, browser::SearchResults);
+    } else {
+        followSelectedBook(book, browser::OrdinaryBook);
+    }
 }
 
 QString OutlinePane::selectedPath() const

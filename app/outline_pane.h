@@ -30,6 +30,9 @@ public:
     bool selectedIsBook() const;
     // Opens the groups and the books as they were left.
     void expandSavedPaths();
+    // Selects Search Results while the list shows a search; once it is left,
+    // the book the list went back to.
+    void showSearchResults(bool shown, const QString &book);
 
 Q_SIGNALS:
     void selectionChanged();

@@ -39,13 +39,6 @@ QToolButton *segment(const QString &text, QWidget *parent)
     return button;
 }
 
-QLabel *caption(const QString &text, QWidget *parent)
-{
-    auto *label = new QLabel(text, parent);
-    label->setEnabled(false);
-    return label;
-}
-
 // A row of segments packed to the left.
 QHBoxLayout *row(QButtonGroup *group)
 {
@@ -61,7 +54,7 @@ QHBoxLayout *row(QButtonGroup *group)
 
 SearchOptionsPanel::SearchOptionsPanel(SearchFieldController &field, QWidget *parent)
     : QWidget(parent), m_field(field), m_scope(new QButtonGroup(this)),
-      m_option(new QButtonGroup(this))
+      m_option(new QButtonGroup(this)), m_scopeCaption(new QLabel(QStringLiteral("In:"), this))
 {
     setObjectName(QStringLiteral("searchOptions"));
     m_scope->addButton(segment({}, this), kBookScope);
@@ -72,8 +65,8 @@ SearchOptionsPanel::SearchOptionsPanel(SearchFieldController &field, QWidget *pa
     form->setContentsMargins(8, 0, 8, 4);
     form->setVerticalSpacing(0);
     form->setLabelAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    form->addRow(caption(QStringLiteral("In:"), this), row(m_scope));
-    form->addRow(caption(QStringLiteral("Find:"), this), row(m_option));
+    form->addRow(m_scopeCaption, row(m_scope));
+    form->addRow(new QLabel(QStringLiteral("Find:"), this), row(m_option));
 
     connect(m_scope, &QButtonGroup::idClicked, this,
             [this](int id) { m_field.setSearchesAllBooks(id == kAllBooks); });
@@ -97,6 +90,8 @@ void SearchOptionsPanel::takeSettings()
     const bool all = SearchFieldController::searchesAllBooks() || !oneBook;
     m_scope->button(all ? kAllBooks : kBookScope)->setChecked(true);
     bookButton->setEnabled(oneBook);
+    // With no book to choose, the scope is no choice and its caption greys with it.
+    m_scopeCaption->setEnabled(oneBook);
     m_option->button(SearchFieldController::searchOption())->setChecked(true);
 }
 

@@ -3,6 +3,7 @@
 #include <QWidget>
 
 class QButtonGroup;
+class QLabel;
 
 namespace tl::browser {
 class SearchFieldController;
@@ -29,6 +30,7 @@ private:
     browser::SearchFieldController &m_field;
     QButtonGroup *m_scope;
     QButtonGroup *m_option;
+    QLabel *m_scopeCaption;
 };
 
 } // namespace tl::app

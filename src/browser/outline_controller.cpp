@@ -544,4 +544,12 @@ void TLKSOutlineViewController::updateSmartBookOfType(int type)
     }
 }
 
+void TLKSOutlineViewController::showSearchResultsBook(bool shown)
+{
+    if (shown)
+        m_model.insertSmartBook(SearchResults);
+    else
+        m_model.removeItem(TLKSOutlineItem::smartBookOfType(SearchResults));
+}
+
 } // namespace tl::browser

@@ -50,6 +50,8 @@ public:
     void handleWatchReport(const platform::FileWatchReport &report);
 
     void updateSmartBookOfType(int type);
+    // Search Results stands in the smart books while the list shows a search.
+    void showSearchResultsBook(bool shown);
 
     // The smart-book and reference follow-up of a changed path waits this
     // long, so a burst ends in one run.

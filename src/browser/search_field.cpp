@@ -71,6 +71,7 @@ void SearchFieldController::startSpotlightSearchWithString(const QString &text)
     list.searchFilter.clear();
     m_model.reloadBookInBackground();
     Q_EMIT titleChanged(m_title);
+    Q_EMIT searchResultsShown(true);
     showSearchOptions();
 }
 
@@ -102,8 +103,10 @@ void SearchFieldController::leaveSearchResults()
         Q_EMIT titleChanged(m_title);
     }
     m_model.setFilter({});
-    if (inResults)
+    if (inResults) {
         m_model.reloadBookInBackground();
+        Q_EMIT searchResultsShown(false);
+    }
 }
 
 bool SearchFieldController::searchesAllBooks()

@@ -52,6 +52,8 @@ Q_SIGNALS:
     void searchOptionsChanged(bool visible);
     // The field's text set from outside.
     void fieldTextChanged(const QString &text);
+    // The list turned to Search Results, or left them for the book.
+    void searchResultsShown(bool shown);
 
 private:
     void leaveSearchResults();

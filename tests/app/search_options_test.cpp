@@ -1,19 +1,27 @@
 // The search field's options in the window: Return searches the shown book,
-// and the scope and field buttons change the settings and the results.
+// and the scope and field buttons change the settings and the results; the
+// outline shows Search Results while the list does.
 #include "app_tests.h"
 #include "browser/browser_keys.h"
 #include "browser/document_list_model.h"
+#include "browser/outline_model.h"
 #include "browser/search_field.h"
+#include "browser/smart_books.h"
 #include "document_list_pane.h"
 #include "main_window.h"
+#include "outline_pane.h"
 #include "platform/settings.h"
 #include "search_options_panel.h"
+#include "shell/url_actions.h"
+#include "store/library_root.h"
 #include "window_fixture.h"
 
 #include <QAbstractButton>
 #include <QButtonGroup>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTest>
+#include <QTreeView>
 
 namespace {
 
@@ -34,6 +42,25 @@ class SearchOptionsTest : public QObject
                 !index.data(DocumentListModel::IsHeaderRole).toBool())
                 names << index.data(DocumentListModel::PathRole).toString().section(u'/', -2);
         return names;
+    }
+
+    int outlineSmartType() const
+    {
+        return m_fixture.window()
+            .outlinePane()
+            ->view()
+            ->currentIndex()
+            .data(tl::browser::OutlineModel::SmartTypeRole)
+            .toInt();
+    }
+
+    bool captionIsEnabled(const QString &text) const
+    {
+        for (const QLabel *label :
+             m_fixture.window().listPane()->searchOptions()->findChildren<QLabel *>())
+            if (label->text() == text)
+                return label->isEnabled();
+        return false;
     }
 
     void click(QButtonGroup *group, int id) const
@@ -65,6 +92,8 @@ private Q_SLOTS:
         QTest::keyClick(pane->filterField(), Qt::Key_Return);
         QTRY_COMPARE(listed(), QStringList({"Book/Organ.md", "Book/Tea.md"}));
         QVERIFY(pane->searchOptions()->isVisible());
+        QVERIFY(captionIsEnabled(QStringLiteral("Find:")));
+        QVERIFY(captionIsEnabled(QStringLiteral("In:")));
 
         tl::app::SearchOptionsPanel *options = pane->searchOptions();
         click(options->optionButtons(), tl::browser::SearchFieldController::TitleOnly);
@@ -81,6 +110,23 @@ private Q_SLOTS:
         pane->filterField()->clear();
         QVERIFY(!options->isVisible());
         QTRY_COMPARE(listed(), QStringList({"Book/Organ.md", "Book/Tea.md"}));
+    }
+
+    void aSearchFromOutsideSelectsSearchResultsUntilTheFieldIsCleared()
+    {
+        tl::app::MainWindow &window = m_fixture.window();
+        tl::shell::handleTavelleURL(QStringLiteral("tavelle://search?organiser"));
+        QTRY_COMPARE(listed(), QStringList({"Other/Far.md", "Book/Tea.md"}));
+        QCOMPARE(outlineSmartType(), int(tl::browser::SearchResults));
+        // The whole library leaves no book to choose: the scope greys, the field does not.
+        QVERIFY(!captionIsEnabled(QStringLiteral("In:")));
+        QVERIFY(captionIsEnabled(QStringLiteral("Find:")));
+
+        window.listPane()->filterField()->clear();
+        QCOMPARE(window.outlinePane()->selectedPath(), tl::store::libraryRoot());
+        const auto *outline =
+            static_cast<const tl::browser::OutlineModel *>(window.outlinePane()->view()->model());
+        QVERIFY(!outline->smartBookIndex(tl::browser::SearchResults).isValid());
     }
 };
 
