@@ -10,6 +10,7 @@
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
 #include "list_delegate.h"
+#include "recent_searches_menu.h"
 #include "search_options_panel.h"
 #include "store/library_root.h"
 #include "tasks/task_list.h"
@@ -125,6 +126,7 @@ DocumentListPane::DocumentListPane(browser::DocumentListModel &model,
     options->setToolTip(QStringLiteral("Search Options"));
     connect(options, &QAction::triggered, m_search,
             &browser::SearchFieldController::tl_toggleSearchStack);
+    addRecentSearches(m_filter, *m_search);
     m_sort->setPopupMode(QToolButton::InstantPopup);
     m_sort->setToolButtonStyle(Qt::ToolButtonTextOnly);
     auto *sortMenu = new QMenu(m_sort);
@@ -172,15 +174,14 @@ DocumentListPane::DocumentListPane(browser::DocumentListModel &model,
 
     connect(m_view, &DocumentListView::taskMarkClicked, this,
             [](const QString &path) { tasks::tl_toggleTask(path); });
-    connect(m_filter, &QLineEdit::textChanged, m_search,
-            &browser::SearchFieldController::searchFieldDidChange);
+    connect(m_filter, &QLineEdit::textChanged, m_search, [this](const QString &text) {
+        if (!m_settingField)
+            m_search->searchFieldDidChange(text);
+    });
     connect(m_filter, &QLineEdit::returnPressed, m_search,
-            [this] { m_search->startSpotlightSearchWithString(); });
+            [this] { m_search->runSearchFor(m_filter->text()); });
     connect(m_search, &browser::SearchFieldController::fieldTextChanged, this,
-            [this](const QString &text) {
-                const QSignalBlocker quiet(m_filter);
-                m_filter->setText(text);
-            });
+            &DocumentListPane::setFieldTextQuietly);
     connect(m_search, &browser::SearchFieldController::titleChanged, this,
             [this](const QString &title) {
                 m_searchTitle->setText(title);
@@ -211,12 +212,18 @@ DocumentListPane::DocumentListPane(browser::DocumentListModel &model,
     connect(&model, &QAbstractItemModel::rowsRemoved, this, &DocumentListPane::updateEmptyText);
     connect(&model, &DocumentListModel::emptyListTextChanged, this,
             &DocumentListPane::updateEmptyText);
-    connect(&bridge, &browser::EventBridge::newBookSelected, this, [this] {
-        const QSignalBlocker quiet(m_filter);
-        m_filter->clear();
-    });
+    connect(&bridge, &browser::EventBridge::newBookSelected, this,
+            [this] { setFieldTextQuietly({}); });
     updateSortButton();
     updateEmptyText();
+}
+
+void DocumentListPane::setFieldTextQuietly(const QString &text)
+{
+    // Not by blocking the field's signals: its clear button follows them.
+    m_settingField = true;
+    m_filter->setText(text);
+    m_settingField = false;
 }
 
 QStringList DocumentListPane::selectedPaths() const

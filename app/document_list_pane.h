@@ -76,6 +76,8 @@ private:
     void updateSortButton();
     void updateEmptyText();
     void applyPendingSelection();
+    // The field shows the text without searching for it.
+    void setFieldTextQuietly(const QString &text);
 
     browser::DocumentListModel &m_model;
     DocumentListView *m_view;
@@ -88,6 +90,7 @@ private:
     QLabel *m_searchTitle;
     QString m_pendingSelection;
     bool m_silent = false;
+    bool m_settingField = false;
 };
 
 } // namespace tl::app

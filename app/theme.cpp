@@ -43,6 +43,9 @@ QPalette darkPalette()
     p.setColor(QPalette::Disabled, QPalette::Text, QColor(0x80, 0x80, 0x80));
     p.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x80, 0x80, 0x80));
     p.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x80, 0x80, 0x80));
+    // Disabled menu entries are etched in this colour: the light default
+    // doubles their text on a dark menu.
+    p.setColor(QPalette::Disabled, QPalette::Light, window);
     return p;
 }
 

@@ -25,4 +25,5 @@ inline constexpr char SearchAllBooks[] = "searchAllBooks";
 inline constexpr char SearchTitle[] = "searchTitle";
 inline constexpr char SearchContent[] = "searchContent";
 inline constexpr char SearchfieldVisibleInDocList[] = "searchfieldVisibleInDocList";
+inline constexpr char RecentSearchTerms[] = "recentSearchTerms";
 } // namespace tl::keys::setting

@@ -4,6 +4,7 @@
 #include "browser/document_list.h"
 #include "browser/document_list_model.h"
 #include "browser/library_search.h"
+#include "browser/recent_searches.h"
 #include "browser/smart_books.h"
 #include "foundation/events.h"
 #include "foundation/scheduler.h"
@@ -52,15 +53,15 @@ void SearchFieldController::searchFieldDidChange(const QString &text)
     }
 }
 
-void SearchFieldController::startSpotlightSearchWithString(const QString &text)
+bool SearchFieldController::startSpotlightSearchWithString(const QString &text)
 {
     TLKSDocumentListViewController &list = m_model.list();
     if (list.smartBookType != OrdinaryBook && list.smartBookType != SearchResults)
-        return;
+        return false;
     const QString query = text.isEmpty() ? m_text : text;
     if (query.isEmpty()) {
         leaveSearchResults();
-        return;
+        return false;
     }
     if (list.smartBookType == OrdinaryBook)
         m_book = list.path;
@@ -73,6 +74,18 @@ void SearchFieldController::startSpotlightSearchWithString(const QString &text)
     Q_EMIT titleChanged(m_title);
     Q_EMIT searchResultsShown(true);
     showSearchOptions();
+    return true;
+}
+
+void SearchFieldController::runSearchFor(const QString &text)
+{
+    Scheduler::main().cancel(kQueryKey);
+    m_text = text;
+    Q_EMIT fieldTextChanged(text);
+    if (!startSpotlightSearchWithString(text))
+        return;
+    rememberSearchTerm(text);
+    Q_EMIT recentSearchesChanged();
 }
 
 void SearchFieldController::handleStartSpotlightSearchNotification(const QString &term)
@@ -85,9 +98,7 @@ void SearchFieldController::handleStartSpotlightSearchNotification(const QString
     settings.remove(QLatin1String(S::SearchContent));
     if (!settings.boolValue(QLatin1String(S::SearchfieldVisibleInDocList)))
         settings.set(QLatin1String(S::SearchfieldVisibleInDocList), true);
-    m_text = term;
-    Q_EMIT fieldTextChanged(term);
-    startSpotlightSearchWithString(term);
+    runSearchFor(term);
 }
 
 void SearchFieldController::leaveSearchResults()

@@ -21,9 +21,13 @@ public:
 
     // Typing in the field.
     void searchFieldDidChange(const QString &text);
-    // Return, or a search from outside: runs in a plain book or in Search
-    // Results; an empty text takes the field's.
-    void startSpotlightSearchWithString(const QString &text = {});
+    // Runs in a plain book or in Search Results; an empty text takes the
+    // field's. True when a search ran.
+    bool startSpotlightSearchWithString(const QString &text = {});
+    // A search asked for as a whole (Return, a recent search, a request from
+    // outside): the field shows the text, and once the search ran the text
+    // joins the recent searches.
+    void runSearchFor(const QString &text);
     // A search asked for by an event with "term".
     void handleStartSpotlightSearchNotification(const QString &term);
 
@@ -54,6 +58,7 @@ Q_SIGNALS:
     void fieldTextChanged(const QString &text);
     // The list turned to Search Results, or left them for the book.
     void searchResultsShown(bool shown);
+    void recentSearchesChanged();
 
 private:
     void leaveSearchResults();

@@ -1,6 +1,6 @@
-// The search field's options in the window: Return searches the shown book,
-// and the scope and field buttons change the settings and the results; the
-// outline shows Search Results while the list does.
+// The search field in the window: Return searches the shown book, and the
+// scope and field buttons change the settings and the results; the searches
+// run are offered again; the outline shows Search Results while the list does.
 #include "app_tests.h"
 #include "browser/browser_keys.h"
 #include "browser/document_list_model.h"
@@ -20,6 +20,7 @@
 #include <QButtonGroup>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTest>
 #include <QTreeView>
 
@@ -72,7 +73,8 @@ private Q_SLOTS:
     void init()
     {
         tl::platform::Settings &settings = tl::platform::settings();
-        for (const char *key : {S::SearchAllBooks, S::SearchTitle, S::SearchContent})
+        for (const char *key :
+             {S::SearchAllBooks, S::SearchTitle, S::SearchContent, S::RecentSearchTerms})
             settings.remove(QLatin1String(key));
         QVERIFY(
             m_fixture.open(QStringLiteral("SearchLibrary"), {{"Book/Tea.md", "green organiser\n"},
@@ -110,6 +112,43 @@ private Q_SLOTS:
         pane->filterField()->clear();
         QVERIFY(!options->isVisible());
         QTRY_COMPARE(listed(), QStringList({"Book/Organ.md", "Book/Tea.md"}));
+    }
+
+    void recentSearchesOfferTheSearchesRunAndSearchAgain()
+    {
+        tl::app::DocumentListPane *pane = m_fixture.window().listPane();
+        QLineEdit *field = pane->filterField();
+        auto *recents = field->findChild<QAction *>(QStringLiteral("recentSearches"));
+        auto *menu = field->findChild<QMenu *>(QStringLiteral("recentSearchesMenu"));
+        QVERIFY(recents && menu);
+        QVERIFY(!recents->isVisible());
+        m_fixture.openBook(m_fixture.item("Book"), m_fixture.item("Book/Tea.md"));
+        // Typing alone filters and is no search to remember.
+        QTest::keyClicks(field, "pipes");
+        QVERIFY(!recents->isVisible());
+        QTest::keyClick(field, Qt::Key_Return);
+        field->clear();
+        QTest::keyClicks(field, "green");
+        QTest::keyClick(field, Qt::Key_Return);
+        QTRY_COMPARE(listed(), QStringList{"Book/Tea.md"});
+        QVERIFY(recents->isVisible());
+
+        recents->trigger();
+        QStringList titles;
+        for (const QAction *entry : menu->actions())
+            titles << entry->text();
+        QCOMPARE(titles, QStringList({"Recent Searches", "green", "pipes", "", "Clear"}));
+        menu->actions().at(2)->trigger();
+        QCOMPARE(field->text(), QStringLiteral("pipes"));
+        QTRY_COMPARE(listed(), QStringList{"Book/Organ.md"});
+        QCOMPARE(tl::platform::settings().array(QLatin1String(S::RecentSearchTerms)),
+                 QVariantList({"pipes", "green"}));
+
+        menu->close();
+        recents->trigger();
+        menu->actions().constLast()->trigger();
+        QVERIFY(!recents->isVisible());
+        QVERIFY(!tl::platform::settings().contains(QLatin1String(S::RecentSearchTerms)));
     }
 
     void aSearchFromOutsideSelectsSearchResultsUntilTheFieldIsCleared()
