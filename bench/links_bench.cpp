@@ -1,7 +1,9 @@
 // Following a rename costs what the linkers cost, never what the library
 // holds: renaming a document with 100 backlinks in a library of 100,000
 // documents against the same in one of 10,000; and a book move against the
-// move of a book ten times smaller. Reported as ratios.
+// move of a book ten times smaller. Reported as ratios. A book that 1,000
+// documents link into is moved against the floor of writing those 1,000
+// documents once and making them durable with one sync.
 #include "foundation/path_string.h"
 #include "isolated_home.h"
 #include "library_generator.h"
@@ -14,6 +16,8 @@
 #include <QCoreApplication>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -105,10 +109,73 @@ void BM_MoveBookOf1000(benchmark::State &state)
     moveBook(state, 1000);
 }
 
+constexpr int kLinkersIntoBook = 1000;
+
+// A book of 10 documents that 1,000 documents in ten other books link into,
+// made once.
+QString makeLinkedBook()
+{
+    const QString root = scratch() + QStringLiteral("/Linked book");
+    bench::makeBook(root + "/Book", 10, {});
+    tl::store::setLibraryRootOverride(root);
+    for (int l = 0; l < kLinkersIntoBook; ++l) {
+        const QString linker = root + QStringLiteral("/Linkers %1/Linker %2.md").arg(l % 10).arg(l);
+        QDir().mkpath(tl::path::deletingLastComponent(linker));
+        bench::writeBytes(linker,
+                          QStringLiteral("# A linker\n\nSee [the document](../Book/Document "
+                                         "%1.md) and [[/Book/Document %1.md]].\n")
+                              .arg(l % 10)
+                              .toUtf8());
+        tl::links::tl_refreshBacklinksForReferencedDocuments(linker);
+    }
+    return root;
+}
+
+const QString &linkedBook()
+{
+    static const QString root = makeLinkedBook();
+    return root;
+}
+
+// Each run one move, back and forth in turn: 1,000 documents rewritten.
+void BM_MoveBookLinkedFrom1000(benchmark::State &state)
+{
+    const QString &root = linkedBook();
+    tl::store::setLibraryRootOverride(root);
+    QString a = root + "/Book", b = root + "/Moved";
+    for (auto _ : state) {
+        QDir().rename(a, b);
+        tl::links::renameAllLinksNow(a, b);
+        std::swap(a, b);
+    }
+}
+
+// The floor: the same 1,000 documents written once in place, one sync.
+void BM_WriteLinkersWithOneSync(benchmark::State &state)
+{
+    const QString &root = linkedBook();
+    QHash<QString, QByteArray> texts;
+    for (int l = 0; l < kLinkersIntoBook; ++l) {
+        const QString linker = root + QStringLiteral("/Linkers %1/Linker %2.md").arg(l % 10).arg(l);
+        QFile file(linker);
+        file.open(QIODevice::ReadOnly);
+        texts.insert(linker, file.readAll());
+    }
+    for (auto _ : state) {
+        for (auto it = texts.cbegin(); it != texts.cend(); ++it)
+            bench::writeBytes(it.key(), it.value());
+        const int folder = ::open(QFile::encodeName(root).constData(), O_RDONLY | O_DIRECTORY);
+        ::syncfs(folder);
+        ::close(folder);
+    }
+}
+
 BENCHMARK(BM_RenameIn10000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_RenameIn100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_MoveBookOf100)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_MoveBookOf1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_WriteLinkersWithOneSync)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_MoveBookLinkedFrom1000)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
@@ -125,4 +192,9 @@ int main(int argc, char **argv)
                         "rename with 100 backlinks in 100,000 documents", "in 10,000", 1.5);
     reporter.printRatio("BM_MoveBookOf1000", "BM_MoveBookOf100", "move of a book of 1,000",
                         "of 100", 15);
+    reporter.printRatio("BM_MoveBookLinkedFrom1000", "BM_WriteLinkersWithOneSync",
+                        "move of a book 1,000 documents link into",
+                        "writing those documents once with one sync", 4);
+    reporter.printLimit("BM_MoveBookLinkedFrom1000", "move of a book 1,000 documents link into",
+                        500);
 }

@@ -6,6 +6,7 @@
 #include "links/backlinks.h"
 #include "links/link_rewrite.h"
 #include "links/reference_scan.h"
+#include "links/rewrite_batch.h"
 #include "links/rewrite_journal.h"
 #include "links/tree_walk.h"
 #include "platform/alerts.h"
@@ -38,14 +39,23 @@ QString replacingPrefix(const QString &path, const QString &prefix, const QStrin
     return replacement + path.mid(prefix.size());
 }
 
-void runJournaled(PendingRewrite::Kind kind, const QString &from, const QString &to,
-                  std::function<void()> work)
+// The note goes only once the rewrite is on disk; a rewrite that could not
+// get there is finished at the next start.
+void runJournaled(const PendingRewrite &rewrite, const QString &note)
 {
-    const QString note = beginRewrite({kind, from, to});
-    SerialQueue::main().post([note, work = std::move(work)] {
-        work();
-        finishRewrite(note);
+    SerialQueue::main().post([note, rewrite] {
+        const bool done = rewrite.kind == PendingRewrite::Kind::Book
+                              ? renameAllLinksNow(rewrite.from, rewrite.to, rewrite.tag)
+                              : adjustLinksAndBacklinksNow(rewrite.from, rewrite.to, rewrite.tag);
+        if (done)
+            finishRewrite(note);
     });
+}
+
+void runJournaled(PendingRewrite::Kind kind, const QString &from, const QString &to)
+{
+    const PendingRewrite rewrite{kind, from, to, platform::StagedWrites::newTag()};
+    runJournaled(rewrite, beginRewrite(rewrite));
 }
 
 } // namespace
@@ -56,18 +66,23 @@ bool isLinkBearing(const QString &path)
     return kinds.contains(store::lowerCasedExtension(path));
 }
 
-void adjustLinksAndBacklinksNow(const QString &from, const QString &to)
+bool adjustLinksAndBacklinksNow(const QString &from, const QString &to, const QByteArray &tag)
 {
     const QString root = store::libraryRoot();
+    RewriteBatch batch(tag);
+    batch.renameLinks(to, from, to);
+    for (const QString &linker : backlinksOf(to))
+        batch.renameLinks(root + linker, from, to);
+    if (!batch.commit())
+        return false;
+    // The backlink lists change once the documents hold their new text.
     if (QFileInfo::exists(store::propertiesFilePath(to)))
         setReferencedPath(to, store::tl_normalizedPath(to));
-    tl_renameLinksInDocumentFrom(to, from, to);
-    for (const QString &linker : backlinksOf(to))
-        tl_renameLinksInDocumentFrom(root + linker, from, to);
     if (!isLinkBearing(to))
-        return;
+        return true;
     for (const QString &referenced : tl_verifiedArrayOfReferencedDocuments(to))
         tl_changeBacklinkFrom(referenced, from, to);
+    return true;
 }
 
 void tl_adjustLinksAndBacklinksAfterRenameFrom(const QString &from, const QString &to)
@@ -78,16 +93,19 @@ void tl_adjustLinksAndBacklinksAfterRenameFrom(const QString &from, const QStrin
                 .arg(from, to));
         return;
     }
-    runJournaled(PendingRewrite::Kind::Document, from, to,
-                 [from, to] { adjustLinksAndBacklinksNow(from, to); });
+    runJournaled(PendingRewrite::Kind::Document, from, to);
 }
 
-void renameAllLinksNow(const QString &from, const QString &to)
+bool renameAllLinksNow(const QString &from, const QString &to, const QByteArray &tag)
 {
     QElapsedTimer timer;
     timer.start();
     const QString root = store::libraryRoot();
+    RewriteBatch batch(tag);
     QStringList documents;
+    // Each moved item's new backlink list, stored once the documents are
+    // rewritten: until then its mismatch tells a resumed run where to look.
+    QList<std::pair<QString, QStringList>> backlinkLists;
     int items = 0;
     const auto visit = [&](const WalkEntry &entry) {
         if (isSkippedByLinkWalks(entry.path))
@@ -104,27 +122,33 @@ void renameAllLinksNow(const QString &from, const QString &to)
             QString linker = root + backlink;
             if (isAtOrBelow(linker, from)) {
                 linker = replacingPrefix(linker, from, to);
-                tl_renameLinksInDocumentFrom(linker, from, to);
+                batch.renameLinks(linker, from, to);
             } else if (oldExists) {
                 continue;
             } else {
-                tl_renameLinksInDocumentFrom(linker, old, entry.path);
+                batch.renameLinks(linker, old, entry.path);
             }
             handled.append(store::tl_normalizedPath(linker));
         }
-        if (handled.isEmpty())
-            tl_removeBacklinks(entry.path);
-        else
-            setBacklinks(entry.path, handled);
+        backlinkLists.append({entry.path, handled});
         return true;
     };
     // The book itself may be linked to as well.
     visit({to, true});
     walkTree(to, visit);
+    for (const QString &document : documents)
+        batch.renameLinks(document, replacingPrefix(document, to, from), document);
+    if (!batch.commit())
+        return false;
+    for (const auto &[item, backlinks] : backlinkLists) {
+        if (backlinks.isEmpty())
+            tl_removeBacklinks(item);
+        else
+            setBacklinks(item, backlinks);
+    }
     for (const QString &document : documents) {
         const QString old = replacingPrefix(document, to, from);
         const bool oldExists = exists(old);
-        tl_renameLinksInDocumentFrom(document, old, document);
         for (const QString &referenced : tl_verifiedArrayOfReferencedDocuments(document)) {
             if (oldExists)
                 tl_addBacklink(referenced, document);
@@ -135,11 +159,12 @@ void renameAllLinksNow(const QString &from, const QString &to)
     logLine(QStringLiteral("***** updated references in %1 items in %2")
                 .arg(items)
                 .arg(double(timer.elapsed()) / 1000));
+    return true;
 }
 
 void tl_renameAllLinksFrom(const QString &from, const QString &to)
 {
-    runJournaled(PendingRewrite::Kind::Book, from, to, [from, to] { renameAllLinksNow(from, to); });
+    runJournaled(PendingRewrite::Kind::Book, from, to);
 }
 
 void tl_askToAdjustLinksAndBacklinksAfterRenameFrom(const QString &from, const QString &to)
@@ -165,17 +190,10 @@ QStringList finishInterruptedRewrites()
 {
     QStringList report;
     for (const auto &[note, rewrite] : unfinishedRewrites()) {
-        const bool book = rewrite.kind == PendingRewrite::Kind::Book;
         report << QStringLiteral("finishing an interrupted link rewrite after the move of %1 to %2")
                       .arg(rewrite.from, rewrite.to);
         logLine(report.last());
-        SerialQueue::main().post([note, rewrite, book] {
-            if (book)
-                renameAllLinksNow(rewrite.from, rewrite.to);
-            else
-                adjustLinksAndBacklinksNow(rewrite.from, rewrite.to);
-            finishRewrite(note);
-        });
+        runJournaled(rewrite, note);
     }
     return report;
 }

@@ -18,9 +18,11 @@ void tl_renameAllLinksFrom(const QString &from, const QString &to);
 // references, and does what the answer says.
 void tl_askToAdjustLinksAndBacklinksAfterRenameFrom(const QString &from, const QString &to);
 
-// The same work, done at once on the calling thread.
-void adjustLinksAndBacklinksNow(const QString &from, const QString &to);
-void renameAllLinksNow(const QString &from, const QString &to);
+// The same work, done at once on the calling thread, the documents written
+// together as one batch whose temporary files carry `tag` (empty: a fresh
+// one). False when the batch must run again (see RewriteBatch::commit).
+bool adjustLinksAndBacklinksNow(const QString &from, const QString &to, const QByteArray &tag = {});
+bool renameAllLinksNow(const QString &from, const QString &to, const QByteArray &tag = {});
 
 // Finishes the rewrites a crash interrupted (on the serial queue); answers
 // one line for each, to report.

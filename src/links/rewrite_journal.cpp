@@ -35,7 +35,8 @@ QString beginRewrite(const PendingRewrite &rewrite)
     store::writePlistFile(note,
                           QVariantMap{{"kind", QLatin1String(kindName(rewrite.kind))},
                                       {"from", rewrite.from},
-                                      {"to", rewrite.to}},
+                                      {"to", rewrite.to},
+                                      {"tag", QString::fromLatin1(rewrite.tag)}},
                           true);
     return note;
 }
@@ -58,6 +59,7 @@ QList<std::pair<QString, PendingRewrite>> unfinishedRewrites()
                                                                  : PendingRewrite::Kind::Document;
         rewrite.from = entry.value("from").toString();
         rewrite.to = entry.value("to").toString();
+        rewrite.tag = entry.value("tag").toString().toLatin1();
         pending.append({note, rewrite});
     }
     return pending;

@@ -1,11 +1,11 @@
 #include "platform/file_ops.h"
 
 #include "platform/detail/sys.h"
+#include "platform/detail/temporary_file.h"
 #include "platform/detail/xattr_copy.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QRandomGenerator>
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -68,50 +68,6 @@ bool closeKeepingError(int fd, bool ok)
     if (!ok)
         errno = saved;
     return ok && closed;
-}
-
-// A write lands on the target of a symbolic link so that the link stays.
-QByteArray writeTarget(const QByteArray &path)
-{
-    struct stat st;
-    if (::lstat(path.constData(), &st) == 0 && S_ISLNK(st.st_mode)) {
-        if (char *resolved = ::realpath(path.constData(), nullptr)) {
-            QByteArray target(resolved);
-            std::free(resolved);
-            return target;
-        }
-    }
-    return path;
-}
-
-// The temporary file of an atomic write: "." + name + "." + base-36 number + ".tmp".
-constexpr char kAtomicWritePrefix[] = ".";
-constexpr char kAtomicWriteSuffix[] = ".tmp";
-
-struct TempFile
-{
-    QByteArray path;
-    int fd = -1;
-};
-
-// A new file beside target, made with the usual mode under the umask.
-std::optional<TempFile> createTempBeside(const QByteArray &target)
-{
-    const QByteArray folder = parentOf(target);
-    // Leave room for the suffix within the usual 255-byte name limit.
-    const QByteArray name = target.mid(target.lastIndexOf('/') + 1).left(200);
-    for (int attempt = 0; attempt < 100; ++attempt) {
-        const QByteArray candidate =
-            childOf(folder, kAtomicWritePrefix + name + "." +
-                                QByteArray::number(QRandomGenerator::global()->generate(), 36) +
-                                kAtomicWriteSuffix);
-        const int fd = ::open(candidate.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (fd >= 0)
-            return TempFile{candidate, fd};
-        if (errno != EEXIST)
-            return std::nullopt;
-    }
-    return std::nullopt;
 }
 
 // rename(2) that never replaces an existing item.
@@ -315,7 +271,7 @@ bool makeFolder(const QString &path)
 
 bool isAtomicWriteTemporary(const QString &fileName)
 {
-    const QLatin1String prefix(kAtomicWritePrefix), suffix(kAtomicWriteSuffix);
+    const QLatin1String prefix(detail::kTemporaryPrefix), suffix(detail::kTemporarySuffix);
     if (!fileName.startsWith(prefix) || !fileName.endsWith(suffix))
         return false;
     const QStringView middle =
@@ -337,27 +293,13 @@ bool writeThroughTemporary(const QString &path, const QByteArray &data, bool dur
     const QByteArray requested = absoluteNative(path);
     if (!makeFolder(QFile::decodeName(parentOf(requested))))
         return false;
-    const QByteArray target = writeTarget(requested);
-    struct stat old;
-    const bool replacing = ::stat(target.constData(), &old) == 0;
-    if (replacing && !S_ISREG(old.st_mode)) {
-        spdlog::warn("Cannot write {}: not a file", utf8(target));
-        return false;
-    }
-    const std::optional<TempFile> temp = createTempBeside(target);
+    const QByteArray target = detail::writeTarget(requested);
+    const std::optional<detail::TemporaryFile> temp = detail::writeTemporaryBeside(target, data);
     if (!temp) {
         spdlog::warn("Cannot write {}: {}", utf8(target), systemError(errno));
         return false;
     }
-    bool ok = writeAll(temp->fd, data.constData(), data.size());
-    if (ok && replacing) {
-        ok = detail::copyUserAttributes(target, temp->path, false) &&
-             ::fchmod(temp->fd, old.st_mode & 07777) == 0;
-        // Keeping the owner only works with the privilege to do so.
-        if (ok && (old.st_uid != ::geteuid() || old.st_gid != ::getegid()))
-            (void)!::fchown(temp->fd, old.st_uid, old.st_gid);
-    }
-    ok = ok && (!durable || ::fsync(temp->fd) == 0);
+    bool ok = !durable || ::fsync(temp->fd) == 0;
     ok = closeKeepingError(temp->fd, ok);
     ok = ok && ::rename(temp->path.constData(), target.constData()) == 0;
     if (!ok) {

@@ -180,7 +180,7 @@ TEST_F(RenamePropagation, ARewriteInterruptedByACrashIsFinishedAtTheNextStart)
     // rewrite: one linker done, one not.
     QFile::rename(inRoot("A/x.md"), inRoot("A/y.md"));
     QFile::rename(inRoot("A/x.md.plist"), inRoot("A/y.md.plist"));
-    beginRewrite({PendingRewrite::Kind::Document, inRoot("A/x.md"), inRoot("A/y.md")});
+    beginRewrite({PendingRewrite::Kind::Document, inRoot("A/x.md"), inRoot("A/y.md"), {}});
     tltest::writeFile(inRoot("B/z.md"), "[x](../A/y.md)");
 
     EXPECT_EQ(finishInterruptedRewrites().size(), 1);
