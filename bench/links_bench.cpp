@@ -194,7 +194,7 @@ int main(int argc, char **argv)
                         "of 100", 15);
     reporter.printRatio("BM_MoveBookLinkedFrom1000", "BM_WriteLinkersWithOneSync",
                         "move of a book 1,000 documents link into",
-                        "writing those documents once with one sync", 4);
+                        "writing those documents once with one sync", 2);
     reporter.printLimit("BM_MoveBookLinkedFrom1000", "move of a book 1,000 documents link into",
                         500);
 }

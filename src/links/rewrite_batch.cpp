@@ -23,94 +23,107 @@ void logMoves(const QString &document, const QList<std::pair<QString, QString>> 
 
 } // namespace
 
-RewriteBatch::RewriteBatch(const QByteArray &tag) : writes_(tag)
+RewriteBatch::RewriteBatch(const QByteArray &tag, qsizetype heldLimit)
+    : tag_(tag.isEmpty() ? platform::StagedWrites::newTag() : tag), heldLimit_(heldLimit)
 {
 }
 
-RewriteBatch::Document *RewriteBatch::documentAt(const QString &path)
+std::optional<RewriteBatch::Document> RewriteBatch::read(const QString &path)
 {
-    // One entry for each file, however its path was spelt.
-    const QString canonical = QFileInfo(path).canonicalFilePath();
-    const QString key = canonical.isEmpty() ? path : canonical;
-    auto found = documents_.find(key);
-    if (found == documents_.end()) {
-        std::optional<Document> document;
-        const auto lock = lockPath(path);
-        const std::optional<QByteArray> bytes = platform::readFile(path);
-        const std::optional<store::DecodedText> decoded =
-            bytes ? store::decodedTextOfUnknownEncoding(*bytes) : std::nullopt;
-        const std::optional<QByteArray> encoded =
-            decoded ? store::encodedText(decoded->text, decoded->encoding) : std::nullopt;
-        if (encoded)
-            document = Document{path, *bytes, decoded->encoding, decoded->text, *encoded, {}};
-        found = documents_.insert(key, document);
-        order_.append(key);
-    }
-    return found->has_value() ? &**found : nullptr;
+    const auto lock = lockPath(path);
+    const std::optional<QByteArray> bytes = platform::readFile(path);
+    const std::optional<store::DecodedText> decoded =
+        bytes ? store::decodedTextOfUnknownEncoding(*bytes) : std::nullopt;
+    const std::optional<QByteArray> encoded =
+        decoded ? store::encodedText(decoded->text, decoded->encoding) : std::nullopt;
+    if (!encoded)
+        return std::nullopt;
+    return Document{path, *bytes, decoded->encoding, decoded->text, *encoded, {}};
 }
 
 bool RewriteBatch::renameLinks(const QString &path, const QString &from, const QString &to)
 {
-    Document *document = documentAt(path);
+    if (failed_)
+        return false;
+    // One entry for each file, however its path was spelt.
+    const QString canonical = QFileInfo(path).canonicalFilePath();
+    const QString key = canonical.isEmpty() ? path : canonical;
+    const auto held = changed_.find(key);
+    std::optional<Document> fresh = held == changed_.end() ? read(path) : std::nullopt;
+    Document *document = held != changed_.end() ? &*held : fresh ? &*fresh : nullptr;
     if (!document || from.isEmpty() || to.isEmpty()) {
         logLine(QStringLiteral("have no text for %1").arg(path));
         return false;
     }
     const QString changed = textWithLinksRenamed(document->text, document->path, from, to);
     const std::optional<QByteArray> bytes = store::encodedText(changed, document->encoding);
-    if (!bytes || *bytes == document->bytes)
+    if (!bytes || *bytes == document->bytes) {
+        if (fresh)
+            unchanged_.insert(path);
         return false;
+    }
+    held_ += bytes->size() - document->bytes.size() + (changed.size() - document->text.size()) * 2;
     document->text = changed;
     document->bytes = *bytes;
     document->moves.append({from, to});
+    if (fresh) {
+        held_ += fresh->original.size() + fresh->bytes.size() + fresh->text.size() * 2;
+        changed_.insert(key, std::move(*fresh));
+        order_.append(key);
+    }
+    if (held_ > heldLimit_)
+        failed_ = !commitHeld();
     return true;
 }
 
-bool RewriteBatch::replaceIfUnchanged(const Document &document)
+bool RewriteBatch::replaceIfUnchanged(platform::StagedWrites &writes, const Document &document)
 {
     const auto lock = lockPath(document.path);
     if (platform::readFile(document.path) != document.original) {
-        writes_.discard(document.path);
+        writes.discard(document.path);
         return false;
     }
-    if (writes_.replace(document.path))
+    if (writes.replace(document.path))
         logMoves(document.path, document.moves);
-    else if (!writes_.interrupted())
+    else if (!writes.interrupted())
         logLine(QStringLiteral("renaming links failed in %1").arg(document.path));
     return true;
 }
 
 bool RewriteBatch::commit()
 {
+    return !failed_ && commitHeld();
+}
+
+bool RewriteBatch::commitHeld()
+{
+    platform::StagedWrites writes(tag_);
+    // What an interrupted run left beside a document that needs no change now.
+    for (const QString &path : std::as_const(unchanged_))
+        writes.discardLeftover(path);
     QList<const Document *> staged;
     for (const QString &key : std::as_const(order_)) {
-        const std::optional<Document> &document = *documents_.constFind(key);
-        if (!document)
-            continue;
-        if (document->moves.isEmpty())
-            writes_.discardLeftover(document->path);
-        else if (writes_.stage(document->path, document->bytes))
-            staged.append(&*document);
-        else if (writes_.interrupted())
+        const Document &document = *changed_.constFind(key);
+        if (writes.stage(document.path, document.bytes))
+            staged.append(&document);
+        else if (writes.interrupted())
             return false;
         else
-            logLine(QStringLiteral("renaming links failed in %1").arg(document->path));
+            logLine(QStringLiteral("renaming links failed in %1").arg(document.path));
     }
-    if (!writes_.sync())
+    if (!writes.sync())
         return false;
     // Each rename frees the replaced file's blocks, a wait on the disk: a few
     // at a time, those waits overlap.
     QList<const Document *> changedMeanwhile;
     std::mutex changedMutex;
     forEachConcurrently(staged.size(), kConcurrentRenames, [&](qsizetype i) {
-        if (!replaceIfUnchanged(*staged[i])) {
+        if (!replaceIfUnchanged(writes, *staged[i])) {
             const std::lock_guard lock(changedMutex);
             changedMeanwhile.append(staged[i]);
         }
     });
-    if (writes_.interrupted())
-        return false;
-    if (!writes_.syncReplacements())
+    if (writes.interrupted() || !writes.syncReplacements())
         return false;
     // Someone else's text wins; the links in it still follow the move.
     for (const Document *document : std::as_const(changedMeanwhile)) {
@@ -119,6 +132,10 @@ bool RewriteBatch::commit()
         for (const auto &[from, to] : document->moves)
             tl_renameLinksInDocumentFrom(document->path, from, to);
     }
+    changed_.clear();
+    order_.clear();
+    unchanged_.clear();
+    held_ = 0;
     return true;
 }
 

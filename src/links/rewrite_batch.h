@@ -5,6 +5,7 @@
 
 #include <QHash>
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <optional>
@@ -14,15 +15,17 @@
 // move that touches a thousand documents waits for the disk twice, not a
 // thousand times. A document that someone else changed between its reading
 // and its replacement is not overwritten: its rewrites run again on its new
-// text.
+// text. Only changed documents are held, and once they pass a size they are
+// written as a part of the batch, so a move of a huge book stays in bounds.
 namespace tl::links {
 
 class RewriteBatch
 {
 public:
     // `tag` names the temporaries; a batch that runs again after a crash
-    // passes the one it had. Empty: a fresh one.
-    explicit RewriteBatch(const QByteArray &tag);
+    // passes the one it had. Empty: a fresh one. `heldLimit` is the size in
+    // bytes of the changed texts held before a part is written.
+    explicit RewriteBatch(const QByteArray &tag, qsizetype heldLimit = 64 << 20);
 
     // tl_renameLinksInDocumentFrom on the document's text as this batch holds
     // it; nothing is written yet. Answers whether the text changed.
@@ -41,13 +44,19 @@ private:
         QByteArray bytes; // the text encoded
         QList<std::pair<QString, QString>> moves;
     };
-    Document *documentAt(const QString &path);
-    bool replaceIfUnchanged(const Document &document);
+    static std::optional<Document> read(const QString &path);
+    bool commitHeld();
+    bool replaceIfUnchanged(platform::StagedWrites &writes, const Document &document);
 
-    platform::StagedWrites writes_;
-    // By canonical path, in the order first read; nothing for an unreadable one.
-    QHash<QString, std::optional<Document>> documents_;
+    QByteArray tag_;
+    qsizetype heldLimit_;
+    qsizetype held_ = 0;
+    bool failed_ = false;
+    // Changed documents by canonical path, in the order first changed.
+    QHash<QString, Document> changed_;
     QStringList order_;
+    // Documents read and left as they were.
+    QSet<QString> unchanged_;
 };
 
 } // namespace tl::links

@@ -3,6 +3,7 @@
 #include "links/backlinks.h"
 #include "links/link_jobs.h"
 #include "links/rename_propagation.h"
+#include "links/rewrite_batch.h"
 #include "links/rewrite_journal.h"
 #include "platform/staged_writes.h"
 #include "store/item_operations.h"
@@ -148,6 +149,16 @@ TEST_F(BookMoveBatch, AnEditAfterACrashIsKeptByTheRunThatFinishes)
     EXPECT_EQ(text("C/l0.md"), "mine [x](../E/B/x.md)");
     EXPECT_EQ(text("D/l2.md"), "[[../E/B/x.md]]");
     EXPECT_EQ(temporaries(), QStringList());
+}
+
+TEST_F(BookMoveBatch, PastItsSizeLimitABatchIsWrittenInParts)
+{
+    RewriteBatch batch({}, 1);
+    EXPECT_TRUE(batch.renameLinks(inRoot("C/l0.md"), inRoot("A/B"), inRoot("E/B")));
+    EXPECT_EQ(text("C/l0.md"), kLinkers[0].after);
+    EXPECT_TRUE(batch.renameLinks(inRoot("C/l1.md"), inRoot("A/B"), inRoot("E/B")));
+    EXPECT_TRUE(batch.commit());
+    EXPECT_EQ(text("C/l1.md"), kLinkers[1].after);
 }
 
 } // namespace
