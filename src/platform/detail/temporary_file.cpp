@@ -63,7 +63,7 @@ std::optional<TemporaryFile> writeTemporaryBeside(const QByteArray &target, cons
     struct stat old;
     const bool replacing = ::stat(target.constData(), &old) == 0;
     if (replacing && !S_ISREG(old.st_mode)) {
-        errno = EISDIR;
+        errno = S_ISDIR(old.st_mode) ? EISDIR : EINVAL;
         return std::nullopt;
     }
     std::optional<TemporaryFile> temp = openTemporary(target, tag);
