@@ -15,6 +15,7 @@
 #include "foundation/path_string.h"
 #include "foundation/regex.h"
 #include "foundation/scheduler.h"
+#include "links/path_lock.h"
 #include "platform/alerts.h"
 #include "platform/file_ops.h"
 #include "platform/settings.h"
@@ -260,15 +261,22 @@ bool TLKSDocumentViewController::saveExistingDocument(const QString &text)
     } else if (isHTMLKind(path) && !text.contains(u"<head>")) {
         contents = convert::tl_createFormattedDocWithBody(path, text);
     }
-    store::WriteError error = store::WriteError::None;
-    bool written = store::tl_writeToFile(contents, path, false, stringEncoding, &error);
-    if (!written && error == store::WriteError::Unencodable &&
-        stringEncoding != store::TextEncoding::UTF8) {
-        // A character the old encoding lacks: the document becomes UTF-8.
-        written = store::tl_writeToFile(contents, path, false, store::TextEncoding::UTF8, &error);
-        if (written) {
-            stringEncoding = store::TextEncoding::UTF8;
-            logLine(QStringLiteral("Converted to UTF8"));
+    bool written = false;
+    {
+        // A link rewrite reads, checks and replaces this file under the same
+        // lock: it never reads a half-written text nor replaces a newer one.
+        const auto lock = links::lockPath(path);
+        store::WriteError error = store::WriteError::None;
+        written = store::tl_writeToFile(contents, path, false, stringEncoding, &error);
+        if (!written && error == store::WriteError::Unencodable &&
+            stringEncoding != store::TextEncoding::UTF8) {
+            // A character the old encoding lacks: the document becomes UTF-8.
+            written =
+                store::tl_writeToFile(contents, path, false, store::TextEncoding::UTF8, &error);
+            if (written) {
+                stringEncoding = store::TextEncoding::UTF8;
+                logLine(QStringLiteral("Converted to UTF8"));
+            }
         }
     }
     if (!written) {
