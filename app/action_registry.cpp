@@ -140,6 +140,14 @@ QString labelTitle(const QString &name)
 
 } // namespace
 
+QKeySequence defaultShortcut(ActionId id)
+{
+    for (const ActionSpec &spec : specs())
+        if (spec.id == id)
+            return spec.shortcut;
+    return {};
+}
+
 ActionRegistry::ActionRegistry(QUndoStack *undoStack, QObject *parent) : QObject(parent)
 {
     for (const ActionSpec &spec : specs()) {

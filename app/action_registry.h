@@ -79,6 +79,9 @@ enum class ActionId {
     Paste,
 };
 
+// The action's shortcut, for windows other than the main one that offer it.
+QKeySequence defaultShortcut(ActionId id);
+
 class ActionRegistry : public QObject
 {
     Q_OBJECT

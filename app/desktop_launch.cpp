@@ -2,6 +2,7 @@
 
 #include "browser/event_bridge.h"
 #include "browser/search_index_keeper.h"
+#include "document_window.h"
 #include "document_windows.h"
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
@@ -94,8 +95,10 @@ void DesktopLaunch::openItems(const QStringList &paths)
     for (const QString &path : paths) {
         if (showInOpenWindow(path))
             continue;
-        if (root.isEmpty() || !path.startsWith(root + u'/'))
+        if (root.isEmpty() || !path.startsWith(root + u'/')) {
+            openInExtraWindow(path);
             continue;
+        }
         bringToFront();
         NotificationCenter::defaultCenter().post(events::ShowItemAtPath, {{"path", path}});
     }

@@ -24,14 +24,6 @@ QList<QPointer<DocumentPane>> &panes()
     return list;
 }
 
-void bringToFront(QWidget *window)
-{
-    window->show();
-    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
-    window->raise();
-    window->activateWindow();
-}
-
 // As a paste at the caret: one undo step, the save timer started.
 void insertIntoPlainText(PlainTextView *view, const QString &text)
 {
@@ -45,6 +37,14 @@ void insertIntoPlainText(PlainTextView *view, const QString &text)
 }
 
 } // namespace
+
+void bringToFront(QWidget *window)
+{
+    window->show();
+    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+    window->raise();
+    window->activateWindow();
+}
 
 void addDocumentPane(DocumentPane *pane)
 {

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+class QWidget;
+
 // The windows that show documents: the main window's document view and the
 // small windows beside it (quick entry). Requests from outside ask them for
 // the document they name and for the window in front.
@@ -9,6 +11,8 @@ namespace tl::app {
 
 class DocumentPane;
 
+// Shows the window, not minimised, above the others and active.
+void bringToFront(QWidget *window);
 // Counts the pane among the document windows until it is destroyed.
 void addDocumentPane(DocumentPane *pane);
 // The pane that shows the document (an anchor behind it is ignored), other

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "document_window.h"
 
 class QLabel;
 
@@ -9,23 +9,15 @@ class QLabel;
 // title; the document is saved as the user types, on Save and on closing.
 namespace tl::app {
 
-class DocumentPane;
-
-class QuickEntryWindow : public QWidget
+class QuickEntryWindow : public DocumentWindow
 {
     Q_OBJECT
 public:
     explicit QuickEntryWindow(QWidget *parent = nullptr);
 
-    DocumentPane *documentPane() const { return m_document; }
-
-protected:
-    void closeEvent(QCloseEvent *event) override;
-
 private:
-    void updateTitle();
+    void updateWhere();
 
-    DocumentPane *m_document;
     QLabel *m_where;
 };
 

@@ -231,7 +231,7 @@ bool DocumentPane::canToggleView() const
 {
     const int view = m_controller->viewThatIsVisible;
     return (view == browser::PlainTextView || view == browser::FormattedView) &&
-           !m_controller->toggleTitle.isEmpty();
+           m_controller->viewToggles;
 }
 
 } // namespace tl::app

@@ -43,7 +43,7 @@ void TLKSDocumentViewController::noteEmbeddedContexts(const QString &text)
 void TLKSDocumentViewController::keepContextsInStep(const QString &savedText)
 {
     const bool formatted = viewThatIsVisible == FormattedView;
-    if (path.isEmpty() || !contexts::contextsExtractedAutomatically() ||
+    if (!documentIsInLibrary() || !contexts::contextsExtractedAutomatically() ||
         !savesContextsOf(path, formatted))
         return;
     const contexts::TagSet found = contexts::tl_extractTagsFromString(

@@ -11,13 +11,16 @@ namespace tl::browser {
 
 void TLKSDocumentViewController::assignBacklinksOnShow()
 {
-    referencedDocuments = !path.isEmpty() && links::isLinkBearing(path) && QFileInfo::exists(path)
-                              ? links::tl_refreshBacklinksForReferencedDocuments(path)
-                              : QStringList();
+    referencedDocuments =
+        documentIsInLibrary() && links::isLinkBearing(path) && QFileInfo::exists(path)
+            ? links::tl_refreshBacklinksForReferencedDocuments(path)
+            : QStringList();
 }
 
 void TLKSDocumentViewController::followLinksAfterSave(const QString &originalPath)
 {
+    if (!documentIsInLibrary())
+        return;
     const bool renamed = !originalPath.isEmpty() && originalPath != path;
     referencedDocuments =
         links::backlinksAfterSave(path, referencedDocuments, renamed ? originalPath : QString());

@@ -261,18 +261,21 @@ bool TLKSDocumentViewController::saveExistingDocument(const QString &text)
     } else if (isHTMLKind(path) && !text.contains(u"<head>")) {
         contents = convert::tl_createFormattedDocWithBody(path, text);
     }
+    // A file from elsewhere may be the only copy of its text: it is replaced
+    // through a temporary file, so a failed write leaves it as it was.
+    const bool throughTemporary = !documentIsInLibrary();
     bool written = false;
     {
         // A link rewrite reads, checks and replaces this file under the same
         // lock: it never reads a half-written text nor replaces a newer one.
         const auto lock = links::lockPath(path);
         store::WriteError error = store::WriteError::None;
-        written = store::tl_writeToFile(contents, path, false, stringEncoding, &error);
+        written = store::tl_writeToFile(contents, path, throughTemporary, stringEncoding, &error);
         if (!written && error == store::WriteError::Unencodable &&
             stringEncoding != store::TextEncoding::UTF8) {
             // A character the old encoding lacks: the document becomes UTF-8.
-            written =
-                store::tl_writeToFile(contents, path, false, store::TextEncoding::UTF8, &error);
+            written = store::tl_writeToFile(contents, path, throughTemporary,
+                                            store::TextEncoding::UTF8, &error);
             if (written) {
                 stringEncoding = store::TextEncoding::UTF8;
                 logLine(QStringLiteral("Converted to UTF8"));

@@ -197,7 +197,8 @@ void TLKSDocumentViewController::showDocument()
         m_state->decision = decideView(path, presentingToggledView);
     }
     viewThatIsVisible = m_state->decision.view;
-    toggleTitle = m_state->decision.toggles ? m_state->decision.toggleTitle : QString();
+    viewToggles = m_state->decision.toggles;
+    toggleTitle = viewToggles ? m_state->decision.toggleTitle : QString();
     if (viewThatIsVisible == PlainTextView)
         loadPlainText();
     else if (viewThatIsVisible == FormattedView && !path.isEmpty())
@@ -212,6 +213,11 @@ void TLKSDocumentViewController::showDocument()
         store::tl_addToRecentItems(path);
     assignBacklinksOnShow();
     Q_EMIT documentShown();
+}
+
+bool TLKSDocumentViewController::documentIsInLibrary() const
+{
+    return !path.isEmpty() && store::tl_itemIsChildOfTavelle(path);
 }
 
 void TLKSDocumentViewController::loadPlainText()
@@ -232,8 +238,9 @@ void TLKSDocumentViewController::loadPlainText()
     plainText = text;
     m_state->loadedText = text;
     noteEmbeddedContexts(text);
-    titleIsFirstLineOfText = store::tl_stringMatchesFirstLineOfText(
-        path::deletingExtension(path::lastComponent(path)), text);
+    titleIsFirstLineOfText =
+        documentIsInLibrary() && store::tl_stringMatchesFirstLineOfText(
+                                     path::deletingExtension(path::lastComponent(path)), text);
 }
 
 void TLKSDocumentViewController::loadFormattedPage()

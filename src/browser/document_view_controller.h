@@ -92,8 +92,10 @@ public:
     // textDidChange.
     QString plainText;
     FormattedPage formattedPage;
-    // The label of the toggle: "Switch to formatted view", "Show HTML source
-    // code", or empty where there is no toggle.
+    // Plain text and formatted may swap for the document on show.
+    bool viewToggles = false;
+    // The label of the toggle where it has one of its own: "Switch to
+    // formatted view", "Show HTML source code"; empty otherwise.
     QString toggleTitle;
     DocumentLock lock = DocumentLock::None;
     bool isLocked() const { return lock != DocumentLock::None; }
@@ -205,6 +207,9 @@ Q_SIGNALS:
 private:
     struct State;
     void setWindowEdited(bool edited);
+    // A file from outside the library is only shown and edited: it keeps its
+    // name, and the library's tags and backlinks are not about it.
+    bool documentIsInLibrary() const;
     // The contexts the shown text holds that the item bears too, and after a
     // save the item's tags changed by what the text gained and lost.
     void noteEmbeddedContexts(const QString &text);

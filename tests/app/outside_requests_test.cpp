@@ -1,11 +1,13 @@
 // Requests from outside reaching the window: a show request for a document
 // already on show brings its window forward and goes to the anchor; the
 // quick entry saves a note into the inbox; inserted text lands in the shown
-// document.
+// document; a file from elsewhere is edited in a window of its own.
 #include "app_tests.h"
 #include "document/document_pane.h"
 #include "document/formatted_view.h"
 #include "document/plain_text_view.h"
+#include "document_window.h"
+#include "document_windows.h"
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
 #include "launch_requests.h"
@@ -19,7 +21,9 @@
 #include "window_fixture.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFileInfo>
+#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
@@ -103,6 +107,32 @@ private Q_SLOTS:
 
         entry->close();
         QCOMPARE(tltest::readFile(item("Inbox/Groceries.txt")), QByteArray("Groceries\nMilk"));
+    }
+
+    void aFileFromElsewhereIsEditedWhereItIsUnderItsOwnName()
+    {
+        QTemporaryDir elsewhere;
+        const QString file = elsewhere.filePath(QStringLiteral("Letter.txt"));
+        tltest::writeFile(file, "Letter\nDear Ann");
+        tl::app::DocumentWindow *window = tl::app::openInExtraWindow(file);
+        QCOMPARE(window->windowTitle(), QStringLiteral("Letter.txt[*] — Tavelle"));
+        tl::app::PlainTextView *editor = window->documentPane()->plainTextView();
+        QCOMPARE(editor->toPlainText(), QStringLiteral("Letter\nDear Ann"));
+        QVERIFY(tl::app::showInOpenWindow(file));
+
+        // In the library a new first line would rename the file, and no text
+        // at all would delete it.
+        editor->moveCursor(QTextCursor::Start);
+        QTest::keyClicks(editor, "My ");
+        apptest::WindowFixture::letTimersRun();
+        QCOMPARE(tltest::readFile(file), QByteArray("My Letter\nDear Ann"));
+        editor->selectAll();
+        QTest::keyClick(editor, Qt::Key_Delete);
+        window->close();
+        QCOMPARE(tltest::readFile(file), QByteArray());
+        // Its view state is not kept beside it, and no temporary file is left.
+        QCOMPARE(QDir(elsewhere.path()).entryList(QDir::Files | QDir::Hidden),
+                 QStringList{"Letter.txt"});
     }
 
     void insertedTextLandsInTheShownDocument()
