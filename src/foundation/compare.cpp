@@ -276,6 +276,9 @@ bool caseAndDiacriticInsensitiveContains(QStringView haystack, QStringView needl
 
 QString caseAndDiacriticFolded(QStringView s)
 {
+    // ASCII has no marks, and folding its case is lower-casing it.
+    if (std::all_of(s.cbegin(), s.cend(), [](QChar c) { return c.unicode() < 0x80; }))
+        return s.toString().toLower();
     return toQString(searchForm(s));
 }
 

@@ -2,7 +2,9 @@
 
 #include "foundation/compare.h"
 #include "foundation/path_string.h"
+#include "search/item_writer.h"
 #include "search/name_list.h"
+#include "search/read_item_queue.h"
 #include "search/searchable_items.h"
 #include "search/searchable_text.h"
 #include "search/sqlite_database.h"
@@ -11,26 +13,34 @@
 #include "store/log.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QMutex>
 #include <QtConcurrent>
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <mutex>
 #include <sys/stat.h>
+#include <thread>
 
 namespace tl::search {
 
 namespace {
 
+using detail::Change;
 using detail::Database;
+using detail::ItemWriter;
 using detail::NameList;
+using detail::ReadItem;
+using detail::ReadItemQueue;
 using detail::Statement;
 using detail::StoredStamps;
+using detail::WordsTable;
 
 // Raised whenever the tables change shape: an index of another shape is rebuilt.
-constexpr int kSchemaVersion = 2;
+constexpr int kSchemaVersion = 3;
 
 // Documents read per batch: one batch is read on the worker threads while the
 // one before is written.
@@ -43,10 +53,23 @@ CREATE TABLE IF NOT EXISTS items(
     name TEXT NOT NULL,
     modified INTEGER NOT NULL,
     size INTEGER NOT NULL);
-CREATE VIRTUAL TABLE IF NOT EXISTS content USING fts5(words, tokenize = 'ascii');
-PRAGMA user_version = 2;
+CREATE VIRTUAL TABLE IF NOT EXISTS built USING fts5(
+    words, tokenize = 'ascii', detail = none, content = '', columnsize = 0);
+CREATE VIRTUAL TABLE IF NOT EXISTS later USING fts5(
+    words, tokenize = 'ascii', detail = none, columnsize = 0);
+CREATE TABLE IF NOT EXISTS outdated(id INTEGER PRIMARY KEY);
+PRAGMA user_version = 3;
 )";
 
+// The tables say which items hold a word, not where: a phrase's items are
+// those holding all its words, then looked at again in their text.
+//
+// A build from nothing writes its words into `built`, which keeps no copy of
+// them and so is the quickest to fill, but cannot forget a row without being
+// told its words again. Items written after it go into `later`, which keeps
+// its words and can, and their ids into `outdated`: the rows of `built` for
+// those ids no longer count.
+//
 // The words are folded and joined by blanks before they are stored, and the
 // terms of a query alike, so the index splits them at blanks and nothing
 // more: ASCII's tokenizer does, taking every other character as part of a word.
@@ -56,22 +79,9 @@ PRAGMA user_version = 2;
 const char *const kBuildingPragmas = "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; "
                                      "PRAGMA locking_mode = EXCLUSIVE; PRAGMA cache_size = -262144";
 
-// An item to write: new ones have no id yet.
-struct Change
-{
-    ItemStamp stamp;
-    qint64 id = -1;
-};
-
-// An item read for the index: its stamp, its folded name, and its words
-// joined by blanks (nothing for an item without text).
-struct ReadItem
-{
-    ItemStamp stamp;
-    qint64 id;
-    QString name;
-    std::optional<QString> words;
-};
+// Words of a build held in memory before they are written: enough for a large
+// library to be written at once rather than in pieces merged afterwards.
+const char *const kBuildingWords = "INSERT INTO built(built, rank) VALUES('hashsize', 8388608)";
 
 // The range of paths below a folder, for "path >= ?1 AND path < ?2": the
 // character after "/" closes it.
@@ -92,9 +102,14 @@ std::optional<ItemStamp> stampOf(const QString &path)
                      isFolder ? 0 : qint64(st.st_size), isFolder};
 }
 
+// Items holding every word of a phrase, the last as a prefix.
 QString contentQuery(const QStringList &words)
 {
-    return u'"' + words.join(u' ') + QStringLiteral("\"*");
+    QStringList parts;
+    for (const QString &word : words)
+        parts << u'"' + word + u'"';
+    parts.last() += u'*';
+    return parts.join(QStringLiteral(" AND "));
 }
 
 } // namespace
@@ -135,7 +150,9 @@ struct SearchIndex::Private
             return false;
         if (found == kSchemaVersion)
             return true;
-        if (found != 0 && !db.exec("DROP TABLE IF EXISTS items; DROP TABLE IF EXISTS content"))
+        if (found != 0 && !db.exec("DROP TABLE IF EXISTS items; DROP TABLE IF EXISTS content; "
+                                   "DROP TABLE IF EXISTS built; DROP TABLE IF EXISTS later; "
+                                   "DROP TABLE IF EXISTS outdated"))
             return false;
         return db.exec(kSchema);
     }
@@ -163,7 +180,7 @@ struct SearchIndex::Private
     // Fills a new file with every item, then puts it in place of the empty
     // index; the writing lock held. A build cut short leaves only a file
     // that is never opened as the index.
-    bool buildFromNothing(const QList<Change> &items)
+    bool buildFromNothing()
     {
         const QString building = buildingPath();
         removeDatabase(building);
@@ -171,7 +188,8 @@ struct SearchIndex::Private
         {
             Database fresh;
             built = fresh.open(building) && fresh.exec(kBuildingPragmas) && fresh.exec(kSchema) &&
-                    write(fresh, items, {});
+                    fresh.exec(kBuildingWords) && fresh.exec("BEGIN") && writeEverything(fresh) &&
+                    fresh.exec("COMMIT");
         }
         QMutexLocker lock(&reading);
         if (built) {
@@ -184,6 +202,26 @@ struct SearchIndex::Private
         }
         removeDatabase(building);
         return openBoth() && built;
+    }
+
+    // Reads every item on the walkers while the one thread here writes those
+    // read so far, so reading, writing and the walk itself overlap.
+    bool writeEverything(Database &db)
+    {
+        ReadItemQueue queue;
+        const SearchableText text;
+        std::thread walking([&] {
+            forEachSearchableItemInParallel(root, [&](const EncodedItemStamp &item) {
+                queue.push(detail::readItem(text, Change{item.decoded()}));
+            });
+            queue.close();
+        });
+        ItemWriter items(db, WordsTable::Built);
+        for (std::vector<ReadItem> read = queue.takeAll(); !read.empty(); read = queue.takeAll())
+            for (const ReadItem &item : read)
+                items.store(item);
+        walking.join();
+        return db.failure() == 0;
     }
 
     // Opens the index, throwing away a damaged one.
@@ -199,6 +237,8 @@ struct SearchIndex::Private
     {
         writer.clearFailure();
         StoredStamps stored(writer, folder, folder == root);
+        if (folder == root && stored.isEmpty() && writer.failure() == 0)
+            return buildFromNothing();
         QList<Change> changed;
         std::mutex changing;
         const auto consider = [&](const EncodedItemStamp &item) {
@@ -216,8 +256,6 @@ struct SearchIndex::Private
             }
         }
         forEachSearchableItemInParallel(folder, consider);
-        if (folder == root && stored.isEmpty() && !changed.isEmpty())
-            return buildFromNothing(changed);
         return write(writer, changed, stored.unseen());
     }
 
@@ -227,53 +265,21 @@ struct SearchIndex::Private
             return db.failure() == 0;
         if (!db.exec("BEGIN IMMEDIATE"))
             return false;
-        Statement forgetContent(db, QStringLiteral("DELETE FROM content WHERE rowid = ?1"));
-        Statement forgetItem(db, QStringLiteral("DELETE FROM items WHERE id = ?1"));
-        for (qint64 id : gone) {
-            forgetContent.bind(1, id).run();
-            forgetItem.bind(1, id).run();
-        }
-        const SearchableText reader;
-        const auto readOne = [&reader](const Change &change) {
-            ReadItem item{change.stamp, change.id,
-                          caseAndDiacriticFolded(path::lastComponent(change.stamp.path)),
-                          std::nullopt};
-            if (!change.stamp.isFolder) {
-                if (std::optional<QString> text = reader.textOf(change.stamp.path))
-                    item.words = joinedSearchWords(*text);
-            }
-            return item;
+        ItemWriter items(db, WordsTable::Later);
+        for (qint64 id : gone)
+            items.forget(id);
+        const SearchableText text;
+        const auto readOne = [&text](const Change &change) {
+            return detail::readItem(text, change);
         };
-        Statement insert(db, QStringLiteral("INSERT INTO items(path, name, modified, size) "
-                                            "VALUES(?1, ?2, ?3, ?4)"));
-        Statement update(db, QStringLiteral("UPDATE items SET path = ?1, name = ?2, "
-                                            "modified = ?3, size = ?4 WHERE id = ?5"));
-        Statement storeContent(db,
-                               QStringLiteral("INSERT INTO content(rowid, words) VALUES(?1, ?2)"));
         const auto batch = [&changed](qsizetype at) { return changed.mid(at, kBatchSize); };
         QFuture<ReadItem> reading = QtConcurrent::mapped(batch(0), readOne);
         for (qsizetype at = 0; at < changed.size(); at += kBatchSize) {
-            const QList<ReadItem> items = reading.results();
+            const QList<ReadItem> read = reading.results();
             if (at + kBatchSize < changed.size())
                 reading = QtConcurrent::mapped(batch(at + kBatchSize), readOne);
-            for (const ReadItem &item : items) {
-                Statement &store = item.id < 0 ? insert : update;
-                store.bind(1, item.stamp.path)
-                    .bind(2, item.name)
-                    .bind(3, item.stamp.modified)
-                    .bind(4, item.stamp.size);
-                if (item.id >= 0)
-                    store.bind(5, item.id);
-                if (!store.run())
-                    continue;
-                qint64 id = item.id;
-                if (id < 0)
-                    id = db.lastInsertRowid();
-                else
-                    forgetContent.bind(1, id).run();
-                if (item.words)
-                    storeContent.bind(1, id).bind(2, *item.words).run();
-            }
+            for (const ReadItem &item : read)
+                items.store(item);
         }
         if (db.failure() != 0) {
             db.exec("ROLLBACK");
@@ -318,14 +324,41 @@ struct SearchIndex::Private
         return names;
     }
 
-    std::vector<qint64> contentMatches(const QStringList &words)
+    // The ids of the items holding every word, ascending.
+    std::vector<qint64> itemsWithWords(const QStringList &words)
     {
-        Statement rows(reader, QStringLiteral("SELECT rowid FROM content WHERE content MATCH ?1"));
+        Statement rows(reader,
+                       QStringLiteral("SELECT rowid FROM built WHERE built MATCH ?1 AND "
+                                      "rowid NOT IN (SELECT id FROM outdated) "
+                                      "UNION ALL SELECT rowid FROM later WHERE later MATCH ?1"));
         rows.bind(1, contentQuery(words));
         std::vector<qint64> ids;
         while (rows.step())
             ids.push_back(rows.integer(0));
         std::sort(ids.begin(), ids.end());
+        return ids;
+    }
+
+    // Those of the candidates, ascending, whose text holds the words in a row.
+    std::vector<qint64> itemsWithPhrase(const std::vector<qint64> &candidates,
+                                        const QStringList &words)
+    {
+        QList<std::pair<qint64, QString>> paths;
+        Statement pathOf(reader, QStringLiteral("SELECT path FROM items WHERE id = ?1"));
+        for (const qint64 id : candidates) {
+            if (pathOf.bind(1, id).step())
+                paths.append({id, pathOf.text(0)});
+            pathOf.reset();
+        }
+        const SearchableText text;
+        const QList<std::pair<qint64, QString>> found =
+            QtConcurrent::blockingFiltered(paths, [&](const std::pair<qint64, QString> &item) {
+                const std::optional<QString> itemText = text.textOf(item.second);
+                return itemText && wordsContainPhrase(searchWords(*itemText), words);
+            });
+        std::vector<qint64> ids;
+        for (const auto &item : found)
+            ids.push_back(item.first);
         return ids;
     }
 
@@ -336,8 +369,16 @@ struct SearchIndex::Private
         std::vector<qint64> byContent;
         if (field != Field::Content && !term.foldedText.isEmpty())
             byName = currentNames().idsContaining(term.foldedText);
-        if (field != Field::Name && !term.words.isEmpty())
-            byContent = contentMatches(term.words);
+        if (field != Field::Name && !term.words.isEmpty()) {
+            byContent = itemsWithWords(term.words);
+            if (term.words.size() > 1) {
+                // Items the name already finds need no look at their text.
+                std::vector<qint64> unnamed;
+                std::set_difference(byContent.cbegin(), byContent.cend(), byName.cbegin(),
+                                    byName.cend(), std::back_inserter(unnamed));
+                byContent = itemsWithPhrase(unnamed, term.words);
+            }
+        }
         std::vector<qint64> either;
         std::set_union(byName.cbegin(), byName.cend(), byContent.cbegin(), byContent.cend(),
                        std::back_inserter(either));

@@ -2,9 +2,11 @@
 
 #include "convert/html_to_text.h"
 #include "foundation/plist.h"
+#include "search/distinct_words.h"
 #include "store/document_file.h"
 #include "store/extensions.h"
 #include "store/pdf_document.h"
+#include "store/text_encoding.h"
 
 #include <QVariant>
 
@@ -96,6 +98,23 @@ std::optional<QString> SearchableText::textOf(const QString &path) const
         break;
     }
     return std::nullopt;
+}
+
+std::optional<std::string> SearchableText::distinctWordsOf(const QString &path) const
+{
+    if (kindOf(path, m_customPlainTextExtensions) != Kind::PlainText) {
+        const std::optional<QString> text = textOf(path);
+        return text ? std::optional(distinctSearchWords(*text)) : std::nullopt;
+    }
+    const std::optional<QByteArray> bytes = store::tl_dataWithContentsOfFile(path);
+    if (!bytes)
+        return std::nullopt;
+    // Bytes all in ASCII read as UTF-8 as they stand.
+    if (std::optional<std::string> words =
+            distinctASCIISearchWords(std::string_view(bytes->constData(), size_t(bytes->size()))))
+        return words;
+    const std::optional<store::DecodedText> decoded = store::decodedTextOfUnknownEncoding(*bytes);
+    return decoded ? std::optional(distinctSearchWords(decoded->text)) : std::nullopt;
 }
 
 } // namespace tl::search

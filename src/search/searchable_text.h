@@ -3,6 +3,7 @@
 #include <QSet>
 #include <QString>
 #include <optional>
+#include <string>
 
 // The text a search finds in a file, by its kind.
 namespace tl::search {
@@ -17,6 +18,9 @@ public:
     SearchableText();
     bool hasText(const QString &path) const;
     std::optional<QString> textOf(const QString &path) const;
+    // The distinct words of that text as the index keeps them: a plain-text
+    // file all in ASCII, the common case, is not decoded for it.
+    std::optional<std::string> distinctWordsOf(const QString &path) const;
 
 private:
     QSet<QString> m_customPlainTextExtensions;

@@ -87,6 +87,13 @@ Statement &Statement::bind(int index, const QString &text)
     return *this;
 }
 
+Statement &Statement::bind(int index, std::string_view utf8)
+{
+    if (m_statement)
+        sqlite3_bind_text(m_statement, index, utf8.data(), int(utf8.size()), SQLITE_STATIC);
+    return *this;
+}
+
 Statement &Statement::bind(int index, qint64 number)
 {
     if (m_statement)

@@ -47,6 +47,8 @@ public:
 
     Statement &bind(int index, const QString &text);
     Statement &bind(int index, qint64 number);
+    // Text in UTF-8 that stays as it is until the statement is next reset.
+    Statement &bind(int index, std::string_view utf8);
     // True while a row is there; false at the end and on failure.
     bool step();
     // Steps to the end, then resets for another run.

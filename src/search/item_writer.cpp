@@ -1,0 +1,74 @@
+#include "search/item_writer.h"
+
+#include "foundation/compare.h"
+#include "foundation/path_string.h"
+#include "search/searchable_text.h"
+
+namespace tl::search::detail {
+
+namespace {
+
+std::string_view utf8(const QByteArray &bytes)
+{
+    return {bytes.constData(), size_t(bytes.size())};
+}
+
+} // namespace
+
+ReadItem readItem(const SearchableText &reader, const Change &change)
+{
+    ReadItem item{change.stamp,
+                  change.id,
+                  change.stamp.path.toUtf8(),
+                  caseAndDiacriticFolded(path::lastComponent(change.stamp.path)).toUtf8(),
+                  {}};
+    if (!change.stamp.isFolder)
+        item.words = reader.distinctWordsOf(change.stamp.path).value_or(std::string());
+    return item;
+}
+
+ItemWriter::ItemWriter(Database &db, WordsTable table)
+    : m_db(db), m_table(table),
+      m_outdate(db, QStringLiteral("INSERT OR IGNORE INTO outdated(id) VALUES(?1)")),
+      m_forgetWords(db, QStringLiteral("DELETE FROM later WHERE rowid = ?1")),
+      m_forgetItem(db, QStringLiteral("DELETE FROM items WHERE id = ?1")),
+      m_insert(db, QStringLiteral("INSERT INTO items(path, name, modified, size) "
+                                  "VALUES(?1, ?2, ?3, ?4)")),
+      m_update(db, QStringLiteral("UPDATE items SET path = ?1, name = ?2, "
+                                  "modified = ?3, size = ?4 WHERE id = ?5")),
+      m_storeWords(db, table == WordsTable::Built
+                           ? QStringLiteral("INSERT INTO built(rowid, words) VALUES(?1, ?2)")
+                           : QStringLiteral("INSERT INTO later(rowid, words) VALUES(?1, ?2)"))
+{
+}
+
+void ItemWriter::forget(qint64 id)
+{
+    m_outdate.bind(1, id).run();
+    m_forgetWords.bind(1, id).run();
+    m_forgetItem.bind(1, id).run();
+}
+
+void ItemWriter::store(const ReadItem &item)
+{
+    Statement &store = item.id < 0 ? m_insert : m_update;
+    store.bind(1, utf8(item.path))
+        .bind(2, utf8(item.name))
+        .bind(3, item.stamp.modified)
+        .bind(4, item.stamp.size);
+    if (item.id >= 0)
+        store.bind(5, item.id);
+    if (!store.run())
+        return;
+    const qint64 id = item.id < 0 ? m_db.lastInsertRowid() : item.id;
+    if (m_table == WordsTable::Later) {
+        // A new item may take the id of one forgotten since the build.
+        m_outdate.bind(1, id).run();
+        if (item.id >= 0)
+            m_forgetWords.bind(1, id).run();
+    }
+    if (!item.words.empty())
+        m_storeWords.bind(1, id).bind(2, item.words).run();
+}
+
+} // namespace tl::search::detail

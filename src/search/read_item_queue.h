@@ -1,0 +1,30 @@
+#pragma once
+
+#include "search/item_writer.h"
+
+#include <condition_variable>
+#include <mutex>
+#include <vector>
+
+namespace tl::search::detail {
+
+// Items read on several threads, waiting for the one that writes them. A
+// reader waits while many wait already, so a slow writer holds back reading
+// rather than filling the memory.
+class ReadItemQueue
+{
+public:
+    void push(ReadItem item);
+    // No more items come.
+    void close();
+    // Every item waiting, after waiting for one; none once closed and empty.
+    std::vector<ReadItem> takeAll();
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::vector<ReadItem> m_waiting;
+    bool m_closed = false;
+};
+
+} // namespace tl::search::detail

@@ -1,0 +1,51 @@
+// What the index keeps of a text: each folded word once, the bytes of ASCII
+// text read without decoding them to the same words.
+#include "search/distinct_words.h"
+
+#include <QString>
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(DistinctWords, KeepEachFoldedWordOnceInFirstOrder)
+{
+    struct Case
+    {
+        const char *text;
+        const char *words;
+    };
+    const Case cases[] = {
+        {"Plan the plans, PLAN again; plan_b x2 X2", "plan the plans again b x2"},
+        {"Crème brûlée, CRÈME", "creme brulee"},
+        {"  \n\t", ""},
+        {"", ""},
+    };
+    for (const Case &c : cases)
+        EXPECT_EQ(tl::search::distinctSearchWords(QString::fromUtf8(c.text)), c.words) << c.text;
+}
+
+TEST(DistinctWords, ASCIIBytesGiveTheWordsOfTheirText)
+{
+    using namespace std::literals;
+    for (const std::string_view text : {"Plan the plans, PLAN again; plan_b x2 X2"sv, "a\0b"sv,
+                                        "..Zz-zZ.."sv, "tab\tend\r\nline"sv, "x"sv}) {
+        const std::optional<std::string> words = tl::search::distinctASCIISearchWords(text);
+        ASSERT_TRUE(words) << text;
+        EXPECT_EQ(*words, tl::search::distinctSearchWords(
+                              QString::fromLatin1(text.data(), qsizetype(text.size()))))
+            << text;
+    }
+    EXPECT_EQ(tl::search::distinctASCIISearchWords("caf\xC3\xA9"), std::nullopt);
+}
+
+TEST(DistinctWords, ManyWordsOutgrowTheFirstTable)
+{
+    QString text;
+    for (int i = 0; i < 1000; ++i)
+        text += QStringLiteral("%1 ").arg(i);
+    text += QStringLiteral("0 999");
+    const std::string words = tl::search::distinctSearchWords(text);
+    EXPECT_EQ(std::count(words.cbegin(), words.cend(), ' '), 999);
+}
+
+} // namespace
