@@ -23,7 +23,8 @@ ReadItem readItem(const SearchableText &reader, const Change &change)
                   caseAndDiacriticFolded(path::lastComponent(change.stamp.path)).toUtf8(),
                   {}};
     if (!change.stamp.isFolder)
-        item.words = reader.distinctWordsOf(change.stamp.path).value_or(std::string());
+        item.words =
+            reader.distinctWordsOf(change.stamp.path, change.stamp.size).value_or(std::string());
     return item;
 }
 

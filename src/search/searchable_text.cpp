@@ -8,7 +8,11 @@
 #include "store/pdf_document.h"
 #include "store/text_encoding.h"
 
+#include <QFile>
 #include <QVariant>
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace tl::search {
 
@@ -61,6 +65,28 @@ std::optional<QString> plainText(const QString &path)
     return std::move(decoded->text);
 }
 
+// The bytes of a file of the size it was found with, in one read: a file
+// that has grown since, or is no plain file, is read the careful way.
+std::optional<QByteArray> bytesOfFile(const QString &path, qint64 size)
+{
+    // No wait on a pipe that only looks like a document.
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0)
+        return std::nullopt;
+    QByteArray bytes(size + 1, Qt::Uninitialized);
+    ssize_t got = 0;
+    do
+        got = ::read(fd, bytes.data(), size_t(bytes.size()));
+    while (got < 0 && errno == EINTR);
+    ::close(fd);
+    if (got < 0)
+        return std::nullopt;
+    if (got > size)
+        return store::tl_dataWithContentsOfFile(path);
+    bytes.truncate(got);
+    return bytes;
+}
+
 } // namespace
 
 SearchableText::SearchableText() : m_customPlainTextExtensions(store::customPlaintextExtensions())
@@ -100,13 +126,13 @@ std::optional<QString> SearchableText::textOf(const QString &path) const
     return std::nullopt;
 }
 
-std::optional<std::string> SearchableText::distinctWordsOf(const QString &path) const
+std::optional<std::string> SearchableText::distinctWordsOf(const QString &path, qint64 size) const
 {
     if (kindOf(path, m_customPlainTextExtensions) != Kind::PlainText) {
         const std::optional<QString> text = textOf(path);
         return text ? std::optional(distinctSearchWords(*text)) : std::nullopt;
     }
-    const std::optional<QByteArray> bytes = store::tl_dataWithContentsOfFile(path);
+    const std::optional<QByteArray> bytes = bytesOfFile(path, size);
     if (!bytes)
         return std::nullopt;
     // Bytes all in ASCII read as UTF-8 as they stand.

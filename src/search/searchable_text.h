@@ -18,9 +18,10 @@ public:
     SearchableText();
     bool hasText(const QString &path) const;
     std::optional<QString> textOf(const QString &path) const;
-    // The distinct words of that text as the index keeps them: a plain-text
-    // file all in ASCII, the common case, is not decoded for it.
-    std::optional<std::string> distinctWordsOf(const QString &path) const;
+    // The distinct words of that text as the index keeps them, for a file
+    // found with this size: a plain-text file all in ASCII, the common case,
+    // is not decoded for it.
+    std::optional<std::string> distinctWordsOf(const QString &path, qint64 size) const;
 
 private:
     QSet<QString> m_customPlainTextExtensions;
