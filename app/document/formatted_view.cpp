@@ -120,6 +120,8 @@ FormattedView::FormattedView(QWidget *parent)
     });
     connect(m_bridge, &PageBridge::editedTo, this, &FormattedView::edited);
     connect(m_bridge, &PageBridge::doubleClickedAt, this, &FormattedView::doubleClicked);
+    connect(m_bridge, &PageBridge::sameDocumentLinkActivated, m_page,
+            &LibraryPage::sameDocumentLinkClicked);
 }
 
 void FormattedView::showPage(const browser::FormattedPage &page, const QString &documentPath,

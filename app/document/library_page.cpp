@@ -53,6 +53,12 @@ bool LibraryPage::acceptNavigationRequest(const QUrl &url, NavigationType type, 
     return false;
 }
 
+void LibraryPage::sameDocumentLinkClicked(const QUrl &url)
+{
+    // The engine has moved already; only what the link asks beyond that counts.
+    acceptNavigationRequest(url, NavigationTypeLinkClicked, true);
+}
+
 QWebEnginePage *LibraryPage::createWindow(WebWindowType)
 {
     return nullptr;

@@ -15,6 +15,9 @@ public:
     explicit LibraryPage(QObject *parent = nullptr);
 
     void setShowsWebLocation(bool web) { m_webLocation = web; }
+    // A link to a place in the page on show, which the engine follows
+    // without asking: decided like any other link.
+    void sameDocumentLinkClicked(const QUrl &url);
 
 Q_SIGNALS:
     // A link to a document of the library, with "#anchor" when it has one.

@@ -46,9 +46,12 @@ NavigationDecision decideNavigation(const Navigation &navigation, const QString 
     default:
         break;
     }
-    // The Evernote page's link asks for the import of the export it shows.
-    if (url.isLocalFile() && url.fragment() == QLatin1String(browser::kExtractEvernoteFragment))
-        return {Action::ImportNotes, QFileInfo(url.toLocalFile()).absoluteFilePath()};
+    // The Evernote page's link asks for the import of the export it shows;
+    // on any other page the same anchor is only an anchor.
+    const QFileInfo file(url.toLocalFile());
+    if (url.isLocalFile() && url.fragment() == QLatin1String(browser::kExtractEvernoteFragment) &&
+        file.suffix().compare(QLatin1String("enex"), Qt::CaseInsensitive) == 0)
+        return {Action::ImportNotes, file.absoluteFilePath()};
     if (url.adjusted(QUrl::RemoveFragment) == navigation.pageUrl.adjusted(QUrl::RemoveFragment) &&
         url.hasFragment())
         return {Action::Load, {}};

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QUrl>
 
 // The object the page's own script talks to over the web channel.
 namespace tl::app {
@@ -30,6 +31,7 @@ Q_SIGNALS:
     void editingBeginsWith(const QString &innerHTML);
     void editedTo(const QString &innerHTML);
     void doubleClickedAt(const QString &elementHTML, const QString &htmlUpToElement);
+    void sameDocumentLinkActivated(const QUrl &url);
 
 public Q_SLOTS:
     void pageReady() { Q_EMIT ready(); }
@@ -44,6 +46,10 @@ public Q_SLOTS:
     void doubleClicked(const QString &elementHTML, const QString &htmlUpToElement)
     {
         Q_EMIT doubleClickedAt(elementHTML, htmlUpToElement);
+    }
+    void sameDocumentLinkClicked(const QString &url)
+    {
+        Q_EMIT sameDocumentLinkActivated(QUrl(url));
     }
 };
 

@@ -91,6 +91,13 @@
     document.addEventListener('input', function () {
       bridge.edited(document.body.innerHTML);
     }, true);
+    // The engine moves to a place in the same page without asking the
+    // view, so such a link is told here; the view decides what it means.
+    document.addEventListener('click', function (event) {
+      var link = event.target.closest && event.target.closest('a[href]');
+      if (link && link.hash && link.href.split('#')[0] === location.href.split('#')[0])
+        bridge.sameDocumentLinkClicked(link.href);
+    }, true);
     document.addEventListener('dblclick', function (event) {
       if (document.body.isContentEditable) return;
       var element = event.target.closest('p,li,h1,h2,h3,h4,h5,h6,pre,blockquote,td,th') || event.target;

@@ -1,17 +1,20 @@
 // The paths a person takes through the window: open a library, pick a
 // document, type, and see the save land; rename by the first line; drag a
 // document into another book; paste and drop material on a book; import
-// an export by the menu and files by a drop on a book.
+// an export by the menu, by the link of its page and files by a drop on a
+// book.
 #include "action_registry.h"
 #include "app_tests.h"
 #include "browser/document_list_model.h"
 #include "browser/outline_model.h"
 #include "document/document_pane.h"
+#include "document/formatted_view.h"
 #include "document/plain_text_view.h"
 #include "document_list_pane.h"
 #include "foundation/clock.h"
 #include "main_window.h"
 #include "outline_pane.h"
+#include "platform/alerts.h"
 #include "platform/location_service.h"
 #include "support/test_environment.h"
 #include "window_fixture.h"
@@ -26,6 +29,10 @@
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
+#include <QWebEnginePage>
+#include <QWebEngineScript>
+#include <QWebEngineView>
+#include <memory>
 
 namespace {
 
@@ -161,6 +168,42 @@ private Q_SLOTS:
         QTest::mouseClick(sheet->findChild<QPushButton *>(), Qt::LeftButton);
         QTRY_VERIFY(!closing);
         QTRY_COMPARE(window()->documentPane()->shownPath(), book("Inbox/Plan.html"));
+    }
+
+    void theExportPagesLinkAsksForTheImport()
+    {
+        QVERIFY(tltest::writeFile(book("Archive/notes.enex"), kExport));
+        openBook(book("Archive"), book("Archive/notes.enex"));
+        selectRow(book("Archive/notes.enex"));
+        tl::app::FormattedView *view = window()->documentPane()->formattedView();
+        QWebEnginePage *page = view->findChild<QWebEngineView *>()->page();
+        // The page's script listens once it has answered.
+        QTRY_VERIFY_WITH_TIMEOUT(view->pageIsReady(), 20000);
+        // One click in the page itself; answers may come after the test, so
+        // the flag outlives it.
+        const auto clicked = std::make_shared<bool>(false);
+        const QString click = QStringLiteral(
+            "(function () { var a = document.querySelector('a');"
+            " if (window.clickedOnce || !a || document.title !== 'CannotLoadError') return false;"
+            " window.clickedOnce = true; a.click(); return true; })()");
+        const qsizetype shown = apptest::alerts().shownAlerts().size();
+        apptest::alerts().pushAnswer(0);
+        QTRY_VERIFY_WITH_TIMEOUT(
+            [&] {
+                if (!*clicked)
+                    page->runJavaScript(
+                        click, QWebEngineScript::ApplicationWorld,
+                        [clicked](const QVariant &done) { *clicked |= done.toBool(); });
+                return *clicked;
+            }(),
+            20000);
+        QTRY_COMPARE(apptest::alerts().shownAlerts().size(), shown + 1);
+        const tl::platform::Alert question = apptest::alerts().shownAlerts().last();
+        QCOMPARE(question.message, QStringLiteral("Import Evernote Notes?"));
+        QCOMPARE(
+            question.informativeText,
+            QStringLiteral("The notes contained in this file will be added to the book Archive"));
+        QTRY_VERIFY(QFileInfo::exists(book("Archive/Plan 1.html")));
     }
 
     void filesDroppedOnABookAreImported()

@@ -68,6 +68,13 @@ private Q_SLOTS:
              QUrl::fromLocalFile(m_library + "/Book/notes.enex").toString() +
                  "#tl-extract-and-import",
              Kind::Link, true, false, Action::ImportNotes, m_library + "/Book/notes.enex"},
+            {"the import link on a page of another kind",
+             page + "#tl-extract-and-import",
+             Kind::Link,
+             true,
+             false,
+             Action::Load,
+             {}},
             {"a file outside the library", outside, Kind::Link, true, false, Action::OpenOutside,
              outside},
             {"a web link", "https://example.org/a", Kind::Link, true, false, Action::OpenOutside,
