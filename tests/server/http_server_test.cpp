@@ -8,8 +8,6 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <arpa/inet.h>
-#include <atomic>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <poll.h>
@@ -169,15 +167,6 @@ TEST_F(ServerTest, StartsOnAFreePortAndLogs)
     EXPECT_EQ(server->listeningPort(), 0);
 }
 
-TEST_F(ServerTest, CurlWithDigestGetsTheFile)
-{
-    startServer();
-    const auto r =
-        curl(digest() + QStringList{"--write-out", "\n%{http_code}", url("/Book/small.txt")});
-    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
-    EXPECT_TRUE(r.out == small + "\n200");
-}
-
 TEST_F(ServerTest, CurlReusesTheConnection)
 {
     startServer();
@@ -226,54 +215,6 @@ TEST_F(ServerTest, CurlGetsALargeFileThroughTheThreadedResponse)
     EXPECT_TRUE(range.out == big.mid(16000000, 1000000));
 }
 
-namespace {
-long residentKiB()
-{
-    std::ifstream status("/proc/self/status");
-    std::string key;
-    while (status >> key) {
-        if (key == "VmRSS:") {
-            long value = 0;
-            status >> value;
-            return value;
-        }
-        status.ignore(1 << 20, '\n');
-    }
-    return 0;
-}
-} // namespace
-
-TEST_F(ServerTest, LargeResponseKeepsMemoryBounded)
-{
-#if defined(__SANITIZE_ADDRESS__)
-    GTEST_SKIP() << "AddressSanitizer keeps freed memory in quarantine";
-#endif
-    startServer();
-    const QString path = root + "/Book/huge.bin";
-    {
-        QFile f(path);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        // Sparse, so the test costs no disk; the bound does not depend on the size
-        // (the benchmark measures a real 1 GiB file).
-        ASSERT_TRUE(f.resize(qint64(256) << 20));
-    }
-    const long before = residentKiB();
-    std::atomic<bool> running{true};
-    std::atomic<long> peak{before};
-    std::thread sampler([&] {
-        while (running) {
-            peak = std::max(peak.load(), residentKiB());
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        }
-    });
-    const auto r = curl(digest() + QStringList{"--output", "/dev/null", "--write-out",
-                                               "%{size_download}", url("/Book/huge.bin")});
-    running = false;
-    sampler.join();
-    EXPECT_EQ(r.out, "268435456") << r.err.toStdString();
-    EXPECT_LT(peak - before, 8 * 1024) << "grew by " << (peak - before) << " KiB";
-}
-
 TEST_F(ServerTest, AddressInUseIsRecognised)
 {
     startServer();
@@ -295,13 +236,23 @@ TEST_F(ServerTest, LoopbackNameListensOnBothFamilies)
     startServer();
     const auto v4 = curl(digest() + QStringList{url("/Book/small.txt")});
     EXPECT_TRUE(v4.out == small);
+    // Where the machine has IPv6 loopback, the server must answer there too.
+    const int probe = ::socket(AF_INET6, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in6 address{};
+    address.sin6_family = AF_INET6;
+    address.sin6_addr = in6addr_loopback;
+    const bool hasV6 =
+        probe >= 0 && ::bind(probe, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0;
+    if (probe >= 0)
+        ::close(probe);
+    if (!hasV6)
+        GTEST_SKIP() << "no IPv6 loopback here";
     const auto v6 = curl(
         digest() +
         QStringList{"--globoff",
                     QStringLiteral("http://[::1]:%1/Book/small.txt").arg(server->listeningPort())});
-    if (v6.exitCode == 0) {
-        EXPECT_TRUE(v6.out == small);
-    }
+    EXPECT_EQ(v6.exitCode, 0) << v6.err.toStdString();
+    EXPECT_TRUE(v6.out == small);
 }
 
 TEST_F(ServerTest, StopEndsTheConnectionsUnlessKept)
