@@ -116,6 +116,8 @@ const TitleCase kTitleCases[] = {
      "Action: Rain."},
     {"the block goes wherever it is repeated", "Title: Echo\n\nRain.\n\nTitle: Echo", "title=Echo",
      "Action: Rain."},
+    {"an inline key starts a fresh list", "Title:\n    A\nCredit: by\nAuthor:\n    C\n\nRain.",
+     "title=A; credit=by; authors=C", "Action: Rain."},
 };
 
 TEST(FastFountainParser, TitlePages)
@@ -135,21 +137,6 @@ TEST(FastFountainParser, ConsecutiveKeysAloneShareOneList)
     ASSERT_EQ(parser.titlePage.size(), 2);
     EXPECT_EQ(dump(parser.titlePage), "title=A|B|C; authors=A|B|C");
     EXPECT_EQ(parser.titlePage.at(0).values, parser.titlePage.at(1).values);
-}
-
-TEST(FastFountainParser, InlineKeyStartsAFreshList)
-{
-    const FastFountainParser parser(
-        QStringLiteral("Title:\n    A\nCredit: by\nAuthor:\n    C\n\nRain."));
-    EXPECT_EQ(dump(parser.titlePage), "title=A; credit=by; authors=C");
-}
-
-TEST(FastFountainParser, ContinuedElementsKeepTheirPlace)
-{
-    const FastFountainParser parser(QStringLiteral("Rain.\n\nANNA\nOne.\nTwo.\n\nSun."));
-    ASSERT_EQ(parser.elements.size(), 4);
-    EXPECT_EQ(parser.elements.at(2)->elementText, "One.\nTwo.");
-    EXPECT_EQ(parser.elements.at(3)->elementText, "Sun.");
 }
 
 TEST(FastFountainParser, SceneNumbersAndDepthsAreFields)

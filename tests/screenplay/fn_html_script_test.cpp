@@ -32,35 +32,6 @@ TEST(FNHTMLScript, FrameAroundTheBody)
     EXPECT_TRUE(page.html().contains("Rain."));
 }
 
-TEST(FNHTMLScript, StyleSheetStylesEveryClassOfThePage)
-{
-    const QString css = FNHTMLScript::cssText();
-    for (const char *selector : {".scene-heading",
-                                 ".action",
-                                 ".character",
-                                 ".dialogue",
-                                 ".parenthetical",
-                                 ".transition",
-                                 ".lyrics",
-                                 ".center",
-                                 ".page-break",
-                                 ".dual-dialogue",
-                                 ".dual-dialogue-left",
-                                 ".dual-dialogue-right",
-                                 ".scene-number-left",
-                                 ".scene-number-right",
-                                 "#script-title",
-                                 ".title",
-                                 ".credit",
-                                 ".authors",
-                                 ".source",
-                                 ".draft",
-                                 ".date",
-                                 ".contact",
-                                 "pre-wrap"})
-        EXPECT_TRUE(css.contains(QLatin1String(selector))) << selector;
-}
-
 TEST(FNHTMLScript, MissingStyleSheetGivesAnEmptyStyle)
 {
     const QString empty = tltest::makeTemporaryFolder("no-resources");
@@ -70,13 +41,6 @@ TEST(FNHTMLScript, MissingStyleSheetGivesAnEmptyStyle)
     EXPECT_EQ(html, "<!DOCTYPE html>\n<html>\n<head>\n<style type='text/css'>\n</style>\n"
                     "</head>\n<body>\n<article>\n<section>\n</section>\n</article>\n</body>\n"
                     "</html>");
-}
-
-TEST(FNHTMLScript, ClassForType)
-{
-    EXPECT_EQ(FNHTMLScript::htmlClassForType("Scene Heading"), "scene-heading");
-    EXPECT_EQ(FNHTMLScript::htmlClassForType("Page Break"), "page-break");
-    EXPECT_EQ(FNHTMLScript::htmlClassForType("Action"), "action");
 }
 
 struct TitleCase

@@ -136,19 +136,17 @@ TEST(FountainParser, FieldsOfTaggedElements)
     EXPECT_EQ(elements.at(3)->elementText, "THE END");
 }
 
-TEST(FountainParser, MultiLineNotesKeepTheirLineEnds)
+TEST(FountainParser, NotesKeepTheirLineEndsAndEscapesComeBack)
 {
-    const auto elements = FountainParser::parseBodyOfString(
-        QStringLiteral("Rain.\n\n/* one\ntwo */\n\n[[three\nfour]]\n\n/* five\nsix */\n\nSun."));
-    EXPECT_EQ(dump(elements), "Action: Rain.\nBoneyard:  one\ntwo \nComment: three\nfour\n"
-                              "Boneyard:  five\nsix \nAction: Sun.");
-}
-
-TEST(FountainParser, EscapesComeBackInTheText)
-{
-    const auto elements =
-        FountainParser::parseBodyOfString(QStringLiteral("Rain... & <b>hail</b>.\n\nSun."));
-    EXPECT_EQ(dump(elements), "Action: Rain... & <b>hail</b>.\nAction: Sun.");
+    const std::pair<const char *, const char *> cases[] = {
+        {"Rain.\n\n/* one\ntwo */\n\n[[three\nfour]]\n\n/* five\nsix */\n\nSun.",
+         "Action: Rain.\nBoneyard:  one\ntwo \nComment: three\nfour\nBoneyard:  five\nsix \n"
+         "Action: Sun."},
+        {"Rain... & <b>hail</b>.\n\nSun.", "Action: Rain... & <b>hail</b>.\nAction: Sun."},
+    };
+    for (const auto &[text, elements] : cases)
+        EXPECT_EQ(dump(FountainParser::parseBodyOfString(QString::fromUtf8(text))),
+                  QString::fromUtf8(elements));
 }
 
 } // namespace
