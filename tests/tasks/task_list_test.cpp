@@ -70,16 +70,6 @@ TEST_F(TaskListTest, ADocumentWithoutARecordStartsAndLeavesTheCounters)
     EXPECT_FALSE(after.contains("__DueItemCount__"));
 }
 
-TEST_F(TaskListTest, FiveTogglesFromOpenGoRoundTheCycle)
-{
-    const QString doc = task("Doc.md");
-    QStringList icons;
-    for (int i = 0; i < 5; ++i)
-        icons << tl_toggleTask(doc);
-    EXPECT_EQ(icons, QStringList({"task-started", "task-done", "task-canceled", "task-open",
-                                  "task-started"}));
-}
-
 TEST_F(TaskListTest, OutsideATaskListNothingIsStoredYetTheAnswerIsStarted)
 {
     const QString doc = makeFile(inRoot("Plain/Doc.md"));
