@@ -9,25 +9,18 @@
 
 namespace {
 
-class BrowserCommand : public ::testing::Test
+class BrowserCommand : public tltest::CommandTest
 {
 protected:
     void SetUp() override
     {
-        if (!tltest::tavelleAvailable())
-            GTEST_SKIP() << "TAVELLE_CLI is not set";
-        home = tltest::makeTemporaryFolder("browser-home");
-        library = home + "/Library";
+        CommandTest::SetUp();
+        if (IsSkipped())
+            return;
         QDir().mkpath(library + "/Book/Sub");
         tltest::writeFile(library + "/Book/b.md", "b");
         tltest::writeFile(library + "/Book/a.txt", "a");
     }
-    tltest::CommandResult run(QStringList args)
-    {
-        return tltest::runTavelle(home, QStringList{"--library", library} + args);
-    }
-    QString home;
-    QString library;
 };
 
 TEST_F(BrowserCommand, TreeShowsBothGroupsAndTheBooks)

@@ -1,8 +1,10 @@
 #include "cli_support.h"
 
+#include "support/test_environment.h"
+
 #include <QDir>
+#include <QFileInfo>
 #include <QProcess>
-#include <QProcessEnvironment>
 
 namespace tltest {
 
@@ -11,11 +13,8 @@ bool tavelleAvailable()
     return !qEnvironmentVariableIsEmpty("TAVELLE_CLI");
 }
 
-CommandResult runTavelle(const QString &home, const QStringList &arguments, const QByteArray &input)
+QProcessEnvironment tavelleEnvironment(const QString &home)
 {
-    CommandResult result;
-    if (!tavelleAvailable())
-        return result;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("HOME", home);
     env.insert("XDG_CONFIG_HOME", home + "/.config");
@@ -23,8 +22,16 @@ CommandResult runTavelle(const QString &home, const QStringList &arguments, cons
     env.insert("XDG_CACHE_HOME", home + "/.cache");
     env.insert("TMPDIR", home + "/tmp");
     QDir().mkpath(home + "/tmp");
+    return env;
+}
+
+CommandResult runTavelle(const QString &home, const QStringList &arguments, const QByteArray &input)
+{
+    CommandResult result;
+    if (!tavelleAvailable())
+        return result;
     QProcess process;
-    process.setProcessEnvironment(env);
+    process.setProcessEnvironment(tavelleEnvironment(home));
     process.setWorkingDirectory(home);
     process.start(qEnvironmentVariable("TAVELLE_CLI"), arguments);
     if (!input.isEmpty())
@@ -35,6 +42,14 @@ CommandResult runTavelle(const QString &home, const QStringList &arguments, cons
     result.out = QString::fromUtf8(process.readAllStandardOutput());
     result.err = QString::fromUtf8(process.readAllStandardError());
     return result;
+}
+
+void CommandTest::SetUp()
+{
+    if (!tavelleAvailable())
+        GTEST_SKIP() << "TAVELLE_CLI is not set";
+    home = QFileInfo(makeTemporaryFolder("command")).canonicalFilePath();
+    library = home + "/Library";
 }
 
 } // namespace tltest

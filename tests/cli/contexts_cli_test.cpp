@@ -8,27 +8,18 @@ namespace {
 
 using tltest::CommandResult;
 
-class ContextsCommand : public ::testing::Test
+class ContextsCommand : public tltest::CommandTest
 {
 protected:
     void SetUp() override
     {
-        if (!tltest::tavelleAvailable())
-            GTEST_SKIP() << "TAVELLE_CLI is not set";
-        home = tltest::makeTemporaryFolder("contexts");
-        library = home + "/Library";
+        CommandTest::SetUp();
+        if (IsSkipped())
+            return;
         QDir().mkpath(library + "/Book");
         tltest::writeFile(library + "/Book/Note.md", "call @Bob, about #plan.\n");
         tltest::writeFile(library + "/Other.txt", "nothing\n");
     }
-    CommandResult run(QStringList args, const QByteArray &input = {})
-    {
-        args.prepend(library);
-        args.prepend("--library");
-        return tltest::runTavelle(home, args, input);
-    }
-    QString home;
-    QString library;
 };
 
 TEST_F(ContextsCommand, AssignsListsRenamesIntoTheTextAndKeepsFavorites)

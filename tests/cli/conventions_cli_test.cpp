@@ -16,29 +16,22 @@ namespace {
 
 using tltest::CommandResult;
 
-class CommandConventions : public ::testing::Test
+class CommandConventions : public tltest::CommandTest
 {
 protected:
     void SetUp() override
     {
-        if (!tltest::tavelleAvailable())
-            GTEST_SKIP() << "TAVELLE_CLI is not set";
-        home = tltest::makeTemporaryFolder("conventions");
-        library = QFileInfo(home).canonicalFilePath() + "/Library";
-        outside = QFileInfo(home).canonicalFilePath() + "/Outside";
+        CommandTest::SetUp();
+        if (IsSkipped())
+            return;
+        outside = home + "/Outside";
         QDir().mkpath(library + "/Book");
         QDir().mkpath(outside);
         tltest::writeFile(library + "/Book/Report.md", "# Report\n");
         tltest::writeFile(library + "/Book/Taken.md", "taken");
         tltest::writeFile(outside + "/x.md", "outside");
     }
-    CommandResult run(QStringList args, const QByteArray &input = {})
-    {
-        return tltest::runTavelle(home, QStringList{"--library", library} + args, input);
-    }
     QString book(const QString &name) const { return library + "/Book/" + name; }
-    QString home;
-    QString library;
     QString outside;
 };
 

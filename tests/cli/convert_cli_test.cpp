@@ -8,18 +8,17 @@ namespace {
 
 using tltest::runTavelle;
 
-class ConvertCommand : public ::testing::Test
+class ConvertCommand : public tltest::CommandTest
 {
 protected:
     void SetUp() override
     {
-        if (!tltest::tavelleAvailable())
-            GTEST_SKIP() << "TAVELLE_CLI is not set";
-        home = tltest::makeTemporaryFolder("convert-home");
+        CommandTest::SetUp();
+        if (IsSkipped())
+            return;
         document = home + "/Notes/Trip.md";
         ASSERT_TRUE(tltest::writeFile(document, "# Trip\n\n- [ ] pack\n\n{{pagebreak}}\n"));
     }
-    QString home;
     QString document;
 };
 

@@ -6,15 +6,22 @@
 
 namespace {
 
-TEST(DuplicateAsCommand, MarkdownBecomesAFormattedDocumentThroughTheConverter)
+class DuplicateAsCommand : public tltest::CommandTest
 {
-    if (!tltest::tavelleAvailable())
-        GTEST_SKIP() << "TAVELLE_CLI is not set";
-    const QString home = tltest::makeTemporaryFolder("dup-home");
-    const QString library = home + "/Library";
-    ASSERT_EQ(tltest::runTavelle(home, {"init", library}).exitCode, 0);
+protected:
+    void SetUp() override
+    {
+        CommandTest::SetUp();
+        if (IsSkipped())
+            return;
+        ASSERT_EQ(tltest::runTavelle(home, {"init", library}).exitCode, 0);
+    }
+};
+
+TEST_F(DuplicateAsCommand, MarkdownBecomesAFormattedDocumentThroughTheConverter)
+{
     ASSERT_TRUE(tltest::writeFile(library + "/Report.md", "# Report\n\n- [x] done\n"));
-    const auto r = tltest::runTavelle(home, {"dup", library + "/Report.md", "--as", "html"});
+    const auto r = run({"dup", library + "/Report.md", "--as", "html"});
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     const QString html = QString::fromUtf8(tltest::readFile(library + "/Report.html"));
     EXPECT_TRUE(html.contains("<!-- Generator: Tavelle "));
@@ -24,17 +31,12 @@ TEST(DuplicateAsCommand, MarkdownBecomesAFormattedDocumentThroughTheConverter)
     EXPECT_EQ(tltest::readFile(library + "/Report.md"), "# Report\n\n- [x] done\n");
 }
 
-TEST(DuplicateAsCommand, FormattedDocumentBecomesMarkdownAndPlainText)
+TEST_F(DuplicateAsCommand, FormattedDocumentBecomesMarkdownAndPlainText)
 {
-    if (!tltest::tavelleAvailable())
-        GTEST_SKIP() << "TAVELLE_CLI is not set";
-    const QString home = tltest::makeTemporaryFolder("dup-home");
-    const QString library = home + "/Library";
-    ASSERT_EQ(tltest::runTavelle(home, {"init", library}).exitCode, 0);
     const QByteArray page = "<html><head><title>Page</title></head><body><h2>Plan</h2>"
                             "<p>Go <b>now</b>.</p><ol><li>one</li><li>two</li></ol></body></html>";
     ASSERT_TRUE(tltest::writeFile(library + "/Page.html", page));
-    const auto md = tltest::runTavelle(home, {"dup", library + "/Page.html", "--as", "md"});
+    const auto md = run({"dup", library + "/Page.html", "--as", "md"});
     ASSERT_EQ(md.exitCode, 0) << md.err.toStdString();
     EXPECT_EQ(tltest::readFile(library + "/Page.md"),
               "## Plan\n\nGo **now**.\n\n 1.\tone\n 2.\ttwo");
@@ -43,11 +45,11 @@ TEST(DuplicateAsCommand, FormattedDocumentBecomesMarkdownAndPlainText)
     ASSERT_TRUE(
         tltest::writeFile(library + "/Source.html",
                           "<!-- Plain Text Representation:\n# Source *text* \n-->\n\n" + page));
-    const auto txt = tltest::runTavelle(home, {"dup", library + "/Source.html", "--as", "txt"});
+    const auto txt = run({"dup", library + "/Source.html", "--as", "txt"});
     ASSERT_EQ(txt.exitCode, 0) << txt.err.toStdString();
     EXPECT_EQ(tltest::readFile(library + "/Source.txt"), "# Source *text* \n");
     const auto fromSource =
-        tltest::runTavelle(home, {"dup", library + "/Source.html", "--as", "md"});
+        run({"dup", library + "/Source.html", "--as", "md"});
     ASSERT_EQ(fromSource.exitCode, 0) << fromSource.err.toStdString();
     EXPECT_EQ(tltest::readFile(library + "/Source.md"), "# Source *text* \n");
     EXPECT_EQ(tltest::readFile(library + "/Page.html"), page);

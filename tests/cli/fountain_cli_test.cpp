@@ -13,18 +13,17 @@ using tltest::runTavelle;
 const char kScript[] = "Title: Brick\nAuthor: Rian\n\nINT. HOUSE - DAY #1#\n\nRain.\n\n"
                        "BRICK\n(quietly)\nHi.\n\nSTEEL ^\nYo.\n\nCUT TO:\n\n~la la";
 
-class FountainCommand : public ::testing::Test
+class FountainCommand : public tltest::CommandTest
 {
 protected:
     void SetUp() override
     {
-        if (!tltest::tavelleAvailable())
-            GTEST_SKIP() << "TAVELLE_CLI is not set";
-        home = tltest::makeTemporaryFolder("fountain-home");
+        CommandTest::SetUp();
+        if (IsSkipped())
+            return;
         script = home + "/Brick.fountain";
         ASSERT_TRUE(tltest::writeFile(script, kScript));
     }
-    QString home;
     QString script;
 };
 

@@ -7,21 +7,20 @@ namespace {
 
 using tltest::runTavelle;
 
-class HtmlCommand : public ::testing::Test
+class HtmlCommand : public tltest::CommandTest
 {
 protected:
     void SetUp() override
     {
-        if (!tltest::tavelleAvailable())
-            GTEST_SKIP() << "TAVELLE_CLI is not set";
-        home = tltest::makeTemporaryFolder("html-home");
+        CommandTest::SetUp();
+        if (IsSkipped())
+            return;
         document = home + "/Notes/Page.html";
         ASSERT_TRUE(tltest::writeFile(
             document, "<!DOCTYPE html>\n<html>\n<head>\n<title>Page</title>\n</head>\n<body>\n"
                       "<h1>Page</h1>\n<p>Some <b>strong</b> and <i>weak</i> text&hellip;</p>\n"
                       "<ul>\n<li class=\"tl_checkbox\">task</li>\n</ul>\n</body>\n</html>\n"));
     }
-    QString home;
     QString document;
 };
 

@@ -8,12 +8,12 @@
 
 namespace {
 
-TEST(OcrCommand, PrintsTheTextOrSavesItOrSaysWhyNot)
+class OcrCommand : public tltest::CommandTest
 {
-    if (!tltest::tavelleAvailable())
-        GTEST_SKIP() << "TAVELLE_CLI is not set";
-    const QString home = tltest::makeTemporaryFolder("ocr-home");
-    const QString library = home + "/Library";
+};
+
+TEST_F(OcrCommand, PrintsTheTextOrSavesItOrSaysWhyNot)
+{
     ASSERT_TRUE(tltest::writeFile(library + "/Scans/memo.pdf",
                                   tltest::pdfOfPages({"Quarterly report"}, 28)));
     QImage blank(600, 300, QImage::Format_RGB32);
@@ -39,7 +39,7 @@ TEST(OcrCommand, PrintsTheTextOrSavesItOrSaysWhyNot)
         {{"ocr"}, 2, ""},
     };
     for (const auto &c : cases) {
-        const auto r = tltest::runTavelle(home, QStringList{"--library", library} + c.arguments);
+        const auto r = run(c.arguments);
         SCOPED_TRACE(c.arguments.join(u' ').toStdString());
         EXPECT_EQ(r.exitCode, c.exitCode) << r.err.toStdString();
         EXPECT_EQ(r.out, c.out);

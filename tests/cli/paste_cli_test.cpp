@@ -9,23 +9,16 @@ namespace {
 
 using tltest::runTavelle;
 
-class PasteAndShareCommands : public ::testing::Test
+class PasteAndShareCommands : public tltest::CommandTest
 {
 protected:
     void SetUp() override
     {
-        if (!tltest::tavelleAvailable())
-            GTEST_SKIP() << "TAVELLE_CLI is not set";
-        home = tltest::makeTemporaryFolder("paste-home");
-        library = home + "/Library";
+        CommandTest::SetUp();
+        if (IsSkipped())
+            return;
         QDir().mkpath(library + "/Book");
     }
-    tltest::CommandResult run(QStringList args, const QByteArray &input = {}) const
-    {
-        return runTavelle(home, QStringList{"--library", library} + args, input);
-    }
-    QString home;
-    QString library;
 };
 
 TEST_F(PasteAndShareCommands, StandardInputIsPastedAsItsType)

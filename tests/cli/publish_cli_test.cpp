@@ -9,24 +9,17 @@ namespace {
 
 using tltest::runTavelle;
 
-class PublishCommand : public ::testing::Test
+class PublishCommand : public tltest::CommandTest
 {
 protected:
     void SetUp() override
     {
-        if (!tltest::tavelleAvailable())
-            GTEST_SKIP() << "TAVELLE_CLI is not set";
-        home = tltest::makeTemporaryFolder("publish-home");
-        library = home + "/Library";
+        CommandTest::SetUp();
+        if (IsSkipped())
+            return;
         ASSERT_TRUE(tltest::writeFile(library + "/Book/One.md", "# One\n\nFirst."));
         ASSERT_TRUE(tltest::writeFile(library + "/Book/Two.md", "# Two\n\nSecond."));
     }
-    tltest::CommandResult run(QStringList arguments)
-    {
-        return runTavelle(home, QStringList{"--library", library} + arguments);
-    }
-    QString home;
-    QString library;
 };
 
 TEST_F(PublishCommand, CompilePrintsTheNewDocument)

@@ -6,11 +6,12 @@
 
 namespace {
 
-TEST(LocationCommand, PrintsTheTextOrOneLineWhy)
+class RecognitionCommands : public tltest::CommandTest
 {
-    if (!tltest::tavelleAvailable())
-        GTEST_SKIP() << "TAVELLE_CLI is not set";
-    const QString home = tltest::makeTemporaryFolder("location-home");
+};
+
+TEST_F(RecognitionCommands, LocationPrintsTheTextOrOneLineWhy)
+{
     ASSERT_TRUE(tltest::writeFile(home + "/Note.md", "Note\n"));
     const struct
     {
@@ -40,11 +41,8 @@ TEST(LocationCommand, PrintsTheTextOrOneLineWhy)
     EXPECT_TRUE(QFile::exists(home + "/TLImages/1.500000°N074.006000°W.png"));
 }
 
-TEST(TranscribeCommand, RefusesWhatItCannotRead)
+TEST_F(RecognitionCommands, TranscribeRefusesWhatItCannotRead)
 {
-    if (!tltest::tavelleAvailable())
-        GTEST_SKIP() << "TAVELLE_CLI is not set";
-    const QString home = tltest::makeTemporaryFolder("transcribe-home");
     ASSERT_TRUE(tltest::writeFile(home + "/memo.m4a", "not sound"));
     const struct
     {

@@ -8,7 +8,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <QProcessEnvironment>
 #include <QRegularExpression>
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
@@ -18,17 +17,15 @@
 
 namespace {
 
-class ServeCommand : public ::testing::Test
+class ServeCommand : public tltest::CommandTest
 {
 protected:
     void SetUp() override
     {
-        if (!tltest::tavelleAvailable())
-            GTEST_SKIP() << "TAVELLE_CLI is not set";
-        home = tltest::makeTemporaryFolder("serve-home");
-        library = home + "/Library";
+        CommandTest::SetUp();
+        if (IsSkipped())
+            return;
         QDir().mkpath(library + "/Book");
-        QDir().mkpath(home + "/tmp");
     }
     void TearDown() override
     {
@@ -41,13 +38,7 @@ protected:
     // Starts the command and waits, at most 30 seconds, for the password line.
     bool startServing(const QStringList &options)
     {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("HOME", home);
-        env.insert("XDG_CONFIG_HOME", home + "/.config");
-        env.insert("XDG_DATA_HOME", home + "/.local/share");
-        env.insert("XDG_CACHE_HOME", home + "/.cache");
-        env.insert("TMPDIR", home + "/tmp");
-        server.setProcessEnvironment(env);
+        server.setProcessEnvironment(tltest::tavelleEnvironment(home));
         server.start(qEnvironmentVariable("TAVELLE_CLI"),
                      QStringList{"--library", library, "serve", "--interface", "127.0.0.1"} +
                          options);
@@ -77,8 +68,6 @@ protected:
         return process.readAllStandardOutput();
     }
 
-    QString home;
-    QString library;
     QProcess server;
     QByteArray output;
 };
@@ -160,8 +149,7 @@ TEST_F(ServeCommand, ABusyPortFrom9000OnGivesTheAlertAndExitsOne)
     ASSERT_EQ(::getsockname(holder, reinterpret_cast<sockaddr *>(&address), &length), 0);
     const int busy = ntohs(address.sin_port);
     ASSERT_GE(busy, 9000);
-    const auto r = tltest::runTavelle(home, {"--library", library, "serve", "--interface",
-                                             "127.0.0.1", "--port", QString::number(busy)});
+    const auto r = run({"serve", "--interface", "127.0.0.1", "--port", QString::number(busy)});
     ::close(holder);
     EXPECT_EQ(r.exitCode, 1);
     EXPECT_TRUE(r.err.startsWith("Could not Start Tavelle Server: ")) << r.err.toStdString();
@@ -170,7 +158,7 @@ TEST_F(ServeCommand, ABusyPortFrom9000OnGivesTheAlertAndExitsOne)
 
 TEST_F(ServeCommand, RefusesABadPort)
 {
-    const auto r = tltest::runTavelle(home, {"--library", library, "serve", "--port", "70000"});
+    const auto r = run({"serve", "--port", "70000"});
     EXPECT_EQ(r.exitCode, 2);
     EXPECT_EQ(r.err, "--port needs a number from 0 to 65535\n");
 }

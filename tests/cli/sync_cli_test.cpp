@@ -9,27 +9,18 @@ namespace {
 
 using tltest::CommandResult;
 
-class ConflictsCommand : public ::testing::Test
+class ConflictsCommand : public tltest::CommandTest
 {
 protected:
     void SetUp() override
     {
-        if (!tltest::tavelleAvailable())
-            GTEST_SKIP() << "TAVELLE_CLI is not set";
-        home = tltest::makeTemporaryFolder("conflicts");
-        library = home + "/Library";
+        CommandTest::SetUp();
+        if (IsSkipped())
+            return;
         QDir().mkpath(library + "/.stfolder");
         tltest::writeFile(library + "/Note.md", "mine");
         tltest::writeFile(library + "/Note.sync-conflict-20240302-090000-ABCD123.md", "theirs");
     }
-    CommandResult run(QStringList args)
-    {
-        args.prepend(library);
-        args.prepend("--library");
-        return tltest::runTavelle(home, args);
-    }
-    QString home;
-    QString library;
 };
 
 TEST_F(ConflictsCommand, ListsADocumentAndKeepsTheVersionChosen)

@@ -9,27 +9,18 @@ namespace {
 
 using tltest::CommandResult;
 
-class TasksCommand : public ::testing::Test
+class TasksCommand : public tltest::CommandTest
 {
 protected:
     void SetUp() override
     {
-        if (!tltest::tavelleAvailable())
-            GTEST_SKIP() << "TAVELLE_CLI is not set";
-        home = tltest::makeTemporaryFolder("tasks");
-        library = home + "/Library";
+        CommandTest::SetUp();
+        if (IsSkipped())
+            return;
         QDir().mkpath(library + "/Todo");
         tltest::writeFile(library + "/Todo/Milk.md", "Buy milk\n");
     }
-    CommandResult run(QStringList args)
-    {
-        args.prepend(library);
-        args.prepend("--library");
-        return tltest::runTavelle(home, args, {});
-    }
     QString todo(const QString &name) const { return library + "/Todo/" + name; }
-    QString home;
-    QString library;
 };
 
 TEST_F(TasksCommand, ABookBecomesATaskListAndItsDocumentsStepThroughTheCycle)
