@@ -48,8 +48,7 @@ TEST_F(DuplicateAsCommand, FormattedDocumentBecomesMarkdownAndPlainText)
     const auto txt = run({"dup", library + "/Source.html", "--as", "txt"});
     ASSERT_EQ(txt.exitCode, 0) << txt.err.toStdString();
     EXPECT_EQ(tltest::readFile(library + "/Source.txt"), "# Source *text* \n");
-    const auto fromSource =
-        run({"dup", library + "/Source.html", "--as", "md"});
+    const auto fromSource = run({"dup", library + "/Source.html", "--as", "md"});
     ASSERT_EQ(fromSource.exitCode, 0) << fromSource.err.toStdString();
     EXPECT_EQ(tltest::readFile(library + "/Source.md"), "# Source *text* \n");
     EXPECT_EQ(tltest::readFile(library + "/Page.html"), page);

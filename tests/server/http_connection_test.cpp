@@ -294,8 +294,8 @@ TEST_F(ConnectionTest, MalformedOrUnsupportedRequestsGetTheirErrorAndClose)
         EXPECT_TRUE(h.socket->isDisconnected());
         EXPECT_TRUE(h.died);
         for (const QString &line : c.logs)
-            EXPECT_TRUE(log.contains(line.startsWith(':') ? h.connection->logPrefixForTest() + line
-                                                          : line))
+            EXPECT_TRUE(
+                log.contains(line.startsWith(':') ? h.connection->logPrefixForTest() + line : line))
                 << line.toStdString();
     }
 }
@@ -525,7 +525,9 @@ TEST_F(ConnectionTest, ClosingRulesOfHTTP10And11)
 TEST_F(ConnectionTest, HeaderLimitsPassAtTheLimitAndCloseWithoutAnswerPastIt)
 {
     // A line of 8190 bytes, and a hundred lines with the request line.
-    const auto longLine = [](int size) { return "X-Long: " + QByteArray(size - 8 - 2, 'a') + "\r\n"; };
+    const auto longLine = [](int size) {
+        return "X-Long: " + QByteArray(size - 8 - 2, 'a') + "\r\n";
+    };
     QByteArray ninetyNine;
     for (int i = 0; i < 99; ++i)
         ninetyNine += "X-" + QByteArray::number(i) + ": v\r\n";

@@ -1,7 +1,6 @@
 #include "server/core/http_message.h"
 
 #include <QList>
-
 #include <gtest/gtest.h>
 
 using server::HTTPMessage;
@@ -54,10 +53,9 @@ TEST(HTTPMessage, AcceptsArbitrarySplitsAndKeepsTheBody)
 TEST(HTTPMessage, FieldForms)
 {
     bool ok = false;
-    const HTTPMessage m =
-        feedLines({"\r\n", "GET / HTTP/1.0\r\n", "X-Empty:\r\n", "Accept: a\r\n", "accept: b\r\n",
-                   "X-Long: one\r\n", "  two\r\n", "\r\n"},
-                  &ok);
+    const HTTPMessage m = feedLines({"\r\n", "GET / HTTP/1.0\r\n", "X-Empty:\r\n", "Accept: a\r\n",
+                                     "accept: b\r\n", "X-Long: one\r\n", "  two\r\n", "\r\n"},
+                                    &ok);
     EXPECT_TRUE(ok) << "blank lines before the request line are tolerated";
     EXPECT_EQ(m.version(), "HTTP/1.0");
     EXPECT_FALSE(m.headerField("X-Empty").isNull());
@@ -79,20 +77,20 @@ TEST(HTTPMessage, KeepsUnknownVersionsForTheConnectionToRefuse)
 TEST(HTTPMessage, RejectsMalformedRequests)
 {
     const QList<QList<QByteArray>> cases = {
-        {"GET /\r\n"},                              // no version
-        {"GET / HTTP/1.1 extra\r\n"},               // four parts
-        {"GET / FTP/1.1\r\n"},                      // not HTTP
-        {"GET / HTTP/1.x\r\n"},                     // bad version digits
-        {"G(T / HTTP/1.1\r\n"},                     // method not a token
-        {"GET /a\x01 HTTP/1.1\r\n"},                // control character in the target
-        {"GET /\xc3\xa9 HTTP/1.1\r\n"},             // raw non-ASCII in the target
-        {"GET / HTTP/1.1\r\n", "NoColon\r\n"},      // header without colon
-        {"GET / HTTP/1.1\r\n", ": empty\r\n"},      // empty name
-        {"GET / HTTP/1.1\r\n", "Bad Name: x\r\n"},  // blank inside the name
-        {"GET / HTTP/1.1\r\n", " folded-first\r\n"},// continuation with nothing before
-        {"GET / HTTP/1.1\r\n", "X: a\rb\r\n"},      // bare CR inside
-        {QByteArray("GET / HTTP/1.1\r\nX: a\0b\r\n", 24)}, // NUL inside
-        {QByteArray(HTTPMessage::kMaxPendingLine + 1, 'a')},   // endless line
+        {"GET /\r\n"},                                       // no version
+        {"GET / HTTP/1.1 extra\r\n"},                        // four parts
+        {"GET / FTP/1.1\r\n"},                               // not HTTP
+        {"GET / HTTP/1.x\r\n"},                              // bad version digits
+        {"G(T / HTTP/1.1\r\n"},                              // method not a token
+        {"GET /a\x01 HTTP/1.1\r\n"},                         // control character in the target
+        {"GET /\xc3\xa9 HTTP/1.1\r\n"},                      // raw non-ASCII in the target
+        {"GET / HTTP/1.1\r\n", "NoColon\r\n"},               // header without colon
+        {"GET / HTTP/1.1\r\n", ": empty\r\n"},               // empty name
+        {"GET / HTTP/1.1\r\n", "Bad Name: x\r\n"},           // blank inside the name
+        {"GET / HTTP/1.1\r\n", " folded-first\r\n"},         // continuation with nothing before
+        {"GET / HTTP/1.1\r\n", "X: a\rb\r\n"},               // bare CR inside
+        {QByteArray("GET / HTTP/1.1\r\nX: a\0b\r\n", 24)},   // NUL inside
+        {QByteArray(HTTPMessage::kMaxPendingLine + 1, 'a')}, // endless line
     };
     for (const auto &lines : cases) {
         bool ok = true;
@@ -110,7 +108,8 @@ TEST(HTTPMessage, BuildsResponsesWithStandardReasonPhrases)
     EXPECT_EQ(r.messageData(), "HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n");
     EXPECT_EQ(HTTPMessage(505, {}, server::HTTPVersion1_1).messageData(),
               "HTTP/1.1 505 HTTP Version Not Supported\r\n\r\n");
-    EXPECT_EQ(HTTPMessage(207, "Custom", server::HTTPVersion1_1).messageData(), "HTTP/1.1 207 Custom\r\n\r\n");
+    EXPECT_EQ(HTTPMessage(207, "Custom", server::HTTPVersion1_1).messageData(),
+              "HTTP/1.1 207 Custom\r\n\r\n");
     HTTPMessage withBody(200, {}, server::HTTPVersion1_1);
     withBody.setBody("abc");
     EXPECT_EQ(withBody.messageData(), "HTTP/1.1 200 OK\r\n\r\nabc");

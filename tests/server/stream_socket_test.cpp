@@ -21,7 +21,10 @@ struct Recorder : SocketDelegate
             onRead(socket, tag);
     }
     void socketDidWriteData(AsyncSocket &, long tag) override { writes.push_back(tag); }
-    void socketDidDisconnect(AsyncSocket &, const std::error_code &error) override { disconnected = error; }
+    void socketDidDisconnect(AsyncSocket &, const std::error_code &error) override
+    {
+        disconnected = error;
+    }
 };
 
 struct SocketFixture : ::testing::Test
