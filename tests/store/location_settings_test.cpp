@@ -5,6 +5,7 @@
 #include "store/keys.h"
 #include "store/location_settings.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 namespace tl::store {
@@ -117,16 +118,11 @@ TEST_F(LocationSettings, RoundTripThroughTheFile)
     tl_writeLocationSpecificSettings();
     const QByteArray written = tltest::readFile(file_);
 
+    // Read back into empty settings, they write the same file again.
     for (auto it = values.cbegin(); it != values.cend(); ++it)
         platform::settings().remove(it.key());
     tl_readLocationSpecificSettings();
-    platform::Settings &settings = platform::settings();
-    EXPECT_EQ(settings.string(S::DefaultInbox), inRoot("Inbox"));
-    EXPECT_EQ(settings.string(S::ContextMarkers), "@#");
-    EXPECT_TRUE(settings.boolValue(S::ManageLinks));
-    EXPECT_FALSE(settings.boolValue(S::ContextsEnabled));
-    EXPECT_TRUE(settings.boolValue(S::ExtractContextsAutomatically));
-
+    QFile::remove(file_);
     tl_writeLocationSpecificSettings();
     EXPECT_EQ(tltest::readFile(file_), written);
 }
