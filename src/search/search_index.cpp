@@ -358,7 +358,7 @@ struct SearchIndex::Private
         const QList<std::pair<qint64, QString>> found =
             QtConcurrent::blockingFiltered(paths, [&](const std::pair<qint64, QString> &item) {
                 const std::optional<QString> itemText = text.textOf(item.second);
-                return itemText && wordsContainPhrase(searchWords(*itemText), words);
+                return itemText && joinedWordsContainPhrase(joinedSearchWords(*itemText), words);
             });
         std::vector<qint64> ids;
         for (const auto &item : found)

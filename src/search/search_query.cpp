@@ -101,4 +101,16 @@ bool wordsContainPhrase(const QStringList &words, const QStringList &phrase)
     return false;
 }
 
+bool joinedWordsContainPhrase(QStringView joined, const QStringList &phrase)
+{
+    if (phrase.isEmpty())
+        return false;
+    // Whole words but the last, each followed by a blank, all starting a word.
+    const QString words = phrase.join(u' ');
+    for (qsizetype at = joined.indexOf(words); at >= 0; at = joined.indexOf(words, at + 1))
+        if (at == 0 || joined[at - 1] == u' ')
+            return true;
+    return false;
+}
+
 } // namespace tl::search

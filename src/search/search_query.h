@@ -37,5 +37,7 @@ QString joinedSearchWords(QStringView text);
 
 // Whether the term's words stand in the words in a row, the last as a prefix.
 bool wordsContainPhrase(const QStringList &words, const QStringList &phrase);
+// The same for words joined by single blanks, as joinedSearchWords gives them.
+bool joinedWordsContainPhrase(QStringView joined, const QStringList &phrase);
 
 } // namespace tl::search

@@ -109,4 +109,24 @@ TEST(SearchWords, AreFoldedRunsOfLettersAndDigits)
         EXPECT_EQ(tl::search::searchWords(QString::fromUtf8(c.text)), c.words) << c.text;
 }
 
+TEST(SearchWords, HoldAPhraseAsConsecutiveWordsTheLastAPrefix)
+{
+    struct Case
+    {
+        QStringList phrase;
+        bool held;
+    };
+    const QString joined = QStringLiteral("plan the shelf plans");
+    const Case cases[] = {
+        {{"the", "sh"}, true},      {{"plan", "the", "shelf"}, true}, {{"pla"}, true},
+        {{"shelf", "plans"}, true}, {{"he", "shelf"}, false},         {{"plan", "shelf"}, false},
+        {{"lan"}, false},           {{"the", "shelves"}, false},      {{}, false},
+    };
+    for (const Case &c : cases) {
+        const QString phrase = c.phrase.join('|');
+        EXPECT_EQ(tl::search::joinedWordsContainPhrase(joined, c.phrase), c.held) << phrase;
+        EXPECT_EQ(tl::search::wordsContainPhrase(joined.split(' '), c.phrase), c.held) << phrase;
+    }
+}
+
 } // namespace
