@@ -18,6 +18,7 @@
 #include "store/task_records.h"
 
 #include <QFileInfo>
+#include <algorithm>
 #include <vector>
 
 namespace tl::browser {
@@ -113,10 +114,18 @@ bool TLKSDocumentListViewController::rowBelongsHere(const QString &itemPath) con
     }
 }
 
+// The row goes where sorting the whole list would put it, found by halving
+// with the one sort asked about pairs: an import of thousands of notes
+// would otherwise sort the list again for each of them.
 void TLKSDocumentListViewController::insertRow(const ListRow &row)
 {
-    (isBookFolder(row.path) ? booksList : documentsList) << row;
-    sortDocuments();
+    QList<ListRow> &list = isBookFolder(row.path) ? booksList : documentsList;
+    const auto strictlyBefore = [this](const ListRow &a, const ListRow &b) {
+        QList<ListRow> pair{b, a};
+        store::tl_sortByParameter(pair, sortOrder, !sortAscending);
+        return pair.first().path == a.path;
+    };
+    list.insert(std::upper_bound(list.begin(), list.end(), row, strictlyBefore), row);
     changed();
 }
 

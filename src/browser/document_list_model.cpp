@@ -214,7 +214,16 @@ void DocumentListModel::syncWithList()
     const bool sameRows = fresh.size() == m_entries.size() &&
                           std::equal(fresh.begin(), fresh.end(), m_entries.begin(),
                                      [](const Entry &a, const Entry &b) { return a.key == b.key; });
-    if (!sameRows)
+    // The shown rows all still there in their order, with new ones among
+    // them, need no reshaping: an import adds thousands of rows one by one.
+    const auto onlyNewRows = [&] {
+        qsizetype kept = 0;
+        for (const Entry &e : fresh)
+            if (kept < m_entries.size() && m_entries[kept].key == e.key)
+                ++kept;
+        return kept == m_entries.size();
+    };
+    if (!sameRows && !onlyNewRows())
         reshapeTo(fresh);
     // Changed rows, and new rows in their places.
     for (qsizetype i = 0; i < fresh.size(); ++i) {

@@ -94,6 +94,29 @@ TEST_F(DocumentListModelTest, ANewFileIsInsertedWithoutAReset)
     EXPECT_EQ(model->pathAt(c), book + "/c.txt");
 }
 
+TEST_F(DocumentListModelTest, NewFilesLandWhereAFreshListPutsThem)
+{
+    const struct
+    {
+        const char *order;
+        bool ascending;
+    } orders[] = {{"title", false}, {"creationDate", true}, {"creationDate", false}};
+    int day = 0;
+    for (const auto &order : orders) {
+        list.sortOrder = QLatin1String(order.order);
+        list.sortAscending = order.ascending;
+        list.getDocumentsInFolder();
+        for (const char *name : {"bb.txt", "0.txt", "z.txt"}) {
+            const QString file = QString::number(day) + QLatin1String(name);
+            list.documentModifiedOnDisk(doc(file, day % 3));
+            ++day;
+        }
+        const QStringList inserted = shown();
+        list.getDocumentsInFolder();
+        EXPECT_EQ(shown(), inserted) << order.order << order.ascending;
+    }
+}
+
 TEST_F(DocumentListModelTest, ARenamedFileTakesItsNewPlaceWithoutAReset)
 {
     const QPersistentModelIndex b = model->indexForPath(book + "/b.md");
