@@ -4,6 +4,7 @@
 #include "foundation/plist.h"
 #include "importers/webarchive_reader.h"
 
+#include <QStringDecoder>
 #include <QVariantList>
 #include <QVariantMap>
 #include <cstddef>
@@ -19,10 +20,12 @@ QVariantMap written(const tl::importers::WebResource &resource)
 }
 
 // Text as the writer carries it: through UTF-8 C strings, so it ends at a
-// NUL character and a lone surrogate does not survive.
+// NUL character and a lone surrogate does not survive; a leading byte order
+// mark stays the character it is.
 QString carried(const QString &text)
 {
-    return QString::fromUtf8(text.toUtf8().constData());
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    return decoder.decode(QByteArray(text.toUtf8().constData()));
 }
 
 // `again` read back from what was written of `first`.
