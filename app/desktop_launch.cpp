@@ -22,7 +22,7 @@ DesktopLaunch::DesktopLaunch(browser::EventBridge &bridge, QObject *parent)
     : QObject(parent), m_bridge(bridge)
 {
     connect(qApp, &QApplication::aboutToQuit, this, &DesktopLaunch::finish);
-    connect(&bridge, &browser::EventBridge::openItemsInNewWindow, this, &DesktopLaunch::openItems);
+    connect(&bridge, &browser::EventBridge::openItemsInNewWindow, this, &openItemsInNewWindow);
 }
 
 DesktopLaunch::~DesktopLaunch()
@@ -89,21 +89,6 @@ void DesktopLaunch::bringToFront()
     m_main->activateWindow();
 }
 
-void DesktopLaunch::openItems(const QStringList &paths)
-{
-    const QString root = store::libraryRoot();
-    for (const QString &path : paths) {
-        if (showInOpenWindow(path))
-            continue;
-        if (root.isEmpty() || !path.startsWith(root + u'/')) {
-            openInExtraWindow(path);
-            continue;
-        }
-        bringToFront();
-        NotificationCenter::defaultCenter().post(events::ShowItemAtPath, {{"path", path}});
-    }
-}
-
 void DesktopLaunch::finish()
 {
     if (m_finished)
@@ -112,6 +97,7 @@ void DesktopLaunch::finish()
     shell::WindowState state;
     if (m_main)
         state = m_main->windowState();
+    state.documentsToOpenOnStartup = extraWindowDocuments();
     shell::appDelegate().applicationWillTerminate(state);
 }
 

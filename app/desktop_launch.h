@@ -31,10 +31,6 @@ public:
 
 private:
     void showMainWindow();
-    // Files handed over: one a window shows comes to the front, one of the
-    // library shows in the main window, one from elsewhere in a window of
-    // its own.
-    void openItems(const QStringList &paths);
     void finish();
 
     browser::EventBridge &m_bridge;

@@ -4,8 +4,11 @@
 #include "document/document_pane.h"
 #include "document_windows.h"
 #include "foundation/path_string.h"
+#include "platform/file_ops.h"
 #include "store/item_path.h"
+#include "store/recent_items.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QFileInfo>
 #include <QFileSystemWatcher>
@@ -72,14 +75,56 @@ void DocumentWindow::closeEvent(QCloseEvent *event)
     QWidget::closeEvent(event);
 }
 
+namespace {
+
+const QLatin1String kExtraWindow("extraWindow");
+
+} // namespace
+
 DocumentWindow *openInExtraWindow(const QString &path)
 {
     auto *window = new DocumentWindow(path::lastComponent(path));
-    window->setObjectName(QStringLiteral("extraWindow"));
+    window->setObjectName(kExtraWindow);
     window->resize(640, 720);
     window->documentPane()->controller().selectNewDocument(path);
     bringToFront(window);
     return window;
+}
+
+void openItemsInNewWindow(const QStringList &paths)
+{
+    for (const QString &path : paths)
+        if (!showInOpenWindow(path))
+            openInExtraWindow(path);
+}
+
+QVariantList extraWindowDocuments()
+{
+    QVariantList documents;
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        const auto *window = qobject_cast<DocumentWindow *>(widget);
+        if (!window || window->objectName() != kExtraWindow || !window->isVisible())
+            continue;
+        const QString &path = window->documentPane()->controller().path;
+        if (!path.isEmpty())
+            documents << QVariantMap{{QStringLiteral("path"), path}};
+    }
+    return documents;
+}
+
+void reopenDocuments(const QVariantList &documents)
+{
+    const QString recent = store::recentItemsPath();
+    const std::optional<QByteArray> kept = platform::readFile(recent);
+    QStringList paths;
+    for (const QVariant &document : documents) {
+        const QString path = document.toMap().value(QStringLiteral("path")).toString();
+        if (QFileInfo::exists(path))
+            paths << path;
+    }
+    openItemsInNewWindow(paths);
+    if (kept)
+        platform::writeFileAtomically(recent, *kept);
 }
 
 } // namespace tl::app

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QVariantList>
 #include <QWidget>
 
 class QFileSystemWatcher;
@@ -38,8 +39,17 @@ private:
     QFileSystemWatcher *m_watcher;
 };
 
-// A document window in front, showing the file: one from outside the
-// library, shown and edited on its own.
+// A document window in front, showing the file on its own, beside the main
+// window; a file from outside the library is edited there too.
 DocumentWindow *openInExtraWindow(const QString &path);
+// Each file comes to the front where a window already shows it, else opens
+// in an extra window.
+void openItemsInNewWindow(const QStringList &paths);
+// The documents of the extra windows open now, as dictionaries holding
+// "path", to open again at the next start.
+QVariantList extraWindowDocuments();
+// Opens again the documents of extraWindowDocuments(); the recent items stay
+// as they were, since reopening is no use of a document.
+void reopenDocuments(const QVariantList &documents);
 
 } // namespace tl::app

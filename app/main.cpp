@@ -3,6 +3,7 @@
 #include "assembly/core_assembly.h"
 #include "browser/event_bridge.h"
 #include "desktop_launch.h"
+#include "document_window.h"
 #include "document_windows.h"
 #include "importers/shared_items.h"
 #include "launch_requests.h"
@@ -93,8 +94,7 @@ int main(int argc, char **argv)
     parts.effectiveAppearanceName = [] {
         return tl::app::Theme::instance().effectiveAppearanceName();
     };
-    // Extra document windows are not kept between sessions yet.
-    parts.openDocuments = [](const QVariantList &) {};
+    parts.openDocuments = tl::app::reopenDocuments;
     parts.showInOpenWindow = tl::app::showInOpenWindow;
     tl::assembly::assembleCore(parts);
     if (!tl::assembly::checkAssembly())

@@ -1,7 +1,8 @@
 // Requests from outside reaching the window: a show request for a document
 // already on show brings its window forward and goes to the anchor; the
 // quick entry saves a note into the inbox; inserted text lands in the shown
-// document; a file from elsewhere is edited in a window of its own.
+// document; a file from elsewhere is edited in a window of its own, and
+// handed-over files open in windows that come back at the next start.
 #include "app_tests.h"
 #include "document/document_pane.h"
 #include "document/formatted_view.h"
@@ -17,6 +18,7 @@
 #include "shell/single_instance.h"
 #include "shell/url_actions.h"
 #include "store/keys.h"
+#include "store/recent_items.h"
 #include "support/test_environment.h"
 #include "window_fixture.h"
 
@@ -133,6 +135,26 @@ private Q_SLOTS:
         // Its view state is not kept beside it, and no temporary file is left.
         QCOMPARE(QDir(elsewhere.path()).entryList(QDir::Files | QDir::Hidden),
                  QStringList{"Letter.txt"});
+    }
+
+    void handedOverFilesOpenInWindowsThatComeBackAtTheNextStart()
+    {
+        tl::app::openItemsInNewWindow({item("Book/Short.txt")});
+        const QVariantList open = tl::app::extraWindowDocuments();
+        QCOMPARE(open, (QVariantList{QVariantMap{{"path", item("Book/Short.txt")}}}));
+        // A second request brings the same window forward.
+        tl::app::openItemsInNewWindow({item("Book/Short.txt")});
+        QCOMPARE(tl::app::extraWindowDocuments().size(), 1);
+        QVERIFY(document()->shownPath().isEmpty());
+        tl::app::viewcontrollerForDocumentWithPath(item("Book/Short.txt"))->window()->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(tl::app::extraWindowDocuments().isEmpty());
+
+        tltest::writeFile(tl::store::recentItemsPath(), "kept as it was");
+        tl::app::reopenDocuments(open + QVariantList{QVariantMap{{"path", item("Book/Gone.txt")}}});
+        QCOMPARE(tl::app::extraWindowDocuments(), open);
+        QCOMPARE(tltest::readFile(tl::store::recentItemsPath()), QByteArray("kept as it was"));
+        tl::app::viewcontrollerForDocumentWithPath(item("Book/Short.txt"))->window()->close();
     }
 
     void insertedTextLandsInTheShownDocument()
