@@ -31,10 +31,20 @@ QByteArray realText(double value)
     return QByteArray(buffer, result.ptr - buffer);
 }
 
+// XML cannot hold control characters other than tab and line ends, not even
+// as references; written raw they would leave the whole file unreadable, so
+// they are left out.
+bool isWritableInXml(char c)
+{
+    return static_cast<unsigned char>(c) >= 0x20 || c == '\t' || c == '\n' || c == '\r';
+}
+
 void appendEscaped(QByteArray &out, const QString &text)
 {
     const QByteArray utf8 = text.toUtf8();
     for (const char c : utf8) {
+        if (!isWritableInXml(c))
+            continue;
         switch (c) {
         case '<':
             out += "&lt;";

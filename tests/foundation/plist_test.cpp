@@ -109,6 +109,16 @@ TEST(PlistTest, RoundTripKeepsEveryType)
     }
 }
 
+TEST(PlistTest, ControlCharactersXmlCannotHoldAreLeftOutNotTheFile)
+{
+    const QVariantMap value{{QString::fromUtf8("Ti\0tle", 6),
+                             QStringLiteral("a") + QChar(1) + QStringLiteral("b\tc") + QChar(0)},
+                            {"Other", "kept"}};
+    const auto back = parse(toXml(value));
+    ASSERT_TRUE(back.has_value());
+    EXPECT_EQ(*back, (QVariantMap{{"Title", "ab\tc"}, {"Other", "kept"}}));
+}
+
 TEST(PlistTest, BinaryKeepsMillisecondsXmlKeepsSeconds)
 {
     const QDateTime date = utc(2019, 12, 31, 23, 59, 58, 750);

@@ -17,6 +17,9 @@
 #define LLVMFuzzerTestOneInput fuzzConnection
 #include "fuzz/fuzz_connection.cc"
 #undef LLVMFuzzerTestOneInput
+#define LLVMFuzzerTestOneInput fuzzPlistXml
+#include "fuzz/fuzz_plist_xml.cc"
+#undef LLVMFuzzerTestOneInput
 
 namespace {
 
@@ -53,4 +56,8 @@ TEST(FuzzRegression, Authorization)
 TEST(FuzzRegression, Connection)
 {
     EXPECT_GT(replay("connection", fuzzConnection), 0);
+}
+TEST(FuzzRegression, PlistXml)
+{
+    EXPECT_GT(replay("plist_xml", fuzzPlistXml), 0);
 }
