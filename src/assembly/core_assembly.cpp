@@ -11,8 +11,10 @@
 #include "screenplay/script_page.h"
 #include "server/control/server_control.h"
 #include "shell/shell_hooks.h"
+#include "store/conflict_copies.h"
 #include "store/side_jobs.h"
 #include "store/text_conversions.h"
+#include "sync/conflict_names.h"
 #include "sync/conflict_watch.h"
 #include "tasks/task_list.h"
 
@@ -112,6 +114,7 @@ void assembleCore(const CoreParts &parts)
     store::sideJobs().moveTask = tasks::tl_moveTaskToPath;
     store::sideJobs().copyTaskDetails = tasks::tl_copyTaskDetailsToPath;
     links::registerLinkJobs();
+    store::setConflictCopyRule(sync::isConflictCopyInLibrary);
 
     shell::ShellHooks &hooks = shell::shellHooks();
     install(hooks.showWhatsNew, parts.showWhatsNew, "showWhatsNew hook");

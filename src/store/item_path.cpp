@@ -5,6 +5,7 @@
 #include "foundation/path_string.h"
 #include "platform/file_ops.h"
 #include "platform/settings.h"
+#include "store/conflict_copies.h"
 #include "store/extensions.h"
 #include "store/keys.h"
 #include "store/library_root.h"
@@ -200,7 +201,7 @@ bool tl_pathIsExcludedFromDisplay(const QString &path)
     const QString name = path::lastComponent(path);
     return path.endsWith(u".plist") || path.endsWith(QLatin1String(names::Sidecar)) ||
            tl_pathIsDotFile(path) || tl_pathIsFinderIcon(path) || tl_pathIsPlaceholderStub(path) ||
-           name.contains(QLatin1String(names::NewNoteTmp)) ||
+           tl_pathIsConflictCopy(path) || name.contains(QLatin1String(names::NewNoteTmp)) ||
            // Never fires (a component holds no slash); .git is caught as a dot file.
            name.contains(u"/.git") ||
            (path.contains(QLatin1String(names::TLResources)) && !path.contains(u"CSS")) ||

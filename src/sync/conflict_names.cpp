@@ -1,10 +1,13 @@
 #include "sync/conflict_names.h"
 
+#include "foundation/path_string.h"
 #include "foundation/regex.h"
+#include "store/library_root.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <array>
+#include <mutex>
 
 namespace tl::sync {
 
@@ -12,13 +15,19 @@ namespace {
 
 // Conflict copies use the named groups stem, ext, date and, where the
 // client writes them, time and computer.
+struct CopyRule
+{
+    const char *pattern;
+    const char *dateFormat;
+    const char *timeFormat;
+};
+
 struct ClientRules
 {
     SyncClient client;
     const char *name;
-    const char *copyPattern;
-    const char *dateFormat;
-    const char *timeFormat;
+    // Tried in order; a client that changed its naming keeps the older rule.
+    std::array<CopyRule, 2> copies;
     // Group "target": the file the stub stands for.
     const char *placeholderPattern;
     const char *ownFilePattern;
@@ -28,19 +37,32 @@ struct ClientRules
 
 // Order is the order of detection when one folder holds several markers.
 constexpr std::array<ClientRules, 3> kClients{{
-    {SyncClient::Syncthing, "Syncthing",
-     R"(^(?<stem>.+)\.sync-conflict-(?<date>\d{8})-(?<time>\d{6})-(?<computer>[A-Z0-9]{7})(?<ext>\.[^.]+)?$)",
-     "yyyyMMdd", "HHmmss", nullptr,
+    {SyncClient::Syncthing,
+     "Syncthing",
+     {{{R"(^(?<stem>.+)\.sync-conflict-(?<date>\d{8})-(?<time>\d{6})-(?<computer>[A-Z0-9]{7})(?<ext>\.[^.]+)?$)",
+        "yyyyMMdd", "HHmmss"},
+       {}}},
+     nullptr,
      R"(^(?:\.syncthing\..+\.tmp|~syncthing~.+\.tmp|\.stfolder|\.stignore|\.stversions)$)",
      R"(^\.stfolder$)"},
-    {SyncClient::Nextcloud, "Nextcloud",
-     R"(^(?<stem>.+) \(conflicted copy (?<date>\d{4}-\d{2}-\d{2}) (?<time>\d{6})\)(?<ext>\.[^.]+)?$)",
-     "yyyy-MM-dd", "HHmmss", R"(^(?<target>.+)\.(?:nextcloud|owncloud)$)",
+    {SyncClient::Nextcloud,
+     "Nextcloud",
+     {{{R"(^(?<stem>.+) \(conflicted copy (?<date>\d{4}-\d{2}-\d{2}) (?<time>\d{6})\)(?<ext>\.[^.]+)?$)",
+        "yyyy-MM-dd", "HHmmss"},
+       // ownCloud, and Nextcloud before it took the wording above.
+       {R"(^(?<stem>.+)_conflict-(?<date>\d{8})-(?<time>\d{6})(?<ext>\.[^.]+)?$)", "yyyyMMdd",
+        "HHmmss"}}},
+     R"(^(?<target>.+)\.(?:nextcloud|owncloud)$)",
      R"(^(?:\._?sync_[0-9a-f]+\.db(?:-wal|-shm)?|\.owncloudsync\.log|\.sync-exclude\.lst|.+\.(?:nextcloud|owncloud))$)",
      R"(^\._?sync_[0-9a-f]+\.db$)"},
-    {SyncClient::Dropbox, "Dropbox",
-     R"(^(?<stem>.+) \((?<computer>.+)['’]s conflicted copy (?<date>\d{4}-\d{2}-\d{2})(?: \(\d+\))?\)(?<ext>\.[^.]+)?$)",
-     "yyyy-MM-dd", nullptr, nullptr, R"(^(?:\.dropbox|\.dropbox\.cache)$)", R"(^\.dropbox$)"},
+    {SyncClient::Dropbox,
+     "Dropbox",
+     {{{R"(^(?<stem>.+) \((?<computer>.+)['’]s conflicted copy (?<date>\d{4}-\d{2}-\d{2})(?: \(\d+\))?\)(?<ext>\.[^.]+)?$)",
+        "yyyy-MM-dd", nullptr},
+       {}}},
+     nullptr,
+     R"(^(?:\.dropbox|\.dropbox\.cache)$)",
+     R"(^\.dropbox$)"},
 }};
 
 const ClientRules &rulesOf(SyncClient client)
@@ -50,11 +72,16 @@ const ClientRules &rulesOf(SyncClient client)
 
 struct CompiledRules
 {
-    Regex copy;
-    Regex placeholder; // invalid, matching nothing, where the client has none
+    std::array<Regex, 2> copies; // invalid, matching nothing, where the client has no rule
+    Regex placeholder;
     Regex ownFile;
     Regex marker;
 };
+
+Regex compiledOrNone(const char *pattern)
+{
+    return pattern ? Regex(QString::fromUtf8(pattern)) : Regex();
+}
 
 const CompiledRules &compiledRules(SyncClient client)
 {
@@ -62,12 +89,11 @@ const CompiledRules &compiledRules(SyncClient client)
         std::array<CompiledRules, kClients.size()> compiled;
         for (size_t i = 0; i < kClients.size(); ++i) {
             const ClientRules &rules = kClients[i];
-            compiled[i] = {Regex(QString::fromUtf8(rules.copyPattern)),
-                           rules.placeholderPattern
-                               ? Regex(QString::fromUtf8(rules.placeholderPattern))
-                               : Regex(),
-                           Regex(QString::fromUtf8(rules.ownFilePattern)),
-                           Regex(QString::fromUtf8(rules.markerPattern))};
+            compiled[i] = {
+                {compiledOrNone(rules.copies[0].pattern), compiledOrNone(rules.copies[1].pattern)},
+                compiledOrNone(rules.placeholderPattern),
+                compiledOrNone(rules.ownFilePattern),
+                compiledOrNone(rules.markerPattern)};
         }
         return compiled;
     }();
@@ -89,21 +115,25 @@ QString clientName(SyncClient client)
 std::optional<ConflictCopyName> parseConflictCopyName(SyncClient client, const QString &fileName)
 {
     const ClientRules &rules = rulesOf(client);
-    const Regex &regex = compiledRules(client).copy;
-    const std::optional<RegexMatch> match = regex.match(fileName);
-    if (!match)
-        return std::nullopt;
-    const QDate date =
-        QDate::fromString(group(regex, *match, fileName, "date"), QLatin1String(rules.dateFormat));
-    QTime time(0, 0);
-    if (rules.timeFormat)
-        time = QTime::fromString(group(regex, *match, fileName, "time"),
-                                 QLatin1String(rules.timeFormat));
-    if (!date.isValid() || !time.isValid())
-        return std::nullopt;
-    return ConflictCopyName{group(regex, *match, fileName, "stem") +
-                                group(regex, *match, fileName, "ext"),
-                            QDateTime(date, time), group(regex, *match, fileName, "computer")};
+    for (size_t i = 0; i < rules.copies.size(); ++i) {
+        const CopyRule &rule = rules.copies[i];
+        const Regex &regex = compiledRules(client).copies[i];
+        const std::optional<RegexMatch> match = regex.match(fileName);
+        if (!match)
+            continue;
+        const QDate date = QDate::fromString(group(regex, *match, fileName, "date"),
+                                             QLatin1String(rule.dateFormat));
+        QTime time(0, 0);
+        if (rule.timeFormat)
+            time = QTime::fromString(group(regex, *match, fileName, "time"),
+                                     QLatin1String(rule.timeFormat));
+        if (!date.isValid() || !time.isValid())
+            continue;
+        return ConflictCopyName{group(regex, *match, fileName, "stem") +
+                                    group(regex, *match, fileName, "ext"),
+                                QDateTime(date, time), group(regex, *match, fileName, "computer")};
+    }
+    return std::nullopt;
 }
 
 std::optional<QString> placeholderTarget(SyncClient client, const QString &fileName)
@@ -135,6 +165,28 @@ std::optional<SyncClient> detectSyncClient(const QString &folder)
         if (dir.isRoot() || !dir.cdUp())
             return std::nullopt;
     }
+}
+
+bool isConflictCopyInLibrary(const QString &path)
+{
+    const QString name = path::lastComponent(path);
+    // Every client's copies say so in their names: most names need no more.
+    if (!name.contains(u"conflict"))
+        return false;
+    static std::mutex mutex;
+    static QString root;
+    static std::optional<SyncClient> client;
+    std::optional<SyncClient> current;
+    {
+        const QString library = store::libraryRoot();
+        std::lock_guard lock(mutex);
+        if (library != root) {
+            root = library;
+            client = library.isEmpty() ? std::nullopt : detectSyncClient(library);
+        }
+        current = client;
+    }
+    return current && parseConflictCopyName(*current, name).has_value();
 }
 
 } // namespace tl::sync

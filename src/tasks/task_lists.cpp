@@ -4,6 +4,7 @@
 #include "foundation/compare.h"
 #include "foundation/path_string.h"
 #include "platform/settings.h"
+#include "store/conflict_copies.h"
 #include "store/extensions.h"
 #include "store/item_path.h"
 #include "store/keys.h"
@@ -108,8 +109,8 @@ qint64 documentCount(const QString &book)
     qint64 total = 0;
     forEachEntry(book, [&](const QString &name, bool directory) {
         if (directory || name.endsWith(u".plist") || store::tl_pathIsPlaceholderStub(name) ||
-            name.endsWith(u".__sidecar") || path::extension(name) == u"autosave" ||
-            name.startsWith(u".DS_Store"))
+            store::tl_pathIsConflictCopy(name) || name.endsWith(u".__sidecar") ||
+            path::extension(name) == u"autosave" || name.startsWith(u".DS_Store"))
             return;
         ++total;
     });

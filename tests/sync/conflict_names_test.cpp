@@ -1,5 +1,8 @@
+#include "browser/document_list.h"
+#include "store/conflict_copies.h"
 #include "store/library_fixture.h"
 #include "sync/conflict_names.h"
+#include "sync/sync_sources.h"
 
 #include <gtest/gtest.h>
 
@@ -33,6 +36,8 @@ TEST(ConflictNames, EachClientsPatternAndItsLookAlikes)
         {SyncClient::Nextcloud, "Note (conflicted copy 2024-03-05 126015).md", nullptr, {}, ""},
         {SyncClient::Nextcloud, "Note (conflicted copy).md", nullptr, {}, ""},
         {SyncClient::Nextcloud, "Note (Studio's conflicted copy 2024-03-05).md", nullptr, {}, ""},
+        {SyncClient::Nextcloud, "Note_conflict-20240305-123015.md", "Note.md", noon, ""},
+        {SyncClient::Nextcloud, "Note_conflict-20240305-1230.md", nullptr, {}, ""},
         {SyncClient::Dropbox, "Note (Studio's conflicted copy 2024-03-05).md", "Note.md", day,
          "Studio"},
         {SyncClient::Dropbox, "Note (Ann\u2019s Mac's conflicted copy 2024-03-05 (1)).md",
@@ -92,6 +97,36 @@ TEST_F(DetectionTest, TheMarkerInTheLibraryOrAboveNamesTheClient)
     EXPECT_EQ(detectSyncClient(root_), SyncClient::Nextcloud);
     makeFolder(inRoot(".stfolder"));
     EXPECT_EQ(detectSyncClient(root_), SyncClient::Syncthing);
+}
+
+TEST_F(DetectionTest, WithoutAClientNoNameIsAConflictCopy)
+{
+    EXPECT_FALSE(isConflictCopyInLibrary(inRoot("Note.sync-conflict-20240305-123015-ABCD123.md")));
+}
+
+TEST_F(DetectionTest, AConflictCopyIsAVersionNotADocumentOfItsBook)
+{
+    makeFolder(inRoot(".stfolder"));
+    tl::store::setConflictCopyRule(isConflictCopyInLibrary);
+    const QString copy = makeFile(inRoot("Book/Note.sync-conflict-20240305-123015-ABCD123.md"));
+    const QString note = makeFile(inRoot("Book/Note.md"));
+    // Another client's naming is an ordinary name here.
+    const QString other = makeFile(inRoot("Book/Note (conflicted copy 2024-03-05 123015).md"));
+
+    tl::browser::TLKSDocumentListViewController list;
+    list.path = inRoot("Book");
+    list.getDocumentsInFolder();
+    QStringList listed;
+    for (const tl::store::ListRow &row : list.documentsList)
+        listed << row.path;
+    listed.sort();
+    EXPECT_EQ(listed, (QStringList{other, note}));
+    // The document's conflict versions still offer it.
+    ConflictCopySource source(SyncClient::Syncthing, root_);
+    const QList<FileVersion> versions = source.unresolvedConflictVersions(note);
+    ASSERT_EQ(versions.size(), 1);
+    EXPECT_EQ(versions.first().location, copy);
+    tl::store::setConflictCopyRule({});
 }
 
 } // namespace
