@@ -188,6 +188,11 @@ DocumentListPane::DocumentListPane(browser::DocumentListModel &model,
                 m_searchTitle->setVisible(!title.isEmpty());
             });
     connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+        QStringList rows;
+        for (const QModelIndex &index : m_view->selectionModel()->selectedRows())
+            rows << index.data(DocumentListModel::PathRole).toString();
+        if (std::exchange(m_selectedRows, rows) == rows)
+            return;
         if (!m_silent)
             handleSelection();
         Q_EMIT selectionChanged();

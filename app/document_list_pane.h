@@ -90,6 +90,9 @@ private:
     QLabel *m_searchTitle;
     QString m_pendingSelection;
     bool m_silent = false;
+    // The rows selected as last told: rows coming and going around them
+    // change the selection model, not what is selected.
+    QStringList m_selectedRows;
     bool m_settingField = false;
 };
 

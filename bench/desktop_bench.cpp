@@ -4,20 +4,16 @@
 // Each time is printed with a floor measured in the same run: listing the
 // book's folder with its file dates, and rendering the document alone.
 // Run under a display (xvfb-run) or with QT_QPA_PLATFORM=offscreen.
-#include "assembly/core_assembly.h"
 #include "browser/document_list_model.h"
 #include "browser/event_bridge.h"
 #include "browser/render_worker.h"
+#include "desktop_setup.h"
 #include "document/document_pane.h"
 #include "document/formatted_view.h"
-#include "document_windows.h"
 #include "foundation/events.h"
 #include "foundation/notification_center.h"
 #include "main_window.h"
 #include "outline_pane.h"
-#include "platform/alerts.h"
-#include "platform/settings.h"
-#include "store/keys.h"
 
 #include <QApplication>
 #include <QDir>
@@ -34,21 +30,6 @@ namespace {
 constexpr int kBooks = 100;
 constexpr int kDocuments = 10000;
 constexpr int kLargestBook = 1090; // the other 99 books hold 90 each
-
-QString makeSandbox()
-{
-    QByteArray templ = (QDir::tempPath() + "/tavelle-desktop-bench-XXXXXX").toLocal8Bit();
-    const QString base = QString::fromLocal8Bit(mkdtemp(templ.data()));
-    for (const auto &[name, sub] : {std::pair{"HOME", "home"},
-                                    {"XDG_CONFIG_HOME", "home/.config"},
-                                    {"XDG_DATA_HOME", "home/.local/share"},
-                                    {"XDG_CACHE_HOME", "home/.cache"},
-                                    {"TMPDIR", "tmp"}}) {
-        QDir().mkpath(base + '/' + sub);
-        setenv(name, (base + '/' + sub).toLocal8Bit().constData(), 1);
-    }
-    return base;
-}
 
 void writeFile(const QString &path, const QByteArray &bytes)
 {
@@ -138,7 +119,7 @@ double listingFloorMs(const QString &book)
 
 int main(int argc, char **argv)
 {
-    const QString sandbox = makeSandbox();
+    const QString sandbox = makeSandbox("tavelle-desktop-bench");
     const QString root = sandbox + "/Library";
     makeLibrary(root);
 
@@ -146,16 +127,7 @@ int main(int argc, char **argv)
     start.start();
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QApplication app(argc, argv);
-    tl::assembly::CoreParts parts;
-    parts.host = tl::assembly::Host::Desktop;
-    parts.alerts = std::make_shared<tl::platform::HeadlessAlertPresenter>();
-    parts.showWhatsNew = [] {};
-    parts.showAllPanes = [] {};
-    parts.effectiveAppearanceName = [] { return QStringLiteral("Light"); };
-    parts.openDocuments = [](const QVariantList &) {};
-    parts.showInOpenWindow = tl::app::showInOpenWindow;
-    tl::assembly::assembleCore(parts);
-    tl::platform::settings().set(QLatin1String(tl::keys::setting::TavelleFolder), root);
+    assembleHeadlessDesktop(root);
 
     tl::browser::EventBridge bridge;
     tl::app::MainWindow window(bridge);

@@ -87,6 +87,10 @@ bool keepsManualOrder(int smartType)
 // Beyond this many moves the views are told of a new order at once.
 constexpr qsizetype kMostSingleMoves = 64;
 
+// The file events one turn of the event loop applies: a backlog of an
+// import's events is worked off in slices, the window repainting between.
+constexpr qsizetype kMostFileEventsPerTurn = 200;
+
 // Marks the members of one longest rising run of the numbers (patience
 // sorting): those rows keep their places, the others move.
 QList<bool> longestRisingRun(const QList<qsizetype> &numbers)
@@ -126,7 +130,12 @@ DocumentListModel::DocumentListModel(TLKSDocumentListViewController &list, QObje
 {
     connect(m_previewer.get(), &CoalescingWorker::finished, this,
             [this](const QVariant &value) { previewsMade(value.toMap()); });
-    m_list.rowsChanged = [this] { syncWithList(); };
+    m_list.rowsChanged = [this] {
+        if (m_applying)
+            m_rowsChangedMeanwhile = true;
+        else
+            syncWithList();
+    };
     m_entries = currentEntries();
     m_shownBook = m_list.path;
     m_shownType = m_list.smartBookType;
@@ -152,27 +161,100 @@ DocumentListModel::~DocumentListModel()
 
 void DocumentListModel::connectToBridge(EventBridge &bridge)
 {
-    connect(&bridge, &EventBridge::fileModifiedOnDisk, this,
-            [this](const QString &p) { m_list.documentModifiedOnDisk(p); });
-    connect(&bridge, &EventBridge::fileDeletedFromDisk, this,
-            [this](const QString &p) { m_list.documentDeletedFromDisk(p); });
-    connect(&bridge, &EventBridge::updateTaskIcon, this,
-            [this](const QString &p) { m_list.taskIconChanged(p); });
-    connect(&bridge, &EventBridge::newFileCreated, this,
-            [this](const QString &p) { m_list.newFileCreated(p); });
-    connect(
-        &bridge, &EventBridge::fileMoved, this,
-        [this](const QString &from, const QString &to, bool) { m_list.documentMoved(from, to); });
+    connect(&bridge, &EventBridge::fileModifiedOnDisk, this, [this](const QString &p) {
+        queueFileEvent({FileEvent::Modified, p, {}});
+    });
+    connect(&bridge, &EventBridge::fileDeletedFromDisk, this, [this](const QString &p) {
+        queueFileEvent({FileEvent::Deleted, p, {}});
+    });
+    connect(&bridge, &EventBridge::updateTaskIcon, this, [this](const QString &p) {
+        queueFileEvent({FileEvent::TaskIcon, p, {}});
+    });
+    connect(&bridge, &EventBridge::newFileCreated, this, [this](const QString &p) {
+        queueFileEvent({FileEvent::Created, p, {}});
+    });
+    connect(&bridge, &EventBridge::fileMoved, this,
+            [this](const QString &from, const QString &to, bool) {
+                queueFileEvent({FileEvent::Moved, from, to});
+            });
     connect(&bridge, &EventBridge::newBookSelected, this, [this](const QString &p, int type) {
         if (!m_list.takeOpenedBook(p, type))
             return;
+        // The book is read whole from disk: what waited is in it.
+        dropFileEvents();
         // Smart books gather from the whole library: off the main thread.
         if (type != 0)
             reloadBookInBackground();
         else
             m_list.reloadBook();
     });
-    connect(&bridge, &EventBridge::reloadCurrentBook, this, [this] { m_list.reloadBook(); });
+    connect(&bridge, &EventBridge::reloadCurrentBook, this, [this] {
+        dropFileEvents();
+        m_list.reloadBook();
+    });
+}
+
+void DocumentListModel::queueFileEvent(FileEvent event)
+{
+    if (event.kind == FileEvent::Modified) {
+        if (m_modifiedWaiting.contains(event.path))
+            return;
+        m_modifiedWaiting.insert(event.path);
+    } else {
+        // A change after this event is a change of what it left.
+        m_modifiedWaiting.remove(event.path);
+        m_modifiedWaiting.remove(event.newPath);
+    }
+    m_fileEvents << std::move(event);
+    if (!m_applyPosted) {
+        m_applyPosted = true;
+        QMetaObject::invokeMethod(this, &DocumentListModel::applyFileEvents, Qt::QueuedConnection);
+    }
+}
+
+void DocumentListModel::dropFileEvents()
+{
+    m_fileEvents.clear();
+    m_modifiedWaiting.clear();
+}
+
+void DocumentListModel::applyFileEvents()
+{
+    m_applyPosted = false;
+    const qsizetype count = std::min(m_fileEvents.size(), kMostFileEventsPerTurn);
+    const QList<FileEvent> slice = m_fileEvents.first(count);
+    m_fileEvents.remove(0, count);
+    for (const FileEvent &event : slice)
+        if (event.kind == FileEvent::Modified)
+            m_modifiedWaiting.remove(event.path);
+    m_applying = true;
+    m_rowsChangedMeanwhile = false;
+    for (const FileEvent &event : slice) {
+        switch (event.kind) {
+        case FileEvent::Modified:
+            m_list.documentModifiedOnDisk(event.path);
+            break;
+        case FileEvent::Deleted:
+            m_list.documentDeletedFromDisk(event.path);
+            break;
+        case FileEvent::Created:
+            m_list.newFileCreated(event.path);
+            break;
+        case FileEvent::Moved:
+            m_list.documentMoved(event.path, event.newPath);
+            break;
+        case FileEvent::TaskIcon:
+            m_list.taskIconChanged(event.path);
+            break;
+        }
+    }
+    m_applying = false;
+    if (m_rowsChangedMeanwhile)
+        syncWithList();
+    if (!m_fileEvents.isEmpty() && !m_applyPosted) {
+        m_applyPosted = true;
+        QMetaObject::invokeMethod(this, &DocumentListModel::applyFileEvents, Qt::QueuedConnection);
+    }
 }
 
 QList<DocumentListModel::Entry> DocumentListModel::currentEntries() const
@@ -225,12 +307,18 @@ void DocumentListModel::syncWithList()
     };
     if (!sameRows && !onlyNewRows())
         reshapeTo(fresh);
-    // Changed rows, and new rows in their places.
+    // Changed rows, and new rows in their places, each run of them at once.
     for (qsizetype i = 0; i < fresh.size(); ++i) {
         if (i >= m_entries.size() || m_entries[i].key != fresh[i].key) {
-            beginInsertRows({}, int(i), int(i));
-            m_entries.insert(i, fresh[i]);
+            qsizetype end = i + 1;
+            while (end < fresh.size() &&
+                   (i >= m_entries.size() || m_entries[i].key != fresh[end].key))
+                ++end;
+            beginInsertRows({}, int(i), int(end - 1));
+            m_entries.insert(i, end - i, Entry{});
+            std::move(fresh.begin() + i, fresh.begin() + end, m_entries.begin() + i);
             endInsertRows();
+            i = end - 1;
         } else if (!m_entries[i].sameContent(fresh[i])) {
             m_entries[i] = fresh[i];
             if (fresh[i].row) {

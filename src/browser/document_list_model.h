@@ -93,6 +93,18 @@ Q_SIGNALS:
 
 private:
     struct Entry;
+    // A file event from the bridge, waiting for the end of the event-loop
+    // turn: an import reports thousands of files, 3 or 4 events each, and
+    // the list takes what arrived in a turn as one update.
+    struct FileEvent
+    {
+        enum Kind { Modified, Deleted, Created, Moved, TaskIcon } kind;
+        QString path;
+        QString newPath;
+    };
+    void queueFileEvent(FileEvent event);
+    void applyFileEvents();
+    void dropFileEvents();
     void syncWithList();
     // Removes the rows that are gone and puts the rest in the new order; the
     // caller inserts the new ones.
@@ -104,6 +116,13 @@ private:
 
     TLKSDocumentListViewController &m_list;
     QList<Entry> m_entries;
+    QList<FileEvent> m_fileEvents;
+    // Paths with a change waiting: another change of the same file adds nothing.
+    QSet<QString> m_modifiedWaiting;
+    bool m_applyPosted = false;
+    // While events are applied the rows change many times; the views hear once.
+    bool m_applying = false;
+    bool m_rowsChangedMeanwhile = false;
     QString m_shownBook;
     int m_shownType = -1;
     std::unique_ptr<CoalescingWorker> m_loader;

@@ -229,16 +229,34 @@ TEST_F(DocumentListModelTest, PreviewsArriveFromAWorkerWhereTheBookAsksForThem)
     EXPECT_EQ(changed.first().at(0).toModelIndex(), a);
 }
 
-TEST_F(DocumentListModelTest, TheBridgeDeliversFileEventsOnTheMainThread)
+TEST_F(DocumentListModelTest, ABurstOfFileEventsIsOneUpdateOfTheList)
 {
     tl::browser::EventBridge bridge;
     model->connectToBridge(bridge);
-    const QString added = doc("added.txt");
-    tl::NotificationCenter::defaultCenter().post(tl::events::FileModifiedOnDisk, {{"path", added}});
-    EXPECT_EQ(checked->inserted, 0) << "delivery is queued";
+    const QPersistentModelIndex b = model->indexForPath(book + "/b.md");
+    tl::NotificationCenter &center = tl::NotificationCenter::defaultCenter();
+    // An import's news: each note from the import, then the watcher's
+    // reports of the note and its properties file.
+    QStringList added;
+    for (const char *name : {"ab.txt", "z.txt", "0.txt", "bb.txt"}) {
+        added << doc(QLatin1String(name));
+        for (const QString &path : {added.last(), added.last(), added.last() + ".plist"})
+            center.post(tl::events::FileModifiedOnDisk, {{"path", path}});
+    }
+    ASSERT_TRUE(tl::platform::moveItem(book + "/c.txt", book + "/cc.txt"));
+    center.post(tl::events::FileMoved,
+                {{"originalPath", book + "/c.txt"}, {"newPath", book + "/cc.txt"}});
     QCoreApplication::processEvents();
-    EXPECT_EQ(checked->inserted, 1);
-    EXPECT_TRUE(model->indexForPath(added).isValid());
+    EXPECT_EQ(checked->inserted, 0) << "delivery is queued, and the events wait for the turn's end";
+    QCoreApplication::processEvents();
+    EXPECT_EQ(shown(), (QStringList{"7 DOCUMENTS", "0", "a", "ab", "b", "bb", "cc", "z"}));
+    EXPECT_EQ(checked->resets, 0);
+    EXPECT_EQ(checked->layouts, 0);
+    EXPECT_EQ(model->pathAt(b), book + "/b.md") << "a selected row stays known";
+    const int updates = checked->inserted + checked->moved + checked->changed;
+    list.getDocumentsInFolder();
+    EXPECT_EQ(checked->inserted + checked->moved + checked->changed, updates)
+        << "the list as a fresh listing makes it";
 }
 
 } // namespace

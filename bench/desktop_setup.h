@@ -1,0 +1,43 @@
+#pragma once
+
+// What a benchmark of the window needs before its main window: a home of its
+// own below a fresh folder, and the core put together as the desktop program
+// does it, with no questions shown, over the library at the root given.
+#include "assembly/core_assembly.h"
+#include "document_windows.h"
+#include "platform/alerts.h"
+#include "platform/settings.h"
+#include "store/keys.h"
+
+#include <QDir>
+#include <cstdlib>
+
+// The folder holding the home; the caller removes it at the end.
+inline QString makeSandbox(const char *name)
+{
+    QByteArray templ = (QDir::tempPath() + '/' + name + "-XXXXXX").toLocal8Bit();
+    const QString base = QString::fromLocal8Bit(mkdtemp(templ.data()));
+    for (const auto &[variable, sub] : {std::pair{"HOME", "home"},
+                                        {"XDG_CONFIG_HOME", "home/.config"},
+                                        {"XDG_DATA_HOME", "home/.local/share"},
+                                        {"XDG_CACHE_HOME", "home/.cache"},
+                                        {"TMPDIR", "tmp"}}) {
+        QDir().mkpath(base + '/' + sub);
+        setenv(variable, (base + '/' + sub).toLocal8Bit().constData(), 1);
+    }
+    return base;
+}
+
+inline void assembleHeadlessDesktop(const QString &root)
+{
+    tl::assembly::CoreParts parts;
+    parts.host = tl::assembly::Host::Desktop;
+    parts.alerts = std::make_shared<tl::platform::HeadlessAlertPresenter>();
+    parts.showWhatsNew = [] {};
+    parts.showAllPanes = [] {};
+    parts.effectiveAppearanceName = [] { return QStringLiteral("Light"); };
+    parts.openDocuments = [](const QVariantList &) {};
+    parts.showInOpenWindow = tl::app::showInOpenWindow;
+    tl::assembly::assembleCore(parts);
+    tl::platform::settings().set(QLatin1String(tl::keys::setting::TavelleFolder), root);
+}
