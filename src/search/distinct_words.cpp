@@ -95,7 +95,7 @@ std::string distinctSearchWords(QStringView text)
 std::optional<std::string> distinctASCIISearchWords(std::string_view bytes)
 {
     using detail::DistinctWords;
-    DistinctWords words(bytes.size() / 8);
+    DistinctWords words(bytes.size() / 5);
     // Each word folded into its own place here, no longer than in the bytes.
     std::string folded(bytes.size(), '\0');
     const char *in = bytes.data();

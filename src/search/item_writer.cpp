@@ -4,6 +4,11 @@
 #include "foundation/path_string.h"
 #include "search/searchable_text.h"
 
+#include <QFile>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace tl::search::detail {
 
 namespace {
@@ -13,19 +18,50 @@ std::string_view utf8(const QByteArray &bytes)
     return {bytes.constData(), size_t(bytes.size())};
 }
 
+ReadItem itemWithoutWords(const Change &change)
+{
+    return ReadItem{change.stamp,
+                    change.id,
+                    change.stamp.path.toUtf8(),
+                    caseAndDiacriticFolded(path::lastComponent(change.stamp.path)).toUtf8(),
+                    {}};
+}
+
 } // namespace
 
 ReadItem readItem(const SearchableText &reader, const Change &change)
 {
-    ReadItem item{change.stamp,
-                  change.id,
-                  change.stamp.path.toUtf8(),
-                  caseAndDiacriticFolded(path::lastComponent(change.stamp.path)).toUtf8(),
-                  {}};
+    ReadItem item = itemWithoutWords(change);
     if (!change.stamp.isFolder)
         item.words =
             reader.distinctWordsOf(change.stamp.path, change.stamp.size).value_or(std::string());
     return item;
+}
+
+std::optional<ReadItem> readFoundFile(const SearchableText &reader, const FoundFile &file)
+{
+    const QString path =
+        QFile::decodeName(QByteArray(file.path.data(), qsizetype(file.path.size())));
+    struct stat st
+    {
+    };
+    // Opened through its folder, a plain-text file gives its stamp and its
+    // text without the path being looked up twice.
+    const int fd = reader.isPlainText(path)
+                       ? ::openat(file.folder, file.name, O_RDONLY | O_CLOEXEC | O_NONBLOCK)
+                       : -1;
+    if (fd >= 0 && ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode)) {
+        ReadItem item = itemWithoutWords(Change{encodedStamp(file.path, st).decoded()});
+        item.words =
+            SearchableText::distinctWordsOfPlainText(fd, item.stamp.size).value_or(std::string());
+        ::close(fd);
+        return item;
+    }
+    if (fd >= 0)
+        ::close(fd);
+    if (::fstatat(file.folder, file.name, &st, 0) != 0)
+        return std::nullopt;
+    return readItem(reader, Change{encodedStamp(file.path, st).decoded()});
 }
 
 ItemWriter::ItemWriter(Database &db, WordsTable table)

@@ -4,6 +4,7 @@
 #include "search/sqlite_database.h"
 
 #include <QByteArray>
+#include <optional>
 #include <string>
 
 namespace tl::search {
@@ -33,6 +34,8 @@ struct ReadItem
 
 // Reads what the index keeps of an item; safe on several threads at once.
 ReadItem readItem(const SearchableText &reader, const Change &change);
+// The same for a new plain file as the walk found it; nothing when it is gone.
+std::optional<ReadItem> readFoundFile(const SearchableText &reader, const FoundFile &file);
 
 // Which table the words of an item go to: a build from nothing fills `built`,
 // everything after it `later`.

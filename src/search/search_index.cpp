@@ -2,6 +2,7 @@
 
 #include "foundation/compare.h"
 #include "foundation/path_string.h"
+#include "search/blank_tokenizer.h"
 #include "search/item_writer.h"
 #include "search/name_list.h"
 #include "search/read_item_queue.h"
@@ -40,7 +41,7 @@ using detail::StoredStamps;
 using detail::WordsTable;
 
 // Raised whenever the tables change shape: an index of another shape is rebuilt.
-constexpr int kSchemaVersion = 4;
+constexpr int kSchemaVersion = 5;
 
 // Documents read per batch: one batch is read on the worker threads while the
 // one before is written.
@@ -54,11 +55,11 @@ CREATE TABLE IF NOT EXISTS items(
     modified INTEGER NOT NULL,
     size INTEGER NOT NULL);
 CREATE VIRTUAL TABLE IF NOT EXISTS built USING fts5(
-    words, tokenize = 'ascii', detail = none, content = '', columnsize = 0);
+    words, tokenize = 'blank', detail = none, content = '', columnsize = 0);
 CREATE VIRTUAL TABLE IF NOT EXISTS later USING fts5(
-    words, tokenize = 'ascii', detail = none, columnsize = 0);
+    words, tokenize = 'blank', detail = none, columnsize = 0);
 CREATE TABLE IF NOT EXISTS outdated(id INTEGER PRIMARY KEY);
-PRAGMA user_version = 4;
+PRAGMA user_version = 5;
 )";
 
 // Made after a build's items are in: sorting every path once is quicker than
@@ -73,15 +74,15 @@ const char *const kPathIndex = "CREATE UNIQUE INDEX IF NOT EXISTS items_by_path 
 // told its words again. Items written after it go into `later`, which keeps
 // its words and can, and their ids into `outdated`: the rows of `built` for
 // those ids no longer count.
-//
-// The words are folded and joined by blanks before they are stored, and the
-// terms of a query alike, so the index splits them at blanks and nothing
-// more: ASCII's tokenizer does, taking every other character as part of a word.
 
 // A whole library into an empty file that nothing else reads yet: no journal
 // and no sharing, as the file is put in place only once complete.
-const char *const kBuildingPragmas = "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; "
-                                     "PRAGMA locking_mode = EXCLUSIVE; PRAGMA cache_size = -262144";
+const char *const kBuildingPragmas =
+    "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; "
+    "PRAGMA locking_mode = EXCLUSIVE; PRAGMA cache_size = -262144; "
+    // Sorting the paths for their index is the build's last
+    // step, with the other core free.
+    "PRAGMA threads = 2";
 
 // Words of a build held in memory before they are written: enough for a large
 // library to be written at once rather than in pieces merged afterwards.
@@ -96,14 +97,14 @@ std::pair<QString, QString> rangeBelow(const QString &folder)
 
 std::optional<ItemStamp> stampOf(const QString &path)
 {
+    const QByteArray encoded = QFile::encodeName(path);
     struct stat st
     {
     };
-    if (::stat(QFile::encodeName(path).constData(), &st) != 0)
+    if (::stat(encoded.constData(), &st) != 0)
         return std::nullopt;
-    const bool isFolder = S_ISDIR(st.st_mode);
-    return ItemStamp{path, qint64(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec,
-                     isFolder ? 0 : qint64(st.st_size), isFolder};
+    return encodedStamp(std::string_view(encoded.constData(), size_t(encoded.size())), st)
+        .decoded();
 }
 
 // Items holding every word of a phrase, the last as a prefix.
@@ -128,6 +129,8 @@ struct SearchIndex::Private
     Database writer;
     QMutex reading;
     Database reader;
+    // The file holds an index of another shape.
+    bool otherShape = false;
     // What the reader last loaded of the names, and the data version then.
     NameList names;
     qint64 namesVersion = -1;
@@ -135,10 +138,17 @@ struct SearchIndex::Private
     bool openBoth()
     {
         QDir().mkpath(path::deletingLastComponent(databasePath));
-        if (!writer.open(databasePath) || !prepare(writer) || !reader.open(databasePath))
+        if (!openIndex(writer, databasePath) || !prepare(writer) ||
+            !openIndex(reader, databasePath))
             return false;
         reader.exec("PRAGMA query_only = 1");
         return reader.failure() == 0;
+    }
+
+    static bool openIndex(Database &db, const QString &path,
+                          Database::Threads threads = Database::Threads::Several)
+    {
+        return db.open(path, threads) && detail::registerBlankTokenizer(db.handle());
     }
 
     bool prepare(Database &db)
@@ -154,11 +164,10 @@ struct SearchIndex::Private
             return false;
         if (found == kSchemaVersion)
             return true;
-        if (found != 0 && !db.exec("DROP TABLE IF EXISTS items; DROP TABLE IF EXISTS content; "
-                                   "DROP TABLE IF EXISTS built; DROP TABLE IF EXISTS later; "
-                                   "DROP TABLE IF EXISTS outdated"))
-            return false;
-        return db.exec(kSchema) && db.exec(kPathIndex);
+        // An index of another shape may name a tokenizer this one lacks, so
+        // it cannot even be dropped table by table: the file goes whole.
+        otherShape = found != 0;
+        return !otherShape && db.exec(kSchema) && db.exec(kPathIndex);
     }
 
     static void removeDatabase(const QString &path)
@@ -176,6 +185,7 @@ struct SearchIndex::Private
         writer.close();
         reader.close();
         namesVersion = -1;
+        otherShape = false;
         removeDatabase(databasePath);
         removeDatabase(buildingPath());
         return openBoth();
@@ -191,7 +201,8 @@ struct SearchIndex::Private
         bool built = false;
         {
             Database fresh;
-            built = fresh.open(building) && fresh.exec(kBuildingPragmas) && fresh.exec(kSchema) &&
+            built = openIndex(fresh, building, Database::Threads::One) &&
+                    fresh.exec(kBuildingPragmas) && fresh.exec(kSchema) &&
                     fresh.exec(kBuildingWords) && fresh.exec("BEGIN") && writeEverything(fresh) &&
                     fresh.exec(kPathIndex) && fresh.exec("COMMIT");
         }
@@ -215,9 +226,15 @@ struct SearchIndex::Private
         ReadItemQueue queue;
         const SearchableText text;
         std::thread walking([&] {
-            forEachSearchableItemInParallel(root, [&](const EncodedItemStamp &item) {
-                queue.push(detail::readItem(text, Change{item.decoded()}));
-            });
+            forEachSearchableItemInParallel(
+                root,
+                [&](const EncodedItemStamp &item) {
+                    queue.push(detail::readItem(text, Change{item.decoded()}));
+                },
+                [&](const FoundFile &file) {
+                    if (std::optional<ReadItem> item = detail::readFoundFile(text, file))
+                        queue.push(std::move(*item));
+                });
             queue.close();
         });
         ItemWriter items(db, WordsTable::Built);
@@ -231,7 +248,8 @@ struct SearchIndex::Private
     // Opens the index, throwing away a damaged one.
     void open()
     {
-        if (!openBoth() && (writer.isDamaged() || reader.isDamaged() || !writer.isOpen()))
+        if (!openBoth() &&
+            (otherShape || writer.isDamaged() || reader.isDamaged() || !writer.isOpen()))
             startAfresh();
     }
 

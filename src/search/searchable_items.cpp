@@ -57,9 +57,10 @@ bool isPackage(std::string_view path)
 }
 
 // Lists one folder: each searchable item is visited, each folder to enter
-// handed to enter().
+// handed to enter(); plain files to visitFile when there is one.
 template <typename Visit, typename Enter>
-void listFolder(const std::string &path, const Resources &resources, Visit &&visit, Enter &&enter)
+void listFolder(const std::string &path, const Resources &resources, Visit &&visit, Enter &&enter,
+                const std::function<void(const FoundFile &)> &visitFile = {})
 {
     DIR *dir = ::opendir(path.c_str());
     if (!dir)
@@ -74,20 +75,23 @@ void listFolder(const std::string &path, const Resources &resources, Visit &&vis
         child += entry->d_name;
         if (resources.leftOut(child))
             continue;
+        if (visitFile && entry->d_type == DT_REG && child != resources.folder) {
+            visitFile(FoundFile{fd, entry->d_name, child});
+            continue;
+        }
         struct stat st
         {
         };
         if (::fstatat(fd, entry->d_name, &st, 0) != 0)
             continue;
-        const bool isFolder = S_ISDIR(st.st_mode);
+        const EncodedItemStamp stamp = encodedStamp(child, st);
         if (child == resources.folder) {
-            if (isFolder)
+            if (stamp.isFolder)
                 enter(child);
             continue;
         }
-        visit(EncodedItemStamp{child, qint64(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec,
-                               isFolder ? 0 : qint64(st.st_size), isFolder});
-        if (isFolder && entry->d_type != DT_LNK && !isPackage(child))
+        visit(stamp);
+        if (stamp.isFolder && entry->d_type != DT_LNK && !isPackage(child))
             enter(child);
     }
     ::closedir(dir);
@@ -148,6 +152,13 @@ private:
 
 } // namespace
 
+EncodedItemStamp encodedStamp(std::string_view path, const struct stat &st)
+{
+    const bool isFolder = S_ISDIR(st.st_mode);
+    return EncodedItemStamp{path, qint64(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec,
+                            isFolder ? 0 : qint64(st.st_size), isFolder};
+}
+
 ItemStamp EncodedItemStamp::decoded() const
 {
     return ItemStamp{QFile::decodeName(QByteArray(path.data(), qsizetype(path.size()))), modified,
@@ -161,14 +172,17 @@ void forEachSearchableItem(const QString &folder,
 }
 
 void forEachSearchableItemInParallel(const QString &folder,
-                                     const std::function<void(const EncodedItemStamp &)> &visit)
+                                     const std::function<void(const EncodedItemStamp &)> &visit,
+                                     const std::function<void(const FoundFile &)> &visitFile)
 {
     const Resources resources;
     FolderQueue queue(QFile::encodeName(folder).toStdString());
     const auto walker = [&] {
         std::string path;
         while (queue.take(path)) {
-            listFolder(path, resources, visit, [&](const std::string &child) { queue.add(child); });
+            listFolder(
+                path, resources, visit, [&](const std::string &child) { queue.add(child); },
+                visitFile);
             queue.listed();
         }
     };

@@ -65,25 +65,24 @@ std::optional<QString> plainText(const QString &path)
     return std::move(decoded->text);
 }
 
-// The bytes of a file of the size it was found with, in one read: a file
-// that has grown since, or is no plain file, is read the careful way.
-std::optional<QByteArray> bytesOfFile(const QString &path, qint64 size)
+// The bytes of an open file found with the given size, in one read when it
+// has not grown since.
+std::optional<QByteArray> bytesOfOpenFile(int fd, qint64 size)
 {
-    // No wait on a pipe that only looks like a document.
-    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (fd < 0)
-        return std::nullopt;
     QByteArray bytes(size + 1, Qt::Uninitialized);
-    ssize_t got = 0;
-    do
-        got = ::read(fd, bytes.data(), size_t(bytes.size()));
-    while (got < 0 && errno == EINTR);
-    ::close(fd);
-    if (got < 0)
-        return std::nullopt;
-    if (got > size)
-        return store::tl_dataWithContentsOfFile(path);
-    bytes.truncate(got);
+    qsizetype filled = 0;
+    for (;;) {
+        const ssize_t got = ::read(fd, bytes.data() + filled, size_t(bytes.size() - filled));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            return std::nullopt;
+        filled += got;
+        if (got == 0 || filled < bytes.size())
+            break;
+        bytes.resize(bytes.size() * 2);
+    }
+    bytes.truncate(filled);
     return bytes;
 }
 
@@ -126,13 +125,29 @@ std::optional<QString> SearchableText::textOf(const QString &path) const
     return std::nullopt;
 }
 
+bool SearchableText::isPlainText(const QString &path) const
+{
+    return kindOf(path, m_customPlainTextExtensions) == Kind::PlainText;
+}
+
 std::optional<std::string> SearchableText::distinctWordsOf(const QString &path, qint64 size) const
 {
-    if (kindOf(path, m_customPlainTextExtensions) != Kind::PlainText) {
+    if (!isPlainText(path)) {
         const std::optional<QString> text = textOf(path);
         return text ? std::optional(distinctSearchWords(*text)) : std::nullopt;
     }
-    const std::optional<QByteArray> bytes = bytesOfFile(path, size);
+    // No wait on a pipe that only looks like a document.
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0)
+        return std::nullopt;
+    std::optional<std::string> words = distinctWordsOfPlainText(fd, size);
+    ::close(fd);
+    return words;
+}
+
+std::optional<std::string> SearchableText::distinctWordsOfPlainText(int fd, qint64 size)
+{
+    const std::optional<QByteArray> bytes = bytesOfOpenFile(fd, size);
     if (!bytes)
         return std::nullopt;
     // Bytes all in ASCII read as UTF-8 as they stand.

@@ -22,6 +22,10 @@ public:
     // found with this size: a plain-text file all in ASCII, the common case,
     // is not decoded for it.
     std::optional<std::string> distinctWordsOf(const QString &path, qint64 size) const;
+    // Whether the file is of a plain-text kind, read as it stands.
+    bool isPlainText(const QString &path) const;
+    // The distinct words of a plain-text file open as fd, found with this size.
+    static std::optional<std::string> distinctWordsOfPlainText(int fd, qint64 size);
 
 private:
     QSet<QString> m_customPlainTextExtensions;

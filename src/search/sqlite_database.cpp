@@ -12,13 +12,21 @@ Database::~Database()
     close();
 }
 
-bool Database::open(const QString &path)
+bool Database::open(const QString &path, Threads threads)
 {
+    static const bool configured = [] {
+        // Counting every allocation takes a lock shared by all connections.
+        sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+        return true;
+    }();
+    Q_UNUSED(configured);
     close();
     m_failure = 0;
-    const int code = sqlite3_open_v2(
-        QFile::encodeName(path).constData(), &m_db,
-        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_FULLMUTEX, nullptr);
+    const int code =
+        sqlite3_open_v2(QFile::encodeName(path).constData(), &m_db,
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE |
+                            (threads == Threads::One ? SQLITE_OPEN_NOMUTEX : SQLITE_OPEN_FULLMUTEX),
+                        nullptr);
     if (code != SQLITE_OK) {
         noteFailure(code);
         close();

@@ -18,7 +18,9 @@ public:
     Database(const Database &) = delete;
     Database &operator=(const Database &) = delete;
 
-    bool open(const QString &path);
+    // A connection used by one thread only need not lock itself.
+    enum class Threads { One, Several };
+    bool open(const QString &path, Threads threads = Threads::Several);
     void close();
     bool isOpen() const { return m_db != nullptr; }
     bool exec(const char *sql);

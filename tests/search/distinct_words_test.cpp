@@ -2,6 +2,7 @@
 // text read without decoding them to the same words.
 #include "search/distinct_words.h"
 
+#include <QRandomGenerator>
 #include <QString>
 #include <gtest/gtest.h>
 
@@ -27,8 +28,25 @@ TEST(DistinctWords, KeepEachFoldedWordOnceInFirstOrder)
 TEST(DistinctWords, ASCIIBytesGiveTheWordsOfTheirText)
 {
     using namespace std::literals;
-    for (const std::string_view text : {"Plan the plans, PLAN again; plan_b x2 X2"sv, "a\0b"sv,
-                                        "..Zz-zZ.."sv, "tab\tend\r\nline"sv, "x"sv}) {
+    std::vector<std::string> texts{"Plan the plans, PLAN again; plan_b x2 X2",
+                                   "a\0b"s,
+                                   "..Zz-zZ..",
+                                   "tab\tend\r\nline",
+                                   "x",
+                                   "",
+                                   "longwordsoverten longwordsovertwenty longwordsoverten@[`{/:"};
+    // Read eight bytes at a time: words across, at and past the pieces' edges,
+    // repeats that differ only after their first eight bytes.
+    QRandomGenerator random(5);
+    for (const std::string &alphabet : {"abcAB0 9-_\n\0"s, "aaaaB "s}) {
+        for (int n = 0; n < 300; ++n) {
+            std::string text;
+            for (int length = random.bounded(60); length > 0; --length)
+                text += alphabet[random.bounded(int(alphabet.size()))];
+            texts.push_back(text);
+        }
+    }
+    for (const std::string &text : texts) {
         const std::optional<std::string> words = tl::search::distinctASCIISearchWords(text);
         ASSERT_TRUE(words) << text;
         EXPECT_EQ(*words, tl::search::distinctSearchWords(
@@ -36,6 +54,7 @@ TEST(DistinctWords, ASCIIBytesGiveTheWordsOfTheirText)
             << text;
     }
     EXPECT_EQ(tl::search::distinctASCIISearchWords("caf\xC3\xA9"), std::nullopt);
+    EXPECT_EQ(tl::search::distinctASCIISearchWords("plain words then \x80"), std::nullopt);
 }
 
 TEST(DistinctWords, ManyWordsOutgrowTheFirstTable)

@@ -3,6 +3,7 @@
 #include "../store/library_fixture.h"
 #include "search/search_index.h"
 #include "search/search_walk.h"
+#include "search/sqlite_database.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -174,6 +175,22 @@ TEST_F(IndexVersusWalk, ADamagedIndexIsBuiltAnew)
     file.seek(0);
     file.write(QByteArray(4096, 'x'));
     file.close();
+    tl::search::SearchIndex index(root_, indexFile());
+    ASSERT_TRUE(index.bringUpToDate());
+    expectSameAnswers(index);
+}
+
+TEST_F(IndexVersusWalk, AnIndexOfAnotherShapeIsBuiltAnew)
+{
+    generate(2, 10);
+    QDir().mkpath(home_ + "/index");
+    {
+        tl::search::detail::Database older;
+        ASSERT_TRUE(older.open(indexFile()));
+        ASSERT_TRUE(older.exec("CREATE TABLE items(id INTEGER PRIMARY KEY, path TEXT); "
+                               "CREATE VIRTUAL TABLE built USING fts5(words, tokenize = 'ascii'); "
+                               "PRAGMA user_version = 4"));
+    }
     tl::search::SearchIndex index(root_, indexFile());
     ASSERT_TRUE(index.bringUpToDate());
     expectSameAnswers(index);
