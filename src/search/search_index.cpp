@@ -77,12 +77,8 @@ const char *const kPathIndex = "CREATE UNIQUE INDEX IF NOT EXISTS items_by_path 
 
 // A whole library into an empty file that nothing else reads yet: no journal
 // and no sharing, as the file is put in place only once complete.
-const char *const kBuildingPragmas =
-    "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; "
-    "PRAGMA locking_mode = EXCLUSIVE; PRAGMA cache_size = -262144; "
-    // Sorting the paths for their index is the build's last
-    // step, with the other core free.
-    "PRAGMA threads = 2";
+const char *const kBuildingPragmas = "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; "
+                                     "PRAGMA locking_mode = EXCLUSIVE; PRAGMA cache_size = -262144";
 
 // Words of a build held in memory before they are written: enough for a large
 // library to be written at once rather than in pieces merged afterwards.
