@@ -21,6 +21,7 @@ namespace tl::app {
 DesktopLaunch::DesktopLaunch(browser::EventBridge &bridge, QObject *parent)
     : QObject(parent), m_bridge(bridge)
 {
+    qApp->installEventFilter(this);
     connect(qApp, &QApplication::aboutToQuit, this, &DesktopLaunch::finish);
     connect(&bridge, &browser::EventBridge::openItemsInNewWindow, this, &openItemsInNewWindow);
 }
@@ -82,11 +83,21 @@ void DesktopLaunch::showAllPanes()
 
 void DesktopLaunch::bringToFront()
 {
-    if (!m_main)
-        return;
-    m_main->show();
-    m_main->raise();
-    m_main->activateWindow();
+    if (m_main)
+        app::bringToFront(m_main);
+}
+
+void DesktopLaunch::reopenDocuments(const QVariantList &documents)
+{
+    app::reopenDocuments(documents, m_main);
+}
+
+bool DesktopLaunch::eventFilter(QObject *watched, QEvent *event)
+{
+    // The application closes every window before it quits.
+    if (watched == qApp && event->type() == QEvent::Quit)
+        finish();
+    return QObject::eventFilter(watched, event);
 }
 
 void DesktopLaunch::finish()

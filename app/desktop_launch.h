@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QVariantList>
 #include <memory>
 
 namespace tl::browser {
@@ -28,6 +29,14 @@ public:
     void showAllPanes();
     // Shows the main window above the others, for a request from outside.
     void bringToFront();
+    // The extra windows of the last session again, the main window closed
+    // when it was closed at the end of that session.
+    void reopenDocuments(const QVariantList &documents);
+
+protected:
+    // A request to quit is answered once the session's windows are
+    // written down, while they are still open.
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void showMainWindow();

@@ -4,7 +4,10 @@
 #include "document/document_pane.h"
 #include "document_windows.h"
 #include "foundation/path_string.h"
+#include "icons.h"
 #include "platform/file_ops.h"
+#include "platform/settings.h"
+#include "shell/shell_keys.h"
 #include "store/item_path.h"
 #include "store/recent_items.h"
 
@@ -12,6 +15,7 @@
 #include <QCloseEvent>
 #include <QFileInfo>
 #include <QFileSystemWatcher>
+#include <QMenuBar>
 #include <QShortcut>
 #include <QVBoxLayout>
 
@@ -50,6 +54,11 @@ DocumentWindow::DocumentWindow(const QString &untitled, QWidget *parent)
     updateTitle();
 }
 
+void DocumentWindow::setMenuBar(QMenuBar *bar)
+{
+    m_layout->setMenuBar(bar);
+}
+
 void DocumentWindow::updateTitle()
 {
     const QString &path = m_document->controller().path;
@@ -81,10 +90,27 @@ const QLatin1String kExtraWindow("extraWindow");
 
 } // namespace
 
+// The way back to the library while its window is closed, and out of the
+// program from any window.
+void addMenuBar(DocumentWindow *window)
+{
+    auto *bar = new QMenuBar(window);
+    QMenu *file = bar->addMenu(QStringLiteral("&File"));
+    QAction *quit = file->addAction(themeIcon(QStringLiteral("application-exit")),
+                                    QStringLiteral("&Quit"), qApp, &QApplication::quit);
+    quit->setShortcut(QKeySequence::Quit);
+    QMenu *windows = bar->addMenu(QStringLiteral("&Window"));
+    QAction *library =
+        windows->addAction(QStringLiteral("&Library Window"), window, &bringMainWindowToFront);
+    library->setShortcut(QKeySequence(QStringLiteral("Ctrl+Shift+L")));
+    window->setMenuBar(bar);
+}
+
 DocumentWindow *openInExtraWindow(const QString &path)
 {
     auto *window = new DocumentWindow(path::lastComponent(path));
     window->setObjectName(kExtraWindow);
+    addMenuBar(window);
     window->resize(640, 720);
     window->documentPane()->controller().selectNewDocument(path);
     bringToFront(window);
@@ -112,7 +138,7 @@ QVariantList extraWindowDocuments()
     return documents;
 }
 
-void reopenDocuments(const QVariantList &documents)
+void reopenDocuments(const QVariantList &documents, QWidget *mainWindow)
 {
     const QString recent = store::recentItemsPath();
     const std::optional<QByteArray> kept = platform::readFile(recent);
@@ -125,6 +151,9 @@ void reopenDocuments(const QVariantList &documents)
     openItemsInNewWindow(paths);
     if (kept)
         platform::writeFileAtomically(recent, *kept);
+    if (mainWindow && !extraWindowDocuments().isEmpty() &&
+        platform::settings().boolValue(QLatin1String(keys::setting::HideBrowserOnLaunch)))
+        mainWindow->close();
 }
 
 } // namespace tl::app

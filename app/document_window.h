@@ -4,6 +4,7 @@
 #include <QWidget>
 
 class QFileSystemWatcher;
+class QMenuBar;
 class QVBoxLayout;
 
 // A window of its own over one document, beside the main window: it keeps
@@ -21,6 +22,8 @@ public:
     explicit DocumentWindow(const QString &untitled, QWidget *parent = nullptr);
 
     DocumentPane *documentPane() const { return m_document; }
+    // A menu bar above the document.
+    void setMenuBar(QMenuBar *bar);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -49,7 +52,9 @@ void openItemsInNewWindow(const QStringList &paths);
 // "path", to open again at the next start.
 QVariantList extraWindowDocuments();
 // Opens again the documents of extraWindowDocuments(); the recent items stay
-// as they were, since reopening is no use of a document.
-void reopenDocuments(const QVariantList &documents);
+// as they were, since reopening is no use of a document. When the main
+// window was closed at the end of the last session (hideBrowserOnLaunch), it
+// closes again once a document window stands beside it.
+void reopenDocuments(const QVariantList &documents, QWidget *mainWindow);
 
 } // namespace tl::app

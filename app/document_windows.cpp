@@ -5,6 +5,7 @@
 #include "document/plain_text_view.h"
 #include "editing/line_operations.h"
 #include "editing/text_buffer.h"
+#include "main_window.h"
 #include "store/item_path.h"
 
 #include <QApplication>
@@ -44,6 +45,15 @@ void bringToFront(QWidget *window)
     window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
     window->raise();
     window->activateWindow();
+}
+
+void bringMainWindowToFront()
+{
+    for (QWidget *widget : QApplication::topLevelWidgets())
+        if (auto *main = qobject_cast<MainWindow *>(widget)) {
+            bringToFront(main);
+            return;
+        }
 }
 
 void addDocumentPane(DocumentPane *pane)

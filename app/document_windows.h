@@ -13,6 +13,8 @@ class DocumentPane;
 
 // Shows the window, not minimised, above the others and active.
 void bringToFront(QWidget *window);
+// The main window, also when it was closed, in front.
+void bringMainWindowToFront();
 // Counts the pane among the document windows until it is destroyed.
 void addDocumentPane(DocumentPane *pane);
 // The pane that shows the document (an anchor behind it is ignored), other

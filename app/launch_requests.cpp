@@ -22,9 +22,12 @@ QStringList launchRequests(const QStringList &arguments)
 
 bool bringsMainWindowForward(const QStringList &requests)
 {
-    return std::any_of(requests.begin(), requests.end(), [](const QString &request) {
-        return request != QLatin1String(shell::kQuickEntryRequest) && !shell::textToInsert(request);
-    });
+    // A start with nothing to do asks for the program itself.
+    return requests.isEmpty() ||
+           std::any_of(requests.begin(), requests.end(), [](const QString &request) {
+               return request != QLatin1String(shell::kQuickEntryRequest) &&
+                      !shell::textToInsert(request);
+           });
 }
 
 void runLaunchRequests(const QStringList &requests)

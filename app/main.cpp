@@ -94,7 +94,9 @@ int main(int argc, char **argv)
     parts.effectiveAppearanceName = [] {
         return tl::app::Theme::instance().effectiveAppearanceName();
     };
-    parts.openDocuments = tl::app::reopenDocuments;
+    parts.openDocuments = [&desktop](const QVariantList &documents) {
+        desktop.reopenDocuments(documents);
+    };
     parts.showInOpenWindow = tl::app::showInOpenWindow;
     tl::assembly::assembleCore(parts);
     if (!tl::assembly::checkAssembly())

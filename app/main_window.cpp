@@ -249,7 +249,7 @@ void MainWindow::buildActions()
     });
     m_list->view()->addAction(a.action(ActionId::Paste));
     m_outline->view()->addAction(a.action(ActionId::Paste));
-    a.onTriggered(ActionId::Quit, [this] { close(); });
+    a.onTriggered(ActionId::Quit, [] { QApplication::quit(); });
     a.onTriggered(ActionId::About, [this] {
         QMessageBox::about(this, QStringLiteral("About Tavelle"),
                            QStringLiteral("<b>Tavelle %1</b><p>Documents, notes and tasks in a "

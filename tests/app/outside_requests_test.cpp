@@ -15,6 +15,7 @@
 #include "main_window.h"
 #include "platform/settings.h"
 #include "quick_entry_window.h"
+#include "shell/shell_keys.h"
 #include "shell/single_instance.h"
 #include "shell/url_actions.h"
 #include "store/keys.h"
@@ -25,6 +26,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -151,10 +153,44 @@ private Q_SLOTS:
         QVERIFY(tl::app::extraWindowDocuments().isEmpty());
 
         tltest::writeFile(tl::store::recentItemsPath(), "kept as it was");
-        tl::app::reopenDocuments(open + QVariantList{QVariantMap{{"path", item("Book/Gone.txt")}}});
+        tl::app::reopenDocuments(open + QVariantList{QVariantMap{{"path", item("Book/Gone.txt")}}},
+                                 &m_fixture.window());
         QCOMPARE(tl::app::extraWindowDocuments(), open);
         QCOMPARE(tltest::readFile(tl::store::recentItemsPath()), QByteArray("kept as it was"));
         tl::app::viewcontrollerForDocumentWithPath(item("Book/Short.txt"))->window()->close();
+    }
+
+    void aMainWindowClosedAtTheEndClosesAgainBesideTheReopenedWindows()
+    {
+        tl::platform::Settings &settings = tl::platform::settings();
+        settings.set(QLatin1String(tl::keys::setting::HideBrowserOnLaunch), true);
+        QSignalSpy lastClosed(qApp, &QGuiApplication::lastWindowClosed);
+        tl::app::MainWindow &main = m_fixture.window();
+        // With no document to stand beside it, the main window stays.
+        tl::app::reopenDocuments({QVariantMap{{"path", item("Book/Gone.txt")}}}, &main);
+        QVERIFY(main.isVisible());
+        const QVariantList open{QVariantMap{{"path", item("Book/Short.txt")}}};
+        tl::app::reopenDocuments(open, &main);
+        QVERIFY(!main.isVisible());
+        QVERIFY(!main.windowState().mainWindowVisible);
+        QCOMPARE(tl::app::extraWindowDocuments(), open);
+        QCOMPARE(lastClosed.size(), 0);
+
+        // The document window's menu brings the library back, as a start
+        // with nothing to ask for does.
+        QWidget *extra =
+            tl::app::viewcontrollerForDocumentWithPath(item("Book/Short.txt"))->window();
+        const QList<QAction *> actions = extra->findChildren<QAction *>();
+        const auto library = std::find_if(actions.begin(), actions.end(), [](QAction *action) {
+            return action->text() == QLatin1String("&Library Window");
+        });
+        QVERIFY(library != actions.end());
+        (*library)->trigger();
+        QVERIFY(main.isVisible());
+        QVERIFY(main.windowState().mainWindowVisible);
+        QVERIFY(tl::app::bringsMainWindowForward({}));
+        extra->close();
+        settings.remove(QLatin1String(tl::keys::setting::HideBrowserOnLaunch));
     }
 
     void insertedTextLandsInTheShownDocument()
