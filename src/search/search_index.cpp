@@ -255,7 +255,8 @@ struct SearchIndex::Private
     {
         writer.clearFailure();
         StoredStamps stored(writer, folder, folder == root);
-        if (folder == root && stored.isEmpty() && writer.failure() == 0)
+        if (folder == root && writer.failure() == 0 &&
+            (stored.isEmpty() || outgrown(stored.size())))
             return buildFromNothing();
         QList<Change> changed;
         std::mutex changing;
@@ -275,6 +276,15 @@ struct SearchIndex::Private
         }
         forEachSearchableItemInParallel(folder, consider);
         return write(writer, changed, stored.unseen());
+    }
+
+    // Items written since the build are kept beside its rows, which no longer
+    // count for them: once they are half the items, building anew costs less
+    // than carrying them, and searches go on reading the old file meanwhile.
+    bool outgrown(size_t items)
+    {
+        Statement outdated(writer, QStringLiteral("SELECT count(*) FROM outdated"));
+        return outdated.step() && size_t(outdated.integer(0)) * 2 > items;
     }
 
     bool write(Database &db, const QList<Change> &changed, const QList<qint64> &gone)

@@ -24,6 +24,7 @@ public:
     // index does not hold it. Marks it seen.
     bool isUnchanged(const EncodedItemStamp &item, qint64 &id);
     bool isEmpty() const { return m_stamps.empty(); }
+    size_t size() const { return m_stamps.size(); }
     // The ids of the items no lookup asked for.
     QList<qint64> unseen() const;
 

@@ -10,6 +10,7 @@
 #include <QFile>
 #include <QRandomGenerator>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -160,6 +161,32 @@ TEST_F(IndexVersusWalk, FollowsItemsItIsToldAbout)
     writeDocument(added);
     index.refreshItem(added);
     index.refreshItem(added + ".plist");
+    expectSameAnswers(index);
+}
+
+TEST_F(IndexVersusWalk, AnIndexMostlyWrittenAgainSinceItsBuildIsBuiltAnew)
+{
+    generate(1, 10);
+    tl::search::SearchIndex index(root_, indexFile());
+    ASSERT_TRUE(index.bringUpToDate());
+    const auto fileNumber = [this] {
+        struct stat st
+        {
+        };
+        return ::stat(QFile::encodeName(indexFile()).constData(), &st) == 0 ? st.st_ino : 0;
+    };
+    const ino_t built = fileNumber();
+    // Every file of the book written again: most of the items.
+    QDirIterator documents(books().first(), QDir::Files);
+    while (documents.hasNext()) {
+        QFile document(documents.next());
+        ASSERT_TRUE(document.open(QIODevice::Append));
+        document.write(" plans");
+    }
+    ASSERT_TRUE(index.bringUpToDate());
+    EXPECT_EQ(fileNumber(), built);
+    ASSERT_TRUE(index.bringUpToDate());
+    EXPECT_NE(fileNumber(), built);
     expectSameAnswers(index);
 }
 
