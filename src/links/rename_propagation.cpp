@@ -10,6 +10,7 @@
 #include "links/rewrite_journal.h"
 #include "links/tree_walk.h"
 #include "platform/alerts.h"
+#include "platform/staged_writes.h"
 #include "store/extensions.h"
 #include "store/item_path.h"
 #include "store/library_root.h"
@@ -76,13 +77,14 @@ bool adjustLinksAndBacklinksNow(const QString &from, const QString &to, const QB
     if (!batch.commit())
         return false;
     // The backlink lists change once the documents hold their new text.
+    BacklinkLists lists(batch.tag());
     if (QFileInfo::exists(store::propertiesFilePath(to)))
-        setReferencedPath(to, store::tl_normalizedPath(to));
-    if (!isLinkBearing(to))
-        return true;
-    for (const QString &referenced : tl_verifiedArrayOfReferencedDocuments(to))
-        tl_changeBacklinkFrom(referenced, from, to);
-    return true;
+        lists.setReferencedPath(to, store::tl_normalizedPath(to));
+    if (isLinkBearing(to)) {
+        for (const QString &referenced : tl_verifiedArrayOfReferencedDocuments(to))
+            lists.changeBacklinkFrom(referenced, from, to);
+    }
+    return lists.commit();
 }
 
 void tl_adjustLinksAndBacklinksAfterRenameFrom(const QString &from, const QString &to)
@@ -140,22 +142,25 @@ bool renameAllLinksNow(const QString &from, const QString &to, const QByteArray 
         batch.renameLinks(document, replacingPrefix(document, to, from), document);
     if (!batch.commit())
         return false;
+    BacklinkLists lists(batch.tag());
     for (const auto &[item, backlinks] : backlinkLists) {
         if (backlinks.isEmpty())
-            tl_removeBacklinks(item);
+            lists.removeBacklinks(item);
         else
-            setBacklinks(item, backlinks);
+            lists.setBacklinks(item, backlinks);
     }
     for (const QString &document : documents) {
         const QString old = replacingPrefix(document, to, from);
         const bool oldExists = exists(old);
         for (const QString &referenced : tl_verifiedArrayOfReferencedDocuments(document)) {
             if (oldExists)
-                tl_addBacklink(referenced, document);
+                lists.addBacklink(referenced, document);
             else
-                tl_changeBacklinkFrom(referenced, old, document);
+                lists.changeBacklinkFrom(referenced, old, document);
         }
     }
+    if (!lists.commit())
+        return false;
     logLine(QStringLiteral("***** updated references in %1 items in %2")
                 .arg(items)
                 .arg(double(timer.elapsed()) / 1000));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/staged_writes.h"
+#include "links/write_together.h"
 #include "store/text_encoding.h"
 
 #include <QHash>
@@ -30,6 +30,8 @@ public:
     // tl_renameLinksInDocumentFrom on the document's text as this batch holds
     // it; nothing is written yet. Answers whether the text changed.
     bool renameLinks(const QString &document, const QString &from, const QString &to);
+    const QByteArray &tag() const { return tag_; }
+
     // Writes every changed document. False when the batch must run again: it
     // was interrupted, or the disk did not take the changes.
     bool commit();
@@ -37,16 +39,13 @@ public:
 private:
     struct Document
     {
-        QString path;
-        QByteArray original; // as read, to tell a change by someone else
+        HeldFile file; // its bytes: the text encoded
         store::TextEncoding encoding;
         QString text;
-        QByteArray bytes; // the text encoded
         QList<std::pair<QString, QString>> moves;
     };
     static std::optional<Document> read(const QString &path);
     bool commitHeld();
-    bool replaceIfUnchanged(platform::StagedWrites &writes, const Document &document);
 
     QByteArray tag_;
     qsizetype heldLimit_;

@@ -8,6 +8,7 @@
 #include "platform/staged_writes.h"
 #include "store/item_operations.h"
 #include "store/library_fixture.h"
+#include "store/plist_file.h"
 
 #include <QDirIterator>
 
@@ -16,7 +17,8 @@ namespace {
 
 using Step = platform::StagedWrites::Step;
 
-// Four documents in two books link into book A/B, which moves to E/B.
+// Four documents in two books link into book A/B, which moves to E/B; y.md
+// in A/B links to x.md and out to three of them.
 struct Linker
 {
     const char *path;
@@ -43,6 +45,9 @@ protected:
             makeFile(inRoot(linker.path), linker.before);
             tl_refreshBacklinksForReferencedDocuments(inRoot(linker.path));
         }
+        makeFile(inRoot("A/B/y.md"), "[x](x.md) [0](../../C/l0.md) [1](../../C/l1.md) "
+                                     "[[../../D/l2.md]]");
+        tl_refreshBacklinksForReferencedDocuments(inRoot("A/B/y.md"));
     }
     void TearDown() override
     {
@@ -63,6 +68,19 @@ protected:
         EXPECT_TRUE(unfinishedRewrites().isEmpty());
     }
     QByteArray text(const char *relative) { return tltest::readFile(inRoot(relative)); }
+    // Every properties file by where it is once the book has moved.
+    QHash<QString, QByteArray> propertyFiles()
+    {
+        QHash<QString, QByteArray> found;
+        QDirIterator it(root_, {"*.plist"}, QDir::Files, QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            QString relative = QDir(root_).relativeFilePath(it.next());
+            if (relative.startsWith("A/B/"))
+                relative.replace(0, 1, "E");
+            found.insert(relative, tltest::readFile(it.filePath()));
+        }
+        return found;
+    }
     QStringList temporaries()
     {
         QStringList found;
@@ -76,20 +94,27 @@ protected:
 struct Crash
 {
     const char *name;
+    int batch; // 0: the documents, 1: the backlink lists
     Step step;
     int before; // how many of the step's kind ran
     int renamed;
+    int listsChanged;
 };
 
 class CrashDuringABookMove : public BookMoveBatch, public ::testing::WithParamInterface<Crash>
 {
 };
 
-TEST_P(CrashDuringABookMove, LeavesEachDocumentOldOrNewAndTheNextStartFinishes)
+TEST_P(CrashDuringABookMove, LeavesEachFileOldOrNewAndTheNextStartFinishes)
 {
     const Crash crash = GetParam();
     platform::StagedWrites::setInterruptionForTesting(
-        [crash](Step step, int before) { return step == crash.step && before == crash.before; });
+        [crash, batch = 0](Step step, int before) mutable {
+            const bool stop = batch == crash.batch && step == crash.step && before == crash.before;
+            batch += step == Step::Done;
+            return stop;
+        });
+    const QHash<QString, QByteArray> listsBefore = propertyFiles();
     moveBook();
     int renamed = 0;
     for (const Linker &linker : kLinkers) {
@@ -99,25 +124,41 @@ TEST_P(CrashDuringABookMove, LeavesEachDocumentOldOrNewAndTheNextStartFinishes)
         renamed += now == linker.after;
     }
     EXPECT_EQ(renamed, crash.renamed);
-    // The moved item keeps its mismatch until its linkers are on disk.
-    EXPECT_EQ(referencedPathOf(inRoot("E/B/x.md")), "/A/B/x.md");
+    // Until its linkers are on disk the moved item keeps its mismatch, which
+    // tells the run at the next start where to look.
+    const QHash<QString, QByteArray> listsAtCrash = propertyFiles();
 
     finishAsAtTheNextStart();
     for (const Linker &linker : kLinkers)
         EXPECT_EQ(text(linker.path), linker.after) << linker.path;
     EXPECT_EQ(referencedPathOf(inRoot("E/B/x.md")), "/E/B/x.md");
-    EXPECT_EQ(backlinksOf(inRoot("E/B/x.md")).size(), 4);
+    EXPECT_EQ(backlinksOf(inRoot("E/B/x.md")).size(), 5);
+    EXPECT_EQ(backlinksOf(inRoot("C/l0.md")), QStringList{"/E/B/y.md"});
     EXPECT_EQ(temporaries(), QStringList());
+    const QHash<QString, QByteArray> listsAfter = propertyFiles();
+    int listsChanged = 0;
+    for (auto it = listsAtCrash.cbegin(); it != listsAtCrash.cend(); ++it) {
+        EXPECT_TRUE(it.value() == listsBefore.value(it.key()) ||
+                    it.value() == listsAfter.value(it.key()))
+            << it.key().toStdString();
+        listsChanged += it.value() != listsBefore.value(it.key());
+    }
+    EXPECT_EQ(listsChanged, crash.listsChanged);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Points, CrashDuringABookMove,
-    ::testing::Values(Crash{"while staging", Step::Stage, 2, 0},
-                      Crash{"before the sync", Step::Sync, 0, 0},
-                      Crash{"before any rename", Step::Replace, 0, 0},
-                      Crash{"halfway through the renames", Step::Replace, 2, 2},
-                      Crash{"before the renames reach the disk", Step::SyncReplacements, 0, 4},
-                      Crash{"before the backlink lists", Step::Done, 0, 4}),
+    ::testing::Values(
+        Crash{"while staging", 0, Step::Stage, 2, 0, 0},
+        Crash{"before the sync", 0, Step::Sync, 0, 0, 0},
+        Crash{"before any rename", 0, Step::Replace, 0, 0, 0},
+        Crash{"halfway through the renames", 0, Step::Replace, 2, 2, 0},
+        Crash{"before the renames reach the disk", 0, Step::SyncReplacements, 0, 4, 0},
+        Crash{"before the backlink lists", 0, Step::Done, 0, 4, 0},
+        Crash{"while staging the backlink lists", 1, Step::Stage, 2, 4, 0},
+        Crash{"halfway through the backlink lists", 1, Step::Replace, 2, 4, 2},
+        Crash{"before the backlink lists reach the disk", 1, Step::SyncReplacements, 0, 4, 5},
+        Crash{"before the note goes", 1, Step::Done, 0, 4, 5}),
     [](const auto &info) {
         QString name = QString::fromLatin1(info.param.name);
         name.replace(' ', '_');
@@ -127,14 +168,33 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(BookMoveBatch, AnEditBetweenReadingAndRenamingIsKeptAndItsLinksStillFollow)
 {
     // Once the rewritten texts are staged, someone saves C/l0.md.
-    platform::StagedWrites::setInterruptionForTesting([this](Step step, int) {
-        if (step == Step::Sync)
-            tltest::writeFile(inRoot("C/l0.md"), "mine [x](../A/B/x.md)");
-        return false;
-    });
+    platform::StagedWrites::setInterruptionForTesting(
+        [this, saved = false](Step step, int) mutable {
+            if (step == Step::Sync && !saved)
+                tltest::writeFile(inRoot("C/l0.md"), "mine [x](../A/B/x.md)");
+            saved = saved || step == Step::Sync;
+            return false;
+        });
     moveBook();
     EXPECT_EQ(text("C/l0.md"), "mine [x](../E/B/x.md)");
     EXPECT_EQ(text("C/l1.md"), "[x](/E/B/x.md)");
+    EXPECT_EQ(temporaries(), QStringList());
+}
+
+TEST_F(BookMoveBatch, APropertyWrittenWhileTheBacklinkListsAreHeldIsKept)
+{
+    // Once the new lists are staged, something else writes C/l0.md's properties.
+    platform::StagedWrites::setInterruptionForTesting([this, syncs = 0](Step step, int) mutable {
+        if (step == Step::Sync && ++syncs == 2) {
+            QVariantMap properties = store::readPlistDictionary(inRoot("C/l0.md.plist"));
+            properties.insert("Label", 3);
+            store::writePlistFile(inRoot("C/l0.md.plist"), properties, true);
+        }
+        return false;
+    });
+    moveBook();
+    EXPECT_EQ(store::readPlistDictionary(inRoot("C/l0.md.plist")).value("Label"), 3);
+    EXPECT_EQ(backlinksOf(inRoot("C/l0.md")), QStringList{"/E/B/y.md"});
     EXPECT_EQ(temporaries(), QStringList());
 }
 
@@ -159,6 +219,16 @@ TEST_F(BookMoveBatch, PastItsSizeLimitABatchIsWrittenInParts)
     EXPECT_TRUE(batch.renameLinks(inRoot("C/l1.md"), inRoot("A/B"), inRoot("E/B")));
     EXPECT_TRUE(batch.commit());
     EXPECT_EQ(text("C/l1.md"), kLinkers[1].after);
+}
+
+TEST_F(BookMoveBatch, PastItsSizeLimitABacklinkBatchIsWrittenInParts)
+{
+    BacklinkLists lists(platform::StagedWrites::newTag(), 1);
+    lists.setReferencedPath(inRoot("C/l0.md"), "/C/moved.md");
+    EXPECT_EQ(referencedPathOf(inRoot("C/l0.md")), "/C/moved.md");
+    lists.setReferencedPath(inRoot("C/l1.md"), "/C/moved.md");
+    EXPECT_TRUE(lists.commit());
+    EXPECT_EQ(referencedPathOf(inRoot("C/l1.md")), "/C/moved.md");
 }
 
 } // namespace
