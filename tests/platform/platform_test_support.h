@@ -13,8 +13,11 @@
 #include <QString>
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
+#include <linux/fs.h>
 #include <optional>
 #include <ostream>
+#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
@@ -37,11 +40,42 @@ inline QString freshFolder(const QString &name)
     return path;
 }
 
-// Permission tests prove nothing for root, who may write anywhere.
-inline bool runningAsRoot()
+// Keeps anyone from adding, removing or renaming entries in a folder while
+// it lives. Permission bits alone do not hold root back, so root's folder is
+// also marked immutable, where the file system allows it.
+class ReadOnlyFolder
 {
-    return ::geteuid() == 0;
-}
+public:
+    explicit ReadOnlyFolder(const QString &path) : path_(QFile::encodeName(path))
+    {
+        ::chmod(path_.constData(), 0555);
+        held_ = ::geteuid() != 0 || setImmutable(true);
+    }
+    ~ReadOnlyFolder()
+    {
+        if (::geteuid() == 0)
+            setImmutable(false);
+        ::chmod(path_.constData(), 0755);
+    }
+    // False where root cannot be held back here.
+    bool held() const { return held_; }
+
+private:
+    bool setImmutable(bool on)
+    {
+        const int fd = ::open(path_.constData(), O_RDONLY | O_DIRECTORY);
+        int flags = 0;
+        bool done = fd >= 0 && ::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0;
+        flags = on ? flags | FS_IMMUTABLE_FL : flags & ~FS_IMMUTABLE_FL;
+        done = done && ::ioctl(fd, FS_IOC_SETFLAGS, &flags) == 0;
+        if (fd >= 0)
+            ::close(fd);
+        return done;
+    }
+
+    QByteArray path_;
+    bool held_ = false;
+};
 
 // Whether the sandbox's file system takes user extended attributes.
 inline bool sandboxTakesUserAttributes()
