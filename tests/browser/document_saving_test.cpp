@@ -9,9 +9,7 @@ namespace {
 
 namespace S = tl::keys::setting;
 
-class DocumentSaving : public tltest::DocumentViewTest
-{
-};
+using DocumentSaving = tltest::DocumentViewTest;
 
 TEST_F(DocumentSaving, ADocumentOnlyLookedAtIsNeverWritten)
 {
@@ -65,11 +63,11 @@ TEST_F(DocumentSaving, AnIdenticalSaveNeitherWritesNorChangesTheDate)
     show(path);
     type("Same!");
     view->textDidChange("Same", true);
-    tltest::PostedEvents posted;
+    tltest::EventRecorder posted;
     view->writeTextToFile();
     EXPECT_EQ(dateOf(path), oldDate());
     EXPECT_FALSE(view->windowEdited());
-    EXPECT_TRUE(posted.events.isEmpty());
+    EXPECT_TRUE(posted.events().isEmpty());
 
     view->forceSave = true;
     view->writeTextToFile();
@@ -81,10 +79,10 @@ TEST_F(DocumentSaving, APlainSaveTellsTheListAndTakesTheNewHash)
     const QString path = document("Plain.txt", "Not the title");
     show(path);
     type("Plain text");
-    tltest::PostedEvents posted;
+    tltest::EventRecorder posted;
     view->writeTextToFile();
-    ASSERT_EQ(posted.named(tl::events::FileModifiedOnDisk).size(), 1);
-    EXPECT_EQ(posted.named(tl::events::FileModifiedOnDisk)[0].value("path"), path);
+    EXPECT_EQ(posted.named(tl::events::FileModifiedOnDisk),
+              QList<tltest::PostedEvent>({{tl::events::FileModifiedOnDisk, {{"path", path}}}}));
     EXPECT_EQ(view->md5hash, "F39A0720A929097AFA9DB4505CDF9669") << "MD5 of \"Plain text\"";
     EXPECT_EQ(view->modDateOfPresentedDocument, dateOf(path));
 }
@@ -96,7 +94,7 @@ TEST_F(DocumentSaving, AChangedFirstLineRenamesTheDocument)
     ASSERT_TRUE(view->titleIsFirstLineOfText);
     QSignalSpy renamed(view.get(), &tl::browser::TLKSDocumentViewController::pathChanged);
     type("World\nbody");
-    tltest::PostedEvents posted;
+    tltest::EventRecorder posted;
     view->writeTextToFile();
     EXPECT_EQ(namesInBook(), QStringList{"World.txt"});
     EXPECT_EQ(view->path, book + "/World.txt");
@@ -104,7 +102,7 @@ TEST_F(DocumentSaving, AChangedFirstLineRenamesTheDocument)
     ASSERT_FALSE(renamed.isEmpty());
     EXPECT_EQ(renamed.last().at(0).toString(), book + "/World.txt");
     bool silent = false;
-    for (const QVariantMap &move : posted.named(tl::events::FileMoved))
+    for (const auto &[name, move] : posted.named(tl::events::FileMoved))
         silent |= move.value("originalPath") == path && move.value("newPath") == view->path &&
                   move.value("silentReload") == "1";
     EXPECT_TRUE(silent);
@@ -115,12 +113,12 @@ TEST_F(DocumentSaving, AChangeOfCaseAloneRenamesThroughAnInterimName)
     const QString path = document("hello.txt", "hello");
     show(path);
     type("Hello");
-    tltest::PostedEvents posted;
+    tltest::EventRecorder posted;
     view->writeTextToFile();
     EXPECT_EQ(namesInBook(), QStringList{"Hello.txt"});
     EXPECT_EQ(tltest::readFile(book + "/Hello.txt"), "Hello");
     QStringList targets;
-    for (const QVariantMap &move : posted.named(tl::events::FileMoved))
+    for (const auto &[name, move] : posted.named(tl::events::FileMoved))
         targets << tl::path::lastComponent(move.value("newPath").toString());
     EXPECT_TRUE(targets.contains("._Hello.txt")) << targets.join(", ").toStdString();
 }
@@ -167,14 +165,15 @@ TEST_F(DocumentSaving, ANewDocumentIsNamedFromItsFirstLine)
         setSetting(S::DefaultDocumentType, QLatin1String(c.defaultType));
         view->newDocumentInBook(book, QLatin1String(c.extension));
         EXPECT_EQ(view->viewThatIsVisible, 1);
-        tltest::PostedEvents posted;
+        tltest::EventRecorder posted;
         type(QLatin1String(c.text));
         advance(0.6);
         EXPECT_EQ(view->path, book + "/" + c.name);
         EXPECT_EQ(tltest::readFile(view->path), QByteArray(c.text));
         EXPECT_TRUE(view->titleIsFirstLineOfText);
-        ASSERT_EQ(posted.named(tl::events::NewFileCreated).size(), 1);
-        EXPECT_EQ(posted.named(tl::events::NewFileCreated)[0].value("path"), view->path);
+        EXPECT_EQ(
+            posted.named(tl::events::NewFileCreated),
+            QList<tltest::PostedEvent>({{tl::events::NewFileCreated, {{"path", view->path}}}}));
         EXPECT_TRUE(tl::store::tl_propertyForKey(view->path, "CreationDate").isValid());
     }
 }

@@ -9,6 +9,7 @@
 #include "platform/alerts.h"
 #include "platform/file_ops.h"
 #include "store/text_conversions.h"
+#include "support/event_recorder.h"
 
 #include <QSignalSpy>
 #include <memory>
@@ -76,27 +77,6 @@ protected:
     tl::ManualClock *clock = nullptr;
     QString book;
     std::unique_ptr<tl::browser::TLKSDocumentViewController> view;
-};
-
-// Records the events posted while it lives.
-struct PostedEvents
-{
-    PostedEvents()
-        : observer(QString(), [this](const QString &name, const QVariantMap &payload) {
-              events << qMakePair(name, payload);
-          })
-    {
-    }
-    QList<QVariantMap> named(const QString &name) const
-    {
-        QList<QVariantMap> result;
-        for (const auto &e : events)
-            if (e.first == name)
-                result << e.second;
-        return result;
-    }
-    QList<QPair<QString, QVariantMap>> events;
-    tl::ScopedObserver observer;
 };
 
 } // namespace tltest

@@ -12,6 +12,7 @@
 #include "platform/alerts.h"
 #include "shell/app_state.h"
 #include "store/keys.h"
+#include "support/event_recorder.h"
 
 #include <QEventLoop>
 #include <QProcess>
@@ -23,23 +24,6 @@ namespace {
 using tl::browser::TLKSOutlineItem;
 using tl::browser::TLKSOutlineViewController;
 namespace S = tl::keys::setting;
-
-struct PostedEvents
-{
-    PostedEvents()
-        : observer(QString(), [this](const QString &name, const QVariantMap &payload) {
-              events << qMakePair(name, payload);
-          })
-    {
-    }
-    int count(const char *name) const
-    {
-        return int(std::count_if(events.begin(), events.end(),
-                                 [name](const auto &e) { return e.first == name; }));
-    }
-    QList<QPair<QString, QVariantMap>> events;
-    tl::ScopedObserver observer;
-};
 
 class Outline : public tltest::LibraryTest
 {
@@ -208,7 +192,7 @@ TEST_F(Outline, OutsideChangesUpdateTheTreeAndPostEvents)
     makeFolder(inRoot("Old"));
     TLKSOutlineViewController controller;
     EXPECT_EQ(booksOf(root_), QStringList{"Old"});
-    PostedEvents posted;
+    tltest::EventRecorder posted;
 
     controller.presentedSubitemDidChangeAtURL(makeFolder(inRoot("New")));
     EXPECT_EQ(booksOf(root_), (QStringList{"New", "Old"}));
@@ -262,7 +246,7 @@ TEST_F(Outline, WatcherDeliversAMoveByAnotherProcessAsOneMove)
     makeFile(inRoot("Book/a.md"));
     TLKSOutlineViewController controller;
     ASSERT_TRUE(controller.initFileCoordinationAndTaskLists());
-    PostedEvents posted;
+    tltest::EventRecorder posted;
     ASSERT_EQ(QProcess::execute("mv", {inRoot("Book/a.md"), inRoot("Book/b.md")}), 0);
 
     QEventLoop loop;
@@ -275,11 +259,9 @@ TEST_F(Outline, WatcherDeliversAMoveByAnotherProcessAsOneMove)
     loop.exec();
     ASSERT_EQ(posted.count(tl::events::FileMoved), 1);
     EXPECT_EQ(posted.count(tl::events::FileDeletedFromDisk), 0);
-    const auto &event =
-        *std::find_if(posted.events.begin(), posted.events.end(),
-                      [](const auto &e) { return e.first == tl::events::FileMoved; });
-    EXPECT_EQ(event.second.value("originalPath"), inRoot("Book/a.md"));
-    EXPECT_EQ(event.second.value("newPath"), inRoot("Book/b.md"));
+    const QVariantMap move = posted.named(tl::events::FileMoved)[0].payload;
+    EXPECT_EQ(move.value("originalPath"), inRoot("Book/a.md"));
+    EXPECT_EQ(move.value("newPath"), inRoot("Book/b.md"));
 }
 
 TEST_F(Outline, BurstOfChangesEndsInOneSmartBookUpdate)

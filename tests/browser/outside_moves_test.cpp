@@ -87,39 +87,19 @@ const Saver kSavers[] = {
      }},
 };
 
-struct PostedEvents
+using tltest::EventRecorder;
+
+// Every path an event to the views names; the watcher's own reports name
+// every file the save touched, the program's side files too.
+QStringList pathsInViewEvents(const EventRecorder &posted)
 {
-    PostedEvents()
-        : observer(QString(), [this](const QString &name, const QVariantMap &payload) {
-              events << qMakePair(name, payload);
-          })
-    {
-    }
-    bool posted(const char *name, const QString &path) const
-    {
-        return std::any_of(events.begin(), events.end(), [&](const auto &e) {
-            return e.first == name && e.second.value("path").toString() == path;
-        });
-    }
-    int count(const char *name) const
-    {
-        return int(std::count_if(events.begin(), events.end(),
-                                 [name](const auto &e) { return e.first == name; }));
-    }
-    // Every path an event to the views names; the watcher's own reports
-    // name every file the save touched, the program's side files too.
-    QStringList paths() const
-    {
-        QStringList all;
-        for (const auto &e : events)
-            for (const char *key : {"path", "originalPath", "newPath"})
-                if (e.second.contains(key) && e.first != tl::events::LibraryItemChanged)
-                    all << e.second.value(key).toString();
-        return all;
-    }
-    QList<QPair<QString, QVariantMap>> events;
-    tl::ScopedObserver observer;
-};
+    QStringList all;
+    for (const auto &[name, payload] : posted.events())
+        for (const char *key : {"path", "originalPath", "newPath"})
+            if (payload.contains(key) && name != tl::events::LibraryItemChanged)
+                all << payload.value(key).toString();
+    return all;
+}
 
 class OutsideSaves : public tltest::LibraryTest
 {
@@ -180,12 +160,12 @@ struct SavedFile
     const char *relative;
     QVariant content;
     // What shows that the change was taken in.
-    std::function<void(OutsideSaves &, const PostedEvents &)> takenIn;
+    std::function<void(OutsideSaves &, const EventRecorder &)> takenIn;
 };
 
 const SavedFile kSavedFiles[] = {
     {tl::names::SettingsFile, QVariantMap{{"defaultInbox", "/Book/A"}},
-     [](OutsideSaves &, const PostedEvents &) {
+     [](OutsideSaves &, const EventRecorder &) {
          EXPECT_EQ(tl::platform::settings().string(tl::keys::setting::DefaultInbox), "/Book/A")
              << "the library's settings are read from the new file";
      }},
@@ -194,17 +174,17 @@ const SavedFile kSavedFiles[] = {
                  {"Books", QStringList{"B", "A"}},
                  {"Notes", QStringList{"Doc.md"}},
                  {"Pinned", QStringList{"Doc.md"}}},
-     [](OutsideSaves &t, const PostedEvents &posted) {
+     [](OutsideSaves &t, const EventRecorder &posted) {
          EXPECT_EQ(t.booksOf(t.inRoot("Book")), (QStringList{"B", "A"})) << "the new order shows";
          EXPECT_TRUE(
              posted.posted(tl::events::FileModifiedOnDisk, t.inRoot("Book/BookProperties.plist")));
      }},
     {"Book/Doc.md.plist", QVariantMap{{"Tags", QStringList{"new"}}},
-     [](OutsideSaves &t, const PostedEvents &posted) {
+     [](OutsideSaves &t, const EventRecorder &posted) {
          EXPECT_TRUE(posted.posted(tl::events::FileModifiedOnDisk, t.inRoot("Book/Doc.md.plist")));
      }},
     {"Book/Doc.md", QByteArray("new text"),
-     [](OutsideSaves &t, const PostedEvents &posted) {
+     [](OutsideSaves &t, const EventRecorder &posted) {
          EXPECT_TRUE(posted.posted(tl::events::FileModifiedOnDisk, t.inRoot("Book/Doc.md")))
              << "a shown document reloads";
          EXPECT_EQ(t.readPlist(t.inRoot("Book/Doc.md.plist")).value("Tags").toStringList(),
@@ -231,7 +211,7 @@ TEST_F(OutsideSaves, AReplacementByRenameIsAChangeOfTheTarget)
             // Each save starts from the library as it was.
             TearDown();
             SetUp();
-            PostedEvents posted;
+            EventRecorder posted;
             const QString target = inRoot(file.relative);
             const QByteArray bytes = bytesOf(file.content);
             saver.save(target, bytes);
@@ -243,7 +223,7 @@ TEST_F(OutsideSaves, AReplacementByRenameIsAChangeOfTheTarget)
             EXPECT_TRUE(QFileInfo::exists(inRoot("Book/Doc.md.plist")));
             file.takenIn(*this, posted);
             if (QLatin1String(saver.program) == QLatin1String("Tavelle")) {
-                for (const QString &path : posted.paths())
+                for (const QString &path : pathsInViewEvents(posted))
                     EXPECT_EQ(path, target) << "the temporary file of an own write is never told";
             }
         }
@@ -260,7 +240,7 @@ TEST_F(OutsideSaves, ARenameOfAPassingNameOntoAFreeNameIsACreation)
         SCOPED_TRACE(saver.program);
         TearDown();
         SetUp();
-        PostedEvents posted;
+        EventRecorder posted;
         const QString target = inRoot("Book/New.md");
         saver.save(target, "fresh");
         settle();
@@ -274,19 +254,19 @@ TEST_F(OutsideSaves, ARenameOfAPassingNameOntoAFreeNameIsACreation)
 // document hidden away is gone once it does not come back.
 TEST_F(OutsideSaves, KnownItemsStillMoveAndHidingOneRemovesIt)
 {
-    PostedEvents posted;
+    EventRecorder posted;
     renameOver(inRoot("Book/Doc.md"), inRoot("Book/Renamed.md"));
     settle();
     settle(); // the properties file's own move
-    EXPECT_TRUE(std::any_of(posted.events.begin(), posted.events.end(), [this](const auto &e) {
-        return e.first == tl::events::FileMoved &&
-               e.second.value("originalPath") == inRoot("Book/Doc.md") &&
-               e.second.value("newPath") == inRoot("Book/Renamed.md");
-    }));
+    EXPECT_TRUE(posted.named(tl::events::FileMoved)
+                    .contains({tl::events::FileMoved,
+                               {{"originalPath", inRoot("Book/Doc.md")},
+                                {"newPath", inRoot("Book/Renamed.md")},
+                                {"silentReload", "1"}}}));
     EXPECT_TRUE(QFileInfo::exists(inRoot("Book/Renamed.md.plist")))
         << "the properties follow the move";
 
-    posted.events.clear();
+    posted.clear();
     renameOver(inRoot("Book/Renamed.md"), inRoot("Book/.Renamed.md"));
     watcher.readEvents();
     EXPECT_EQ(posted.count(tl::events::FileDeletedFromDisk), 0) << "it may yet come back";
@@ -298,9 +278,7 @@ TEST_F(OutsideSaves, KnownItemsStillMoveAndHidingOneRemovesIt)
 
 // The whole way: a sync client replaces the document on screen, and the
 // view shows the new text under the same path.
-class OutsideSaveOfTheShownDocument : public tltest::DocumentViewTest
-{
-};
+using OutsideSaveOfTheShownDocument = tltest::DocumentViewTest;
 
 TEST_F(OutsideSaveOfTheShownDocument, IsShownAnewUnderItsOwnPath)
 {

@@ -2,9 +2,9 @@
 #include "foundation/plist.h"
 #include "importers/pasteboard.h"
 #include "platform/document_converter.h"
-#include "store/item_test_support.h"
 #include "store/keys.h"
 #include "store/library_fixture.h"
+#include "support/event_recorder.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,9 +1,9 @@
 #include "foundation/events.h"
-#include "item_test_support.h"
 #include "library_fixture.h"
 #include "platform/file_ops.h"
 #include "store/custom_order.h"
 #include "store/keys.h"
+#include "support/event_recorder.h"
 
 #include <QFileInfo>
 

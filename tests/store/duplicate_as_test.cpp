@@ -1,9 +1,9 @@
 #include "foundation/events.h"
-#include "item_test_support.h"
 #include "library_fixture.h"
 #include "platform/document_converter.h"
 #include "store/duplicate_as.h"
 #include "store/keys.h"
+#include "support/event_recorder.h"
 
 #include <QFileInfo>
 

@@ -1,11 +1,12 @@
 #include "foundation/events.h"
-#include "item_test_support.h"
 #include "library_fixture.h"
 #include "platform/file_ops.h"
 #include "store/item_operations.h"
 #include "store/keys.h"
 #include "store/open_documents.h"
 #include "store/safe_names.h"
+#include "support/event_recorder.h"
+#include "support/other_device_folder.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

@@ -1,9 +1,9 @@
 #include "foundation/events.h"
-#include "item_test_support.h"
 #include "library_fixture.h"
 #include "platform/file_ops.h"
 #include "store/library_folders.h"
 #include "store/recent_items.h"
+#include "support/event_recorder.h"
 
 namespace tl::store {
 namespace {

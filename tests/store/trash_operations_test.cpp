@@ -1,9 +1,9 @@
 #include "foundation/events.h"
-#include "item_test_support.h"
 #include "library_fixture.h"
 #include "platform/alerts.h"
 #include "store/keys.h"
 #include "store/trash_operations.h"
+#include "support/event_recorder.h"
 
 #include <QFileInfo>
 

@@ -1,18 +1,12 @@
 #pragma once
 
-// Helpers of the item operation tests: a recorder of posted events, and a
-// folder on another device than the sandbox.
-
 #include "foundation/notification_center.h"
-#include "support/other_device_folder.h"
-#include "support/test_environment.h"
 
-#include <QDir>
-#include <QFile>
 #include <QList>
 #include <QString>
 #include <QVariantMap>
-#include <sys/stat.h>
+#include <algorithm>
+#include <ostream>
 
 namespace tltest {
 
@@ -50,6 +44,15 @@ public:
                 result << e;
         return result;
     }
+    int count(const QString &name) const { return int(named(name).size()); }
+    // Whether an event of that name was posted about the path.
+    bool posted(const QString &name, const QString &path) const
+    {
+        return std::any_of(events_.begin(), events_.end(), [&](const PostedEvent &e) {
+            return e.name == name && e.payload.value("path").toString() == path;
+        });
+    }
+    void clear() { events_.clear(); }
 
 private:
     QList<PostedEvent> events_;
