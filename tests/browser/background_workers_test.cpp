@@ -48,9 +48,7 @@ TEST(CoalescingWorker, OneJobRunsAndOneWaitsTheNewestReplacingTheWaitingOne)
     EXPECT_FALSE(worker.isBusy());
 }
 
-class RenderWorkerTest : public tltest::LibraryTest
-{
-};
+using RenderWorkerTest = tltest::LibraryTest;
 
 TEST_F(RenderWorkerTest, RendersTheEditorsTextOffTheMainThread)
 {

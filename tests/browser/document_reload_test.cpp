@@ -123,9 +123,7 @@ TEST_F(DocumentReload, AMoveOfTheDocumentIsFollowed)
     EXPECT_EQ(view->path, target);
 }
 
-class CheckboxToggle : public tltest::DocumentViewTest
-{
-};
+using CheckboxToggle = tltest::DocumentViewTest;
 
 TEST_F(CheckboxToggle, TheClickedBoxIsTickedInTheSource)
 {
@@ -188,9 +186,7 @@ TEST_F(CheckboxToggle, AnUnknownTaskShowsTheAlert)
     EXPECT_EQ(tltest::readFile(path), "- [ ] a\n");
 }
 
-class PlainTextRepresentation : public tltest::DocumentViewTest
-{
-};
+using PlainTextRepresentation = tltest::DocumentViewTest;
 
 TEST_F(PlainTextRepresentation, AStaleRenderingIsRenewedOnceAndTheSourceIsEditedAsMarkdown)
 {

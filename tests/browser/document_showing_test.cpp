@@ -14,8 +14,6 @@ struct ViewCase
 {
     const char *name;
     QByteArray contents;
-    QVariantMap properties;
-    QVariantMap settings;
     bool toggled;
     int view;
     // What the formatted page is made of: "html", "url" or "" for none.
@@ -23,83 +21,47 @@ struct ViewCase
     bool scripts;
     bool editable;
     const char *toggleTitle;
+    const char *setting = nullptr; // a setting turned on for the row
 };
 
-QVariantMap one(const char *key, const QVariant &value)
-{
-    return {{QLatin1String(key), value}};
-}
-
-const QByteArray kForeignHTML = "<html><head><title>x</title></head><body><p>Hi</p></body></html>";
+const QByteArray kHTML = "<html><head><title>x</title></head><body><p>Hi</p></body></html>";
 const QByteArray kWebloc =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">"
     "<dict><key>URL</key><string>https://example.org/</string></dict></plist>";
+const QByteArray kScene = "INT. HOUSE - DAY\n\nHi.";
+const QByteArray kOPML = "<opml><body><outline text=\"x\"/></body></opml>";
+const char *kPlainSetting = S::ShowMarkdownAsPlainText;
+const char *kToFormatted = "Switch to formatted view";
+const char *kSource = "Show HTML source code";
 
 const ViewCase kViewCases[] = {
-    {"a.md", "# A", {}, {}, false, 2, "html", true, false, ""},
-    {"a.md", "# A", {}, {}, true, 1, "", false, false, ""},
-    {"a.md", "# A", {}, one(S::ShowMarkdownAsPlainText, true), false, 1, "", false, false, ""},
-    {"a.md", "# A", {}, one(S::ShowMarkdownAsPlainText, true), true, 2, "html", true, false, ""},
-    {"a.fountain", "INT. HOUSE - DAY\n\nHi.", {}, {}, false, 2, "html", false, false, ""},
-    {"a.fountain", "INT. HOUSE - DAY\n\nHi.", {}, {}, true, 1, "", false, false, ""},
-    {"a.opml",
-     "<opml><body><outline text=\"x\"/></body></opml>",
-     {},
-     {},
-     false,
-     2,
-     "html",
-     false,
-     false,
-     ""},
-    {"a.txt", "text", {}, {}, false, 1, "", false, false, "Switch to formatted view"},
-    {"a.txt", "text", {}, {}, true, 2, "url", false, false, "Switch to formatted view"},
-    {"a.html", kForeignHTML, {}, {}, false, 2, "html", false, true, "Show HTML source code"},
-    {"a.html", kForeignHTML, {}, {}, true, 1, "", false, false, "Show HTML source code"},
-    {"a.pdf", "%PDF-1.4", {}, {}, false, 3, "", false, false, ""},
-    {"a.pdf", "%PDF-1.4", {}, {}, true, 3, "", false, false, ""},
-    {"a.webloc", kWebloc, {}, {}, false, 2, "url", true, false, ""},
-    {"a.url",
-     "[InternetShortcut]\nURL=http://example.org/x\n",
-     {},
-     {},
-     false,
-     2,
-     "url",
-     true,
-     false,
-     ""},
-    {"b.url",
-     "[InternetShortcut]\nURL=ftp://example.org/x\n",
-     {},
-     {},
-     false,
-     5,
-     "",
-     false,
-     false,
-     ""},
-    {"a.eml", "Subject: x\n\nbody", {}, {}, false, 2, "html", false, false, ""},
-    {"a.enex", "<en-export/>", {}, {}, false, 2, "html", false, false, ""},
-    {"a.png", "png", {}, {}, false, 2, "html", false, false, ""},
-    {"a.heic", "heic", {}, {}, false, 5, "", false, false, ""},
-    {"a.xyz", "xyz", {}, {}, false, 5, "", false, false, ""},
-    {"a.webarchive", "bplist", {}, {}, false, 5, "", false, false, ""},
-    {"a.webarchive",
-     "bplist",
-     {},
-     one(S::OpenWebarchivesWithTLKSMethods, true),
-     false,
-     2,
-     "html",
-     false,
-     false,
-     ""},
+    {"a.md", "# A", false, 2, "html", true, false, ""},
+    {"a.md", "# A", true, 1, "", false, false, ""},
+    {"a.md", "# A", false, 1, "", false, false, "", kPlainSetting},
+    {"a.md", "# A", true, 2, "html", true, false, "", kPlainSetting},
+    {"a.fountain", kScene, false, 2, "html", false, false, ""},
+    {"a.fountain", kScene, true, 1, "", false, false, ""},
+    {"a.opml", kOPML, false, 2, "html", false, false, ""},
+    {"a.txt", "text", false, 1, "", false, false, kToFormatted},
+    {"a.txt", "text", true, 2, "url", false, false, kToFormatted},
+    {"a.html", kHTML, false, 2, "html", false, true, kSource},
+    {"a.html", kHTML, true, 1, "", false, false, kSource},
+    {"a.pdf", "%PDF-1.4", false, 3, "", false, false, ""},
+    {"a.pdf", "%PDF-1.4", true, 3, "", false, false, ""},
+    {"a.webloc", kWebloc, false, 2, "url", true, false, ""},
+    {"a.url", "[InternetShortcut]\nURL=http://example.org/x\n", false, 2, "url", true, false, ""},
+    {"b.url", "[InternetShortcut]\nURL=ftp://example.org/x\n", false, 5, "", false, false, ""},
+    {"a.eml", "Subject: x\n\nbody", false, 2, "html", false, false, ""},
+    {"a.enex", "<en-export/>", false, 2, "html", false, false, ""},
+    {"a.png", "png", false, 2, "html", false, false, ""},
+    {"a.heic", "heic", false, 5, "", false, false, ""},
+    {"a.xyz", "xyz", false, 5, "", false, false, ""},
+    {"a.webarchive", "bplist", false, 5, "", false, false, ""},
+    {"a.webarchive", "bplist", false, 2, "html", false, false, "",
+     S::OpenWebarchivesWithTLKSMethods},
 };
 
-class DocumentShowing : public tltest::DocumentViewTest
-{
-};
+using DocumentShowing = tltest::DocumentViewTest;
 
 TEST_F(DocumentShowing, EachKindTakesTheViewOfTheTable)
 {
@@ -110,13 +72,13 @@ TEST_F(DocumentShowing, EachKindTakesTheViewOfTheTable)
         return QStringLiteral("<p>w</p>");
     };
     for (const ViewCase &c : kViewCases) {
-        SCOPED_TRACE(QStringLiteral("%1 toggled %2").arg(QLatin1String(c.name)).arg(c.toggled));
-        for (auto it = c.settings.begin(); it != c.settings.end(); ++it)
-            setSetting(it.key(), it.value());
-        const QString path = document(QLatin1String(c.name), c.contents);
-        for (auto it = c.properties.begin(); it != c.properties.end(); ++it)
-            tl::store::tl_setProperty(path, it.value(), it.key());
-        view->path = path;
+        SCOPED_TRACE(QStringLiteral("%1 toggled %2 %3")
+                         .arg(QLatin1String(c.name))
+                         .arg(c.toggled)
+                         .arg(QLatin1String(c.setting)));
+        if (c.setting)
+            setSetting(c.setting, true);
+        view->path = document(QLatin1String(c.name), c.contents);
         view->presentingToggledView = c.toggled;
         view->showDocument();
         EXPECT_EQ(view->viewThatIsVisible, c.view);
@@ -126,8 +88,8 @@ TEST_F(DocumentShowing, EachKindTakesTheViewOfTheTable)
         EXPECT_EQ(view->formattedPage.documentScriptsAllowed, c.scripts);
         EXPECT_EQ(view->formattedPage.editable, c.editable);
         EXPECT_EQ(view->toggleTitle, QLatin1String(c.toggleTitle));
-        for (auto it = c.settings.begin(); it != c.settings.end(); ++it)
-            tl::platform::settings().remove(it.key());
+        if (c.setting)
+            tl::platform::settings().remove(c.setting);
     }
     tl::store::textConversions().emlToHTML = nullptr;
     tl::store::textConversions().webarchiveToHTML = nullptr;
@@ -292,9 +254,7 @@ TEST_F(DocumentShowing, AnchorsAndSearchKeysAreTakenFromTheSelection)
 
 namespace {
 
-class DocumentHistory : public tltest::DocumentViewTest
-{
-};
+using DocumentHistory = tltest::DocumentViewTest;
 
 TEST_F(DocumentHistory, BackAndForwardFollowSelectionsRenamesAndNewDocuments)
 {

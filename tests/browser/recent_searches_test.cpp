@@ -9,9 +9,7 @@ namespace {
 
 using namespace tl::browser;
 
-class RecentSearches : public tltest::LibraryTest
-{
-};
+using RecentSearches = tltest::LibraryTest;
 
 struct RecentCase
 {

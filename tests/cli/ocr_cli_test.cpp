@@ -8,9 +8,7 @@
 
 namespace {
 
-class OcrCommand : public tltest::CommandTest
-{
-};
+using OcrCommand = tltest::CommandTest;
 
 TEST_F(OcrCommand, PrintsTheTextOrSavesItOrSaysWhyNot)
 {

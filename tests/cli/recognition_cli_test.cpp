@@ -6,9 +6,7 @@
 
 namespace {
 
-class RecognitionCommands : public tltest::CommandTest
-{
-};
+using RecognitionCommands = tltest::CommandTest;
 
 TEST_F(RecognitionCommands, LocationPrintsTheTextOrOneLineWhy)
 {

@@ -62,9 +62,7 @@ TEST(ContextWords, ExcludedWordsNeverCount)
     EXPECT_EQ(sorted(tl_extractTagsFromString("@a @b #c", "@#", {"@b", "#c"})), QStringList{"@a"});
 }
 
-class ContextWordsInLibrary : public tltest::LibraryTest
-{
-};
+using ContextWordsInLibrary = tltest::LibraryTest;
 
 TEST_F(ContextWordsInLibrary, ReadsMarkersAndExcludedFileOfTheLibrary)
 {

@@ -9,9 +9,7 @@ namespace {
 
 using namespace tl::contexts;
 
-class TagCollection : public tltest::ContextsTest
-{
-};
+using TagCollection = tltest::ContextsTest;
 
 TEST_F(TagCollection, CollectsOnlyWhatChangedSinceTheLastRun)
 {

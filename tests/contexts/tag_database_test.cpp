@@ -7,9 +7,7 @@ namespace {
 
 using namespace tl::contexts;
 
-class TagDatabase : public tltest::ContextsTest
-{
-};
+using TagDatabase = tltest::ContextsTest;
 
 TEST_F(TagDatabase, CollectingMakesAnUnknownTagAvailable)
 {

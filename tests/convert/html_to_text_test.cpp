@@ -95,9 +95,7 @@ TEST(PlainText, NoExternalEntityIsRead)
     EXPECT_FALSE(tl_htmlToPlainText(html).contains("root:"));
 }
 
-class Anchors : public tltest::ConvertTest
-{
-};
+using Anchors = tltest::ConvertTest;
 
 TEST_F(Anchors, IdsOfHtmlLessThoseOfNotes)
 {

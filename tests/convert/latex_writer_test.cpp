@@ -7,9 +7,7 @@ namespace {
 using namespace tl::convert;
 using tltest::TextCase;
 
-class LatexWriter : public tltest::ConvertTest
-{
-};
+using LatexWriter = tltest::ConvertTest;
 
 TEST_F(LatexWriter, EachConstructInItsLatexForm)
 {

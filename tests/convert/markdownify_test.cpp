@@ -49,9 +49,7 @@ TEST(Markdownify, CleanUp)
         markdown);
 }
 
-class MarkdownifySettings : public tltest::ConvertTest
-{
-};
+using MarkdownifySettings = tltest::ConvertTest;
 
 TEST_F(MarkdownifySettings, MarksAndBreaksFollowTheSettings)
 {

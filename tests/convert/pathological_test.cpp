@@ -11,9 +11,7 @@ namespace {
 using tl::convert::tl_getInnerHTML;
 using tl::convert::tl_markdownToHTML;
 
-class Pathological : public tltest::ConvertTest
-{
-};
+using Pathological = tltest::ConvertTest;
 
 TEST_F(Pathological, EveryShapeMakesASanePage)
 {

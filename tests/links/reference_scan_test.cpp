@@ -45,9 +45,7 @@ TEST(ReferenceScan, EachFormWithItsRange)
         EXPECT_EQ(found(QString::fromUtf8(c.text)), c.expected) << c.text;
 }
 
-class VerifiedReferences : public LibraryTest
-{
-};
+using VerifiedReferences = LibraryTest;
 
 TEST_F(VerifiedReferences, ExistingItemsOnlyInTextOrder)
 {

@@ -8,9 +8,7 @@ using namespace tl::publish;
 
 namespace {
 
-class SelectionTest : public PublishTest
-{
-};
+using SelectionTest = PublishTest;
 
 TEST_F(SelectionTest, OnlyCompilableDocumentsAreKept)
 {

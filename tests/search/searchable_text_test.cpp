@@ -7,9 +7,7 @@
 
 namespace {
 
-class SearchableWords : public tltest::LibraryTest
-{
-};
+using SearchableWords = tltest::LibraryTest;
 
 TEST_F(SearchableWords, AreReadWholeWhateverSizeTheWalkSaw)
 {

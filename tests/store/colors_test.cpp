@@ -6,9 +6,7 @@ namespace {
 
 using namespace tl::store;
 
-class Colors : public tltest::LibraryTest
-{
-};
+using Colors = tltest::LibraryTest;
 
 TEST_F(Colors, OutsideTheLibraryBlackOnWhite)
 {

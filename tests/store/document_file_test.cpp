@@ -19,9 +19,7 @@ struct EncodingCase
     QString text;
 };
 
-class Encodings : public tltest::LibraryTest
-{
-};
+using Encodings = tltest::LibraryTest;
 
 TEST_F(Encodings, DetectionAndReading)
 {
@@ -94,9 +92,7 @@ TEST_F(Encodings, NumbersAndNames)
 
 // Writing -------------------------------------------------------------------
 
-class DocumentWriting : public tltest::LibraryTest
-{
-};
+using DocumentWriting = tltest::LibraryTest;
 
 // What the file system keeps over either kind of write is the platform's
 // to check; here the text goes in its encoding, by either road.

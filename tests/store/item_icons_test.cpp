@@ -79,12 +79,18 @@ TEST_F(ItemIcons, NamedIconsOfDocuments)
     // The rows where the icon is not simply named after the extension:
     // case, kin extensions and the media that share an icon.
     const std::pair<const char *, const char *> cases[] = {
-        {"a.EML", "icon-doc-eml"},       {"a.xlsx", "icon-doc-xls"},
-        {"a.pptx", "icon-doc-ppt"},      {"a.htm", "icon-doc-html"},
-        {"a.rtfd", "icon-doc-rtf"},      {"a.bike", "icon-doc-html"},
-        {"a.markdown", "icon-doc-md"},   {"a.text", "icon-doc-md"},
-        {"a.py", "icon-doc-txt"},        {"a.flac", "icon-doc-audio"},
-        {"a.wav", "icon-doc-movie"},     {"a.png", "icon-doc-photo"},
+        {"a.EML", "icon-doc-eml"},
+        {"a.xlsx", "icon-doc-xls"},
+        {"a.pptx", "icon-doc-ppt"},
+        {"a.htm", "icon-doc-html"},
+        {"a.rtfd", "icon-doc-rtf"},
+        {"a.bike", "icon-doc-html"},
+        {"a.markdown", "icon-doc-md"},
+        {"a.text", "icon-doc-md"},
+        {"a.py", "icon-doc-txt"},
+        {"a.flac", "icon-doc-audio"},
+        {"a.wav", "icon-doc-movie"},
+        {"a.png", "icon-doc-photo"},
         {"a.fountain", "icon-doc-fountain"},
     };
     for (const auto &[name, icon] : cases) {
@@ -166,9 +172,7 @@ TEST_F(ItemIcons, PicturesWithPreviews)
 
 // Thumbnails ------------------------------------------------------------------
 
-class Thumbnails : public tltest::LibraryTest
-{
-};
+using Thumbnails = tltest::LibraryTest;
 
 TEST_F(Thumbnails, ImagesScaleIntoThirtyTwoPointsPerScale)
 {

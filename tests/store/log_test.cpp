@@ -5,9 +5,7 @@
 
 namespace {
 
-class PlainLog : public tltest::LibraryTest
-{
-};
+using PlainLog = tltest::LibraryTest;
 
 TEST_F(PlainLog, LinesGoToTheLibraryLogOnlyWhileItExists)
 {

@@ -84,9 +84,7 @@ TEST(ConflictNames, PlaceholdersAndTheClientsOwnFiles)
         EXPECT_EQ(isClientOwnFile(c.client, c.name), c.own) << c.name;
 }
 
-class DetectionTest : public tltest::LibraryTest
-{
-};
+using DetectionTest = tltest::LibraryTest;
 
 TEST_F(DetectionTest, TheMarkerInTheLibraryOrAboveNamesTheClient)
 {

@@ -122,9 +122,7 @@ TEST_F(ReportTest, TemporaryFilesAndLookAlikesAreNoConflicts)
     EXPECT_EQ(outcome.unsynced, 0);
 }
 
-class PlaceholderReportTest : public tltest::LibraryTest
-{
-};
+using PlaceholderReportTest = tltest::LibraryTest;
 
 TEST_F(PlaceholderReportTest, AtMost51DownloadsAReportWhileAllCountAsUnsynced)
 {
