@@ -54,9 +54,9 @@ void tl_taskPlistChangedAtPath(const QString &book)
     tasks::tl_correctTaskCountAtPathWithCleanup(book, false);
 }
 
-void tl_collectTagsInPlist(const QString &plistPath)
+void tl_collectTagsInPlists(const QStringList &plistPaths)
 {
-    contexts::tl_collectTagsInPlist(plistPath);
+    contexts::tl_collectTagsInPlists(plistPaths);
 }
 
 void tl_repairBrokenBacklink(const QString &itemPath)

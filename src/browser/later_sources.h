@@ -25,8 +25,8 @@ void updateListOfTasklists();
 void updateListOfTasklistsQuick();
 void updateListOfTasklistRemovingAdding(const QString &removal, const QString &addition);
 void tl_taskPlistChangedAtPath(const QString &book);
-// The tags written into a properties file join the tag database.
-void tl_collectTagsInPlist(const QString &plistPath);
+// The tags written into properties files join the tag database.
+void tl_collectTagsInPlists(const QStringList &plistPaths);
 // A properties file copied from elsewhere gets its backlinks set right.
 void tl_repairBrokenBacklink(const QString &itemPath);
 // Asks the cloud service for the real file behind a placeholder.

@@ -142,11 +142,17 @@ TLKSOutlineViewController::~TLKSOutlineViewController()
         Scheduler::main().cancel(key);
 }
 
-void TLKSOutlineViewController::scheduleOwn(const QString &name, std::function<void()> work)
+QString TLKSOutlineViewController::ownKey(const QString &name) const
 {
-    const QString key = QStringLiteral("%1 %2").arg(name).arg(quintptr(this));
+    return QStringLiteral("%1 %2").arg(name).arg(quintptr(this));
+}
+
+void TLKSOutlineViewController::scheduleOwn(const QString &name, std::function<void()> work,
+                                            double delaySeconds)
+{
+    const QString key = ownKey(name);
     m_pendingKeys.insert(key);
-    Scheduler::main().schedule(key, kFollowUpDelay, [this, key, work = std::move(work)] {
+    Scheduler::main().schedule(key, delaySeconds, [this, key, work = std::move(work)] {
         work();
         // The same work may have been asked for again meanwhile.
         if (!Scheduler::main().isPending(key))
@@ -295,9 +301,14 @@ QStringList TLKSOutlineViewController::tl_expandSavedPaths()
     return opened;
 }
 
-void TLKSOutlineViewController::scheduleSmartBookUpdate(const QString &path)
+void TLKSOutlineViewController::scheduleSmartBookUpdate()
 {
-    scheduleOwn(QStringLiteral("smartBooks %1").arg(path), [this] {
+    // Every change asks for the same update of every smart book: changes
+    // while one waits are in it, so a burst, wherever it is, ends in one.
+    const QString name = QStringLiteral("smartBooks");
+    if (Scheduler::main().isPending(ownKey(name)))
+        return;
+    scheduleOwn(name, [this] {
         for (int type = kFirstListedSmartType; type <= kLastListedSmartType; ++type)
             updateSmartBookOfType(type);
     });
@@ -347,7 +358,10 @@ void TLKSOutlineViewController::presentedSubitemDidChangeAtURL(const QString &pa
             updateListOfTasklistsQuick();
         }
         if (path.endsWith(u".plist")) {
-            tl_collectTagsInPlist(path);
+            m_plistsToCollect << path;
+            scheduleOwn(
+                QStringLiteral("collectTags"),
+                [this] { tl_collectTagsInPlists(std::exchange(m_plistsToCollect, {})); }, 0);
             const bool bookProperties = name == QLatin1String(names::BookProperties);
             const QString owner = bookProperties ? bookOf(path) : path::deletingExtension(path);
             if (settings().boolValue(QLatin1String(S::ManageLinks))) {
@@ -394,7 +408,7 @@ void TLKSOutlineViewController::presentedSubitemDidChangeAtURL(const QString &pa
         }
         center().post(events::FileDeletedFromDisk, {{"path", path}});
     }
-    scheduleSmartBookUpdate(path);
+    scheduleSmartBookUpdate();
 }
 
 void TLKSOutlineViewController::reloadBadgeOf(const QString &book)

@@ -63,16 +63,21 @@ private:
     void reloadBadgeOf(const QString &book);
     void followInbox(const QString &source, const QString &target);
     void moveInTree(const QString &source, const QString &target);
-    void scheduleSmartBookUpdate(const QString &path);
-    // Follow-up work on this controller after kFollowUpDelay; a later call
-    // with the same name replaces it, and none outlives the controller.
-    void scheduleOwn(const QString &name, std::function<void()> work);
+    void scheduleSmartBookUpdate();
+    // Follow-up work on this controller after the delay; a later call with
+    // the same name replaces it, and none outlives the controller.
+    void scheduleOwn(const QString &name, std::function<void()> work,
+                     double delaySeconds = kFollowUpDelay);
+    QString ownKey(const QString &name) const;
 
     OutlineModel m_model;
     QSet<QString> m_expanded;
     bool m_smartBooksCollapsed = false;
     std::unique_ptr<platform::FileWatcher> m_watcher;
     QSet<QString> m_pendingKeys;
+    // Property files changed in this turn of the event loop, their tags
+    // collected together at its end: an import writes one for each note.
+    QStringList m_plistsToCollect;
 };
 
 // The message listing the settings that differ after a switch of library.
