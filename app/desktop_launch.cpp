@@ -94,8 +94,9 @@ void DesktopLaunch::reopenDocuments(const QVariantList &documents)
 
 bool DesktopLaunch::eventFilter(QObject *watched, QEvent *event)
 {
-    // The application closes every window before it quits.
-    if (watched == qApp && event->type() == QEvent::Quit)
+    // The application closes every window before it quits. A filter on the
+    // application sees every event of the program: the cheap test first.
+    if (event->type() == QEvent::Quit && watched == qApp)
         finish();
     return QObject::eventFilter(watched, event);
 }
