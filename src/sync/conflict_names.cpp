@@ -155,7 +155,9 @@ std::optional<SyncClient> detectSyncClient(const QString &folder)
     QDir dir(folder);
     while (true) {
         const QStringList entries =
-            dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+            dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                          // A folder above the library may hold very many entries.
+                          QDir::NoSort);
         for (const ClientRules &rules : kClients) {
             const Regex &marker = compiledRules(rules.client).marker;
             for (const QString &entry : entries)
