@@ -1,5 +1,6 @@
 #include "search/searchable_items.h"
 
+#include "store/conflict_copies.h"
 #include "store/extensions.h"
 #include "store/keys.h"
 #include "store/library_root.h"
@@ -50,6 +51,15 @@ struct Resources
     }
 };
 
+// A sync client's copy of a document is a version of it, not an item. Every
+// client's copies say so in their names, which most names need not be
+// decoded to show.
+bool isConflictCopy(std::string_view name, const std::string &path)
+{
+    return name.find("conflict") != std::string_view::npos &&
+           store::tl_pathIsConflictCopy(QFile::decodeName(QByteArray::fromStdString(path)));
+}
+
 bool isPackage(std::string_view path)
 {
     return store::packageExtensions().contains(store::lowerCasedExtension(
@@ -73,7 +83,7 @@ void listFolder(const std::string &path, const Resources &resources, Visit &&vis
             continue;
         child.resize(base);
         child += entry->d_name;
-        if (resources.leftOut(child))
+        if (resources.leftOut(child) || isConflictCopy(entry->d_name, child))
             continue;
         if (visitFile && entry->d_type == DT_REG && child != resources.folder) {
             visitFile(FoundFile{fd, entry->d_name, child});
@@ -210,8 +220,9 @@ bool isSearchableItemPath(const QString &path)
             store::packageExtensions().contains(store::lowerCasedExtension(part)))
             return false;
     }
-    return parts[0] != QLatin1String(names::TLResources) ||
-           (parts.size() >= 2 && parts[1] == u"CSS");
+    return (parts[0] != QLatin1String(names::TLResources) ||
+            (parts.size() >= 2 && parts[1] == u"CSS")) &&
+           !store::tl_pathIsConflictCopy(path);
 }
 
 } // namespace tl::search

@@ -33,9 +33,10 @@ struct EncodedItemStamp
 // The stamp of the item at path, as the file system describes it in st.
 EncodedItemStamp encodedStamp(std::string_view path, const struct stat &st);
 
-// Every item below the folder, the folder itself not included. Dot files and
-// the library's resources (but for its style sheets) are left out; packages
-// and linked folders are items whose insides are not entered.
+// Every item below the folder, the folder itself not included. Dot files, a
+// sync client's conflict copies and the library's resources (but for its
+// style sheets) are left out; packages and linked folders are items whose
+// insides are not entered.
 void forEachSearchableItem(const QString &folder,
                            const std::function<void(const ItemStamp &)> &visit);
 

@@ -2,6 +2,7 @@
 #include "../store/library_fixture.h"
 #include "search/search_index.h"
 #include "search/search_walk.h"
+#include "store/conflict_copies.h"
 
 #include <gtest/gtest.h>
 
@@ -33,6 +34,16 @@ protected:
         makeFile(inRoot("Picture.png"), "organiser inside a picture");
         makeFolder(inRoot("Quick Book"));
         makeFile(inRoot(".Hidden.md"), "organiser");
+        // A version of a document a sync client kept: no item, so never a hit.
+        tl::store::setConflictCopyRule(
+            [](const QString &path) { return path.contains(u"conflicted copy"); });
+        makeFile(inRoot("Recipes (conflicted copy 2026-01-02).txt"), "Crème brûlée, a torch.");
+    }
+
+    void TearDown() override
+    {
+        tl::store::setConflictCopyRule({});
+        LibraryTest::TearDown();
     }
 
     QStringList names(const Query &query)
