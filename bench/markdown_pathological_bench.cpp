@@ -1,10 +1,13 @@
 // Each pathological shape of Markdown at 1 MB (or at the shape's own
 // bound where Discount is the one that cannot go faster), turned into a
 // page: the time per megabyte of each, beside that of an ordinary note of
-// the same size measured in the same run.
+// the same size measured in the same run. Backquotes that open no code span,
+// in one run and in runs of growing length, are stated as ratios to the
+// note.
 #include "convert/markdown_to_html.h"
 #include "pathological_markdown.h"
 #include "platform/settings.h"
+#include "ratio_reporter.h"
 
 #include <QCoreApplication>
 #include <QTemporaryDir>
@@ -39,6 +42,15 @@ QString ordinaryText()
     return piece.repeated(kMegabyte / piece.size());
 }
 
+// Runs of one, two, three... backquotes: none closes an earlier one.
+QString growingBackquoteRuns()
+{
+    QString text;
+    for (int length = 1; text.size() < kMegabyte; ++length)
+        text += QString(length, u'`') + u' ';
+    return text;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -60,8 +72,21 @@ int main(int argc, char **argv)
             ->Arg(1)
             ->Unit(benchmark::kMillisecond);
     }
+    benchmark::RegisterBenchmark("growing backquote runs", convertPerMegabyte,
+                                 growingBackquoteRuns())
+        ->Arg(0)
+        ->Arg(1)
+        ->Unit(benchmark::kMillisecond);
     benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
+    for (const char *converter : {"/0", "/1"}) {
+        const std::string note = std::string("ordinary note") + converter;
+        reporter.printRatio(std::string("backquotes") + converter, note, "a run of backquotes",
+                            "an ordinary note", 2);
+        reporter.printRatio(std::string("growing backquote runs") + converter, note,
+                            "backquote runs of growing length", "an ordinary note", 2);
+    }
     return 0;
 }

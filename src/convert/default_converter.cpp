@@ -3,6 +3,7 @@
 #include "convert/contents_block.h"
 #include "convert/convert_keys.h"
 #include "convert/discount.h"
+#include "convert/lone_backquotes.h"
 #include "convert/match_edits.h"
 #include "foundation/compare.h"
 #include "foundation/literal_finder.h"
@@ -233,7 +234,9 @@ QString multiMarkdownCompatibleAnchor(const QString &heading)
     return dashes.replaceAll(foreign.replaceAll(heading, QString()), dash).toLower();
 }
 
-QString tl_markdownWithPandoc(const QString &markdown, bool withTitleBlock, bool withContents)
+namespace {
+
+QString convertedByDiscount(const QString &markdown, bool withTitleBlock, bool withContents)
 {
     const QString folder = platform::temporaryFolder();
     platform::makeFolder(folder);
@@ -308,6 +311,16 @@ QString tl_markdownWithPandoc(const QString &markdown, bool withTitleBlock, bool
         html = withoutCheckboxParagraphs(html);
         return mmdAnchors ? withHeadingAnchorBracketsRemoved(html) : html;
     }
+}
+
+} // namespace
+
+QString tl_markdownWithPandoc(const QString &markdown, bool withTitleBlock, bool withContents)
+{
+    return convertedWithLoneBackquotesSetAside(
+        markdown, setting(keys::UseSmartyPants), [&](const QString &text) {
+            return convertedByDiscount(text, withTitleBlock, withContents);
+        });
 }
 
 } // namespace tl::convert

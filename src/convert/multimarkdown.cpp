@@ -6,6 +6,7 @@
 #include "convert/default_converter.h"
 #include "convert/discount.h"
 #include "convert/inline_notes.h"
+#include "convert/lone_backquotes.h"
 #include "convert/match_edits.h"
 #include "foundation/path_string.h"
 #include "foundation/regex.h"
@@ -101,10 +102,9 @@ QString inlineNotesAsReferences(const QString &source)
     return result;
 }
 
-QString htmlOfSource(const QString &source)
+QString htmlOfText(const QString &text, const discount::Flags &flags)
 {
-    std::unique_ptr<discount::Document> document =
-        discount::Document::parse(inlineNotesAsReferences(source).toUtf8(), multiMarkdownFlags());
+    std::unique_ptr<discount::Document> document = discount::Document::parse(text.toUtf8(), flags);
     if (!document)
         return QString();
     document->setAnchorMaker([](QByteArrayView heading) {
@@ -117,6 +117,14 @@ QString htmlOfSource(const QString &source)
     QString html = inMultiMarkdownShapes(QString::fromUtf8(document->html()));
     html = withHeadingAnchorBracketsRemoved(html);
     return withContentsAtMarkers(html, list);
+}
+
+QString htmlOfSource(const QString &source)
+{
+    const discount::Flags flags = multiMarkdownFlags();
+    return convertedWithLoneBackquotesSetAside(
+        inlineNotesAsReferences(source), !flags.has(discount::Flag::NoPants),
+        [&](const QString &text) { return htmlOfText(text, flags); });
 }
 
 // Task items and class quotations as the default converter writes them.

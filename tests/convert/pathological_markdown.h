@@ -20,8 +20,8 @@ struct PathologicalShape
     // converted; empty when the body is only checked to be there.
     QString perPiece;
     // The largest text worth converting, 0 for any. Discount itself reads on
-    // to the end of the paragraph for every backquote of a run and for every
-    // "[" and "<" that opens nothing: those shapes stay small.
+    // to the end of the paragraph for every "[" and "<" that opens nothing:
+    // those shapes stay small.
     qsizetype mostBytes = 0;
 };
 
@@ -46,7 +46,7 @@ inline const QList<PathologicalShape> &pathologicalShapes()
         {"code spans", QStringLiteral("`a` "), QStringLiteral("<code>a</code>")},
         {"page breaks", QStringLiteral("{{pagebreak}}\n\n"), QStringLiteral("pagebreak")},
         {"unbalanced brackets", QStringLiteral("[a "), QString(), kDiscountBound},
-        {"backquotes", QStringLiteral("`"), QString(), kDiscountBound},
+        {"backquotes", QStringLiteral("`"), QString()},
     };
     return shapes;
 }
