@@ -29,79 +29,52 @@ TEST(ReadableRepeat, TextsOfEachFamily)
     }
 }
 
-TEST_F(TaskListTest, FancyWeekdayTexts)
+// The three forms of a date in a task list: relative, exact, and in a row.
+TEST_F(TaskListTest, WeekdayTexts)
 {
-    const QChar narrow(0x202f);
+    const QString narrow(QChar(0x202f));
+    const auto fancy = tl_fancyWeekdayString;
+    const auto exact = tl_fancyWeekdayStringExact;
+    const auto row = tl_weekdayString;
+    const auto on = [](int day, QTime time) {
+        return QDateTime(QDate(2024, 3, day), time, Qt::UTC);
+    };
     const struct
     {
+        QString (*form)(const QDateTime &);
         QDateTime date;
         QString text;
     } cases[] = {
-        {now().addSecs(-30), "just now"},
-        {now().addSecs(-119), "just now"},
-        {now().addSecs(-120), "2 minutes ago"},
-        {now().addSecs(-3599), "59 minutes ago"},
-        {now().addSecs(-3600), "1 hour ago"},
-        {now().addSecs(-7200), "2 hours ago"},
-        {now().addSecs(-14399), "3 hours ago"},
-        {now().addSecs(-14400), QString("Today, 8:00") + narrow + "AM"},
-        {now().addSecs(3600), QString("Today, 1:00") + narrow + "PM"},
-        {QDateTime(QDate(2024, 3, 4), QTime(0, 1), Qt::UTC), "Yesterday"},
-        {QDateTime(QDate(2024, 3, 6), QTime(0, 1), Qt::UTC), "Tomorrow"},
-        {QDateTime(QDate(2024, 3, 9), QTime(17, 30), Qt::UTC),
-         QString("Saturday, March 9, 2024, 5:30") + narrow + "PM"},
-        {distantFuture(), ""},
-        {distantPast(), ""},
+        {fancy, now().addSecs(-30), "just now"},
+        {fancy, now().addSecs(-119), "just now"},
+        {fancy, now().addSecs(-120), "2 minutes ago"},
+        {fancy, now().addSecs(-3599), "59 minutes ago"},
+        {fancy, now().addSecs(-3600), "1 hour ago"},
+        {fancy, now().addSecs(-7200), "2 hours ago"},
+        {fancy, now().addSecs(-14399), "3 hours ago"},
+        {fancy, now().addSecs(-14400), "Today, 8:00" + narrow + "AM"},
+        {fancy, now().addSecs(3600), "Today, 1:00" + narrow + "PM"},
+        {fancy, on(4, QTime(0, 1)), "Yesterday"},
+        {fancy, on(6, QTime(0, 1)), "Tomorrow"},
+        {fancy, on(9, QTime(17, 30)), "Saturday, March 9, 2024, 5:30" + narrow + "PM"},
+        {fancy, distantFuture(), ""},
+        {fancy, distantPast(), ""},
+        {exact, now().addSecs(-3600), "Today, 11:00:00" + narrow + "AM"},
+        {exact, on(4, QTime(0, 1, 5)), "Yesterday, 12:01:05" + narrow + "AM"},
+        {exact, on(6, QTime(0, 1, 5)), "Tomorrow, 12:01" + narrow + "AM"},
+        {exact, on(9, QTime(17, 30, 2)), "3/9/24, 5:30:02" + narrow + "PM"},
+        {exact, distantPast(), ""},
+        {row, now().addSecs(-7200), "Today, 10:00" + narrow + "AM"},
+        {row, on(6, QTime(0, 1)), "Tomorrow"},
+        {row, on(9, QTime(0, 1)), "Sat, Mar 9, 2024"},
+        {row, on(9, QTime(17, 30)), "Sat, Mar 9, 2024, 5:30" + narrow + "PM"},
+        {row, distantFuture(), ""},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.text.toStdString());
-        EXPECT_EQ(tl_fancyWeekdayString(c.date), c.text);
-    }
-}
-
-TEST_F(TaskListTest, ExactWeekdayTexts)
-{
-    const QChar narrow(0x202f);
-    const struct
-    {
-        QDateTime date;
-        QString text;
-    } cases[] = {
-        {now().addSecs(-3600), QString("Today, 11:00:00") + narrow + "AM"},
-        {QDateTime(QDate(2024, 3, 4), QTime(0, 1, 5), Qt::UTC),
-         QString("Yesterday, 12:01:05") + narrow + "AM"},
-        {QDateTime(QDate(2024, 3, 6), QTime(0, 1, 5), Qt::UTC),
-         QString("Tomorrow, 12:01") + narrow + "AM"},
-        {QDateTime(QDate(2024, 3, 9), QTime(17, 30, 2), Qt::UTC),
-         QString("3/9/24, 5:30:02") + narrow + "PM"},
-        {distantPast(), ""},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.text.toStdString());
-        EXPECT_EQ(tl_fancyWeekdayStringExact(c.date), c.text);
+        EXPECT_EQ(c.form(c.date), c.text);
     }
 }
 
 } // namespace
-TEST_F(TaskListTest, WeekdayTextsOfListRows)
-{
-    const QChar narrow(0x202f);
-    const struct
-    {
-        QDateTime date;
-        QString text;
-    } cases[] = {
-        {now().addSecs(-7200), QString("Today, 10:00") + narrow + "AM"},
-        {QDateTime(QDate(2024, 3, 6), QTime(0, 1), Qt::UTC), "Tomorrow"},
-        {QDateTime(QDate(2024, 3, 9), QTime(0, 1), Qt::UTC), "Sat, Mar 9, 2024"},
-        {QDateTime(QDate(2024, 3, 9), QTime(17, 30), Qt::UTC),
-         QString("Sat, Mar 9, 2024, 5:30") + narrow + "PM"},
-        {distantFuture(), ""},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.text.toStdString());
-        EXPECT_EQ(tl_weekdayString(c.date), c.text);
-    }
-}
-
 } // namespace tl::tasks

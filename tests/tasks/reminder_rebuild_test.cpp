@@ -16,6 +16,14 @@ protected:
         setSetting("allTaskLists", QStringList{"/Tasks"});
     }
     static QDateTime at(int hoursFromNow) { return now().addSecs(hoursFromNow * 3600); }
+    // A task due then that repeats from its due date.
+    static QVariantMap repeating(const QDateTime &due, const char *unit, const char *factor)
+    {
+        return {{"DueDate", due},
+                {"RepeatType", "when due"},
+                {"RepeatUnit", unit},
+                {"RepeatFactor", factor}};
+    }
 };
 
 TEST_F(ReminderTest, EachPendingDatedTaskGetsARowAndTheFutureOnesAReminder)
@@ -30,35 +38,10 @@ TEST_F(ReminderTest, EachPendingDatedTaskGetsARowAndTheFutureOnesAReminder)
         bool reminder, sound;
     } cases[] = {
         {"Past.md", {{"DueDate", at(-49)}}, "2024-03-03T11:00:00Z", "1", "0", false, false},
-        {"Daily.md",
-         {{"DueDate", at(-49)},
-          {"RepeatType", "when due"},
-          {"RepeatUnit", "day"},
-          {"RepeatFactor", "1"}},
-         "2024-03-06T11:00:00Z",
-         "0",
-         "16",
-         false,
+        {"Daily.md", repeating(at(-49), "day", "1"), "2024-03-06T11:00:00Z", "0", "16", false,
          false},
-        {"Weekly.md",
-         {{"DueDate", at(2)},
-          {"RepeatType", "when due"},
-          {"RepeatUnit", "week"},
-          {"RepeatFactor", "2"}},
-         "2024-03-05T14:00:00Z",
-         "1",
-         "0",
-         true,
-         true},
-        {"Odd.md",
-         {{"DueDate", at(-1)},
-          {"RepeatType", "when due"},
-          {"RepeatUnit", "fortnight"},
-          {"RepeatFactor", "1"}},
-         "2024-03-05T11:00:00Z",
-         "0",
-         "0",
-         false,
+        {"Weekly.md", repeating(at(2), "week", "2"), "2024-03-05T14:00:00Z", "1", "0", true, true},
+        {"Odd.md", repeating(at(-1), "fortnight", "1"), "2024-03-05T11:00:00Z", "0", "0", false,
          false},
         {"Quiet.md",
          {{"DueDate", dateOnly}, {"State", "started"}},
