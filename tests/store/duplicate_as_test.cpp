@@ -107,7 +107,6 @@ TEST_F(DuplicateAs, Markdown)
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.source);
-        tltest::EventRecorder recorder;
         const QString made = tl_duplicateItemAsMarkdown(doc(c.source, c.text));
         EXPECT_EQ(made, c.expected.isEmpty() ? QString() : book(c.expected));
     }

@@ -3,7 +3,6 @@
 #include "store/keys.h"
 #include "store/list_row.h"
 
-#include <QFileInfo>
 #include <limits>
 
 namespace tl::store {
@@ -91,18 +90,11 @@ TEST_F(LibraryTest, RowOfABookReadsItsParentsProperties)
     EXPECT_EQ(row.favorite, "1");
 }
 
+// When a creation date is stored is the properties' rule; the row shows it.
 TEST_F(LibraryTest, RowCreationDate)
 {
     const QString doc = makeFile(inRoot("Book/Doc.md"));
     const QDateTime stored(QDate(2018, 4, 5), QTime(6, 7, 8), Qt::UTC);
-    EXPECT_TRUE(tl_rowForItem(doc).creationDate.isValid());
-    EXPECT_FALSE(QFileInfo::exists(doc + ".plist"));
-
-    setSetting(S::AlwaysSaveCreationDate, true);
-    const QDateTime fileDate = tl_rowForItem(doc).creationDate;
-    EXPECT_EQ(readPlist(doc + ".plist").value(P::CreationDate).toDateTime().toSecsSinceEpoch(),
-              fileDate.toSecsSinceEpoch());
-
     writePlist(doc + ".plist", QVariantMap{{P::CreationDate, stored}});
     EXPECT_EQ(tl_rowForItem(doc).creationDate, stored);
 }

@@ -1,11 +1,10 @@
 #include "foundation/events.h"
-#include "foundation/notification_center.h"
 #include "library_fixture.h"
 #include "platform/file_ops.h"
 #include "store/keys.h"
 #include "store/location_settings.h"
+#include "support/event_recorder.h"
 
-#include <QFile>
 #include <QFileInfo>
 
 namespace tl::store {
@@ -24,17 +23,6 @@ protected:
         for (const char *key : {S::DefaultInbox, S::ManageLinks, S::ContextsEnabled,
                                 S::ExtractContextsAutomatically, S::ContextMarkers})
             platform::settings().remove(key);
-    }
-
-    // How often each event was posted while the block ran.
-    QMap<QString, int> eventsDuring(const std::function<void()> &block)
-    {
-        QMap<QString, int> counts;
-        const auto count = [&](const QString &name, const QVariantMap &) { ++counts[name]; };
-        ScopedObserver inbox(events::UpdateDefaultInbox, count);
-        ScopedObserver contexts(events::ReloadContextSmartBook, count);
-        block();
-        return counts;
     }
 
     QString file_;
@@ -106,27 +94,6 @@ TEST_F(LocationSettings, ReadCopiesTheFileIntoTheSettings)
     EXPECT_FALSE(settings.boolValue(S::ManageLinks));
 }
 
-TEST_F(LocationSettings, RoundTripThroughTheFile)
-{
-    const QVariantMap values{{S::DefaultInbox, inRoot("Inbox")},
-                             {S::ContextMarkers, "@#"},
-                             {S::ManageLinks, true},
-                             {S::ContextsEnabled, false},
-                             {S::ExtractContextsAutomatically, true}};
-    for (auto it = values.cbegin(); it != values.cend(); ++it)
-        setSetting(it.key(), it.value());
-    tl_writeLocationSpecificSettings();
-    const QByteArray written = tltest::readFile(file_);
-
-    // Read back into empty settings, they write the same file again.
-    for (auto it = values.cbegin(); it != values.cend(); ++it)
-        platform::settings().remove(it.key());
-    tl_readLocationSpecificSettings();
-    QFile::remove(file_);
-    tl_writeLocationSpecificSettings();
-    EXPECT_EQ(tltest::readFile(file_), written);
-}
-
 TEST_F(LocationSettings, EventsOnlyWhenInboxOrContextsChange)
 {
     const struct
@@ -147,9 +114,10 @@ TEST_F(LocationSettings, EventsOnlyWhenInboxOrContextsChange)
     };
     for (const auto &c : cases) {
         writePlist(file_, c.file);
-        const QMap<QString, int> counts = eventsDuring([] { tl_readLocationSpecificSettings(); });
-        EXPECT_EQ(counts.value(events::UpdateDefaultInbox), c.inboxEvents) << c.name;
-        EXPECT_EQ(counts.value(events::ReloadContextSmartBook), c.contextEvents) << c.name;
+        tltest::EventRecorder posted;
+        tl_readLocationSpecificSettings();
+        EXPECT_EQ(posted.count(events::UpdateDefaultInbox), c.inboxEvents) << c.name;
+        EXPECT_EQ(posted.count(events::ReloadContextSmartBook), c.contextEvents) << c.name;
     }
 }
 
