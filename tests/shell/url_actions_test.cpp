@@ -208,39 +208,20 @@ TEST_F(URLActions, FilesHandedOverAreOpenedCopiedOrAskedAbout)
         QStringList posted;
     };
     const QString inBook = inRoot("Book/Doc.md");
+    const QString opens = "TLKSOpenItemsInNewWindowNotification ";
+    const QString copied = "TLKSHandleFileModificationInstantly ROOT/";
     const Case cases[] = {
-        {"inside opens",
-         inBook,
-         false,
-         -1,
-         {"TLKSOpenItemsInNewWindowNotification ROOT/Book/Doc.md"}},
-        {"outside opens",
-         outsideFile,
-         false,
-         -1,
-         {"TLKSOpenItemsInNewWindowNotification " + outsideFile}},
+        {"inside opens", inBook, false, -1, {opens + "ROOT/Book/Doc.md"}},
+        {"outside opens", outsideFile, false, -1, {opens + outsideFile}},
         {"temporary is copied, then opened",
          temporary,
          false,
          -1,
-         {"TLKSHandleFileModificationInstantly ROOT/Dropped.txt",
-          "TLKSOpenItemsInNewWindowNotification ROOT/Dropped.txt"}},
-        {"asked: open",
-         outsideFile,
-         true,
-         0,
-         {"TLKSOpenItemsInNewWindowNotification " + outsideFile}},
-        {"asked: add",
-         outsideFile,
-         true,
-         1,
-         {"TLKSHandleFileModificationInstantly ROOT/Letter.txt"}},
+         {copied + "Dropped.txt", opens + "ROOT/Dropped.txt"}},
+        {"asked: open", outsideFile, true, 0, {opens + outsideFile}},
+        {"asked: add", outsideFile, true, 1, {copied + "Letter.txt"}},
         {"asked: cancel", outsideFile, true, 2, {}},
-        {"style sheet: add as style",
-         style,
-         false,
-         2,
-         {"TLKSHandleFileModificationInstantly ROOT/TLResources/CSS/Look.css"}},
+        {"style sheet: add as style", style, false, 2, {copied + "TLResources/CSS/Look.css"}},
         {"the root itself", root_, false, -1, {}},
     };
     for (const Case &c : cases) {
