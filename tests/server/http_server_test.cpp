@@ -10,7 +10,6 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
-#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -42,64 +41,6 @@ CurlResult curl(const QStringList &arguments)
     result.err = process.readAllStandardError();
     return result;
 }
-
-// A plain blocking client socket on the loopback address.
-class RawClient
-{
-public:
-    explicit RawClient(uint16_t port) : m_fd(connectToLoopback(port)) {}
-    ~RawClient()
-    {
-        if (m_fd >= 0)
-            ::close(m_fd);
-    }
-    bool connected() const { return m_fd >= 0; }
-    void send(const QByteArray &bytes)
-    {
-        (void)::send(m_fd, bytes.constData(), size_t(bytes.size()), MSG_NOSIGNAL);
-    }
-
-    // The next response, or nothing when the peer closed or five seconds passed.
-    std::optional<Response> receive(bool withBody = true)
-    {
-        for (;;) {
-            QByteArray copy = m_pending;
-            if (auto r = takeResponse(copy, withBody)) {
-                m_pending = copy;
-                return r;
-            }
-            if (!readSome())
-                return std::nullopt;
-        }
-    }
-    // True when the peer has closed (reads give end of stream).
-    bool closedByPeer()
-    {
-        while (readSome()) {
-        }
-        return m_closed;
-    }
-
-private:
-    bool readSome()
-    {
-        pollfd p{m_fd, POLLIN, 0};
-        if (::poll(&p, 1, 5000) <= 0)
-            return false;
-        char buffer[65536];
-        const ssize_t n = ::recv(m_fd, buffer, sizeof buffer, 0);
-        if (n <= 0) {
-            m_closed = true;
-            return false;
-        }
-        m_pending.append(buffer, n);
-        return true;
-    }
-
-    int m_fd;
-    bool m_closed = false;
-    QByteArray m_pending;
-};
 
 bool waitFor(const std::function<bool()> &condition)
 {
