@@ -14,7 +14,6 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <cmath>
-#include <unistd.h>
 
 namespace {
 
@@ -62,9 +61,6 @@ const QString &library()
         for (int l = 0; l < kLargeDocuments; ++l)
             bench::writeBytes(dir.path() + QStringLiteral("/Large %1.txt").arg(l),
                               someWords(random, 600000).toUtf8());
-        // Settled on disk before anything is measured: neither the peer nor
-        // the index should pay for writing back what was just made.
-        ::sync();
         return dir.path();
     }();
     tl::store::setLibraryRootOverride(root);
