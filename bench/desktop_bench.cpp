@@ -131,13 +131,8 @@ int main(int argc, char **argv)
 
     tl::browser::EventBridge bridge;
     tl::app::MainWindow window(bridge);
-    window.openLibrary();
-    window.show();
     const QString largest = root + '/' + bookName(0);
-    window.outlinePane()->selectBook(largest);
-    tl::browser::DocumentListModel &list = window.listModel();
-    while (list.rowCount() < kLargestBook || list.isLoading())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+    showBook(window, largest, kLargestBook);
     if (!QTest::qWaitForWindowExposed(&window))
         return std::fprintf(stderr, "the window never showed\n"), 1;
     QCoreApplication::processEvents();

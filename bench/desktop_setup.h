@@ -4,11 +4,15 @@
 // own below a fresh folder, and the core put together as the desktop program
 // does it, with no questions shown, over the library at the root given.
 #include "assembly/core_assembly.h"
+#include "browser/document_list_model.h"
 #include "document_windows.h"
+#include "main_window.h"
+#include "outline_pane.h"
 #include "platform/alerts.h"
 #include "platform/settings.h"
 #include "store/keys.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <cstdlib>
 
@@ -40,4 +44,16 @@ inline void assembleHeadlessDesktop(const QString &root)
     parts.showInOpenWindow = tl::app::showInOpenWindow;
     tl::assembly::assembleCore(parts);
     tl::platform::settings().set(QLatin1String(tl::keys::setting::TavelleFolder), root);
+}
+
+// Opens the library in the window and shows the book, once its list holds at
+// least the documents wanted.
+inline void showBook(tl::app::MainWindow &window, const QString &book, int documents)
+{
+    window.openLibrary();
+    window.show();
+    window.outlinePane()->selectBook(book);
+    const tl::browser::DocumentListModel &list = window.listModel();
+    while (list.rowCount() < documents || list.isLoading())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
 }

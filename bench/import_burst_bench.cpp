@@ -80,12 +80,8 @@ int main(int argc, char **argv)
 
     tl::browser::EventBridge bridge;
     tl::app::MainWindow window(bridge);
-    window.openLibrary();
-    window.show();
-    window.outlinePane()->selectBook(book);
+    showBook(window, book, kNotesAlreadyThere);
     tl::browser::DocumentListModel &list = window.listModel();
-    while (list.rowCount() < kNotesAlreadyThere || list.isLoading())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
 
     // The longest time between two ticks of a timer meant to fire each 16 ms.
     QElapsedTimer sinceTick;
