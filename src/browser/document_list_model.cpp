@@ -206,10 +206,15 @@ void DocumentListModel::queueFileEvent(FileEvent event)
         m_modifiedWaiting.remove(event.newPath);
     }
     m_fileEvents << std::move(event);
-    if (!m_applyPosted) {
-        m_applyPosted = true;
-        QMetaObject::invokeMethod(this, &DocumentListModel::applyFileEvents, Qt::QueuedConnection);
-    }
+    postApply();
+}
+
+void DocumentListModel::postApply()
+{
+    if (m_applyPosted || m_fileEvents.isEmpty())
+        return;
+    m_applyPosted = true;
+    QMetaObject::invokeMethod(this, &DocumentListModel::applyFileEvents, Qt::QueuedConnection);
 }
 
 void DocumentListModel::dropFileEvents()
@@ -251,10 +256,7 @@ void DocumentListModel::applyFileEvents()
     m_applying = false;
     if (m_rowsChangedMeanwhile)
         syncWithList();
-    if (!m_fileEvents.isEmpty() && !m_applyPosted) {
-        m_applyPosted = true;
-        QMetaObject::invokeMethod(this, &DocumentListModel::applyFileEvents, Qt::QueuedConnection);
-    }
+    postApply();
 }
 
 QList<DocumentListModel::Entry> DocumentListModel::currentEntries() const

@@ -103,6 +103,8 @@ private:
         QString newPath;
     };
     void queueFileEvent(FileEvent event);
+    // Applies what waits at the end of this turn, once however often asked.
+    void postApply();
     void applyFileEvents();
     void dropFileEvents();
     void syncWithList();

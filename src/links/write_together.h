@@ -28,9 +28,9 @@ QString heldFileKey(const QString &path);
 // Writes `files` in their order, their temporaries carrying `tag`, after
 // removing what an interrupted run of the tag left beside each of
 // `untouched`. `done(i, replaced)` follows each file that was replaced or
-// could not be written, on any of the threads that rename. Answers the indices of the files changed
-// meanwhile, or nothing when the whole must run again: it was interrupted, or the disk did not take
-// the changes.
+// could not be written, on any of the threads that rename. Answers the
+// indices of the files changed meanwhile, or nothing when the whole must run
+// again: it was interrupted, or the disk did not take the changes.
 std::optional<QList<qsizetype>> writeTogether(const QByteArray &tag,
                                               const QList<const HeldFile *> &files,
                                               const QStringList &untouched,
