@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QSaveFile>
 #include <zip.h>
 
 namespace tl::publish {
@@ -27,18 +28,45 @@ bool addFile(zip_t *archive, const QString &tree, const QString &relative, bool 
                                     stored ? ZIP_CM_STORE : ZIP_CM_DEFLATE, stored ? 0 : 9) == 0;
 }
 
+// Writes what the buffer holds to the file, replacing it only once whole.
+bool saveBuffer(zip_source_t *buffer, const QString &path)
+{
+    zip_stat_t stat;
+    zip_stat_init(&stat);
+    if (zip_source_stat(buffer, &stat) != 0 || !(stat.valid & ZIP_STAT_SIZE) ||
+        zip_source_open(buffer) != 0)
+        return false;
+    QByteArray bytes(qsizetype(stat.size), Qt::Uninitialized);
+    const zip_int64_t read = zip_source_read(buffer, bytes.data(), stat.size);
+    zip_source_close(buffer);
+    if (read != zip_int64_t(stat.size))
+        return false;
+    QSaveFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+}
+
 } // namespace
 
+// The archive is put together in memory and saved whole: a failure leaves no
+// half-written book, and libzip's temporary file beside the book, named from
+// OpenSSL's random bytes, is not needed. OpenSSL's per-thread state on a
+// worker thread raced with its clean-up at exit.
 bool writeEPubArchive(const QString &tree, const QString &archivePath)
 {
-    QFile::remove(archivePath);
-    int error = 0;
-    zip_t *archive =
-        zip_open(QFile::encodeName(archivePath).constData(), ZIP_CREATE | ZIP_EXCL, &error);
+    zip_error_t error;
+    zip_error_init(&error);
+    zip_source_t *buffer = zip_source_buffer_create(nullptr, 0, 0, &error);
+    zip_t *archive = buffer ? zip_open_from_source(buffer, ZIP_TRUNCATE, &error) : nullptr;
     if (!archive) {
-        logLine(QStringLiteral("e-book: cannot create %1 (%2)").arg(archivePath).arg(error));
+        logLine(QStringLiteral("e-book: cannot create %1 (%2)")
+                    .arg(archivePath, QString::fromUtf8(zip_error_strerror(&error))));
+        zip_error_fini(&error);
+        zip_source_free(buffer);
         return false;
     }
+    zip_error_fini(&error);
+    // Kept past zip_close, which would otherwise free it with the archive.
+    zip_source_keep(buffer);
     QStringList files;
     QDirIterator it(tree, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     while (it.hasNext())
@@ -48,17 +76,14 @@ bool writeEPubArchive(const QString &tree, const QString &archivePath)
     bool added = addFile(archive, tree, QStringLiteral("mimetype"), true);
     for (const QString &file : std::as_const(files))
         added = added && addFile(archive, tree, file, false);
-    if (!added) {
+    const bool closed = added && zip_close(archive) == 0;
+    if (!closed)
         zip_discard(archive);
-        return false;
-    }
-    if (zip_close(archive) != 0) {
+    const bool saved = closed && saveBuffer(buffer, archivePath);
+    zip_source_free(buffer);
+    if (!saved)
         logLine(QStringLiteral("e-book: cannot write %1").arg(archivePath));
-        zip_discard(archive);
-        QFile::remove(archivePath);
-        return false;
-    }
-    return true;
+    return saved;
 }
 
 } // namespace tl::publish
