@@ -22,34 +22,40 @@ std::optional<std::string> distinctASCIISearchWords(std::string_view bytes);
 
 namespace detail {
 
-// Collects words, keeping the first of each.
+// Collects folded words, keeping the first of each. Words are read eight
+// bytes at a time, so each must be followed by eight readable bytes. One
+// collection serves a thread's texts one after the other, so its table is
+// not made and cleared for each.
 class DistinctWords
 {
 public:
-    explicit DistinctWords(size_t expected);
-    void add(std::string_view word) { add(word, hashOf(word)); }
-    // With the word's hash, as hashOf gives it, worked out while the word was read.
-    void add(std::string_view word, uint32_t hash);
-    std::string take() { return std::move(m_joined); }
-
-    static constexpr uint32_t kHashStart = 2166136261u;
-    static uint32_t hashed(uint32_t hash, char c) { return (hash ^ uint8_t(c)) * 16777619u; }
-    static uint32_t hashOf(std::string_view word);
+    // Ready for the words of a text of this many bytes.
+    void start(size_t textBytes);
+    void add(const char *word, uint32_t size);
+    std::string take();
 
 private:
     struct Slot
     {
-        uint32_t hash;
-        uint32_t start;
-        // 0 for a free slot.
-        uint32_t size;
+        uint64_t hash = 0;
+        // The word's first eight bytes, zeros past its end.
+        uint64_t head = 0;
+        uint32_t start = 0;
+        uint32_t size = 0;
+        // A slot of an earlier text counts as free.
+        uint32_t generation = 0;
     };
+    bool sameAfterHead(const Slot &kept, const char *word) const;
+    void place(Slot &slot, const char *word, uint32_t size, uint64_t head, uint64_t hash);
     void grow();
 
-    std::string m_joined;
-    // An open-addressed table of the words kept in m_joined.
     std::vector<Slot> m_slots;
     size_t m_count = 0;
+    uint32_t m_generation = 0;
+    // Each word followed by a blank, the last one cut by take(); room for
+    // the whole text and eight bytes more.
+    std::string m_joined;
+    size_t m_length = 0;
 };
 
 } // namespace detail

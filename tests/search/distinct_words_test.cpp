@@ -35,13 +35,14 @@ TEST(DistinctWords, ASCIIBytesGiveTheWordsOfTheirText)
                                    "x",
                                    "",
                                    "longwordsoverten longwordsovertwenty longwordsoverten@[`{/:"};
-    // Read eight bytes at a time: words across, at and past the pieces' edges,
-    // repeats that differ only after their first eight bytes.
+    // Read in blocks of 64 bytes and words eight bytes at a time: words
+    // across, at and past both edges, repeats that differ only after their
+    // first eight bytes.
     QRandomGenerator random(5);
     for (const std::string &alphabet : {"abcAB0 9-_\n\0"s, "aaaaB "s}) {
         for (int n = 0; n < 300; ++n) {
             std::string text;
-            for (int length = random.bounded(60); length > 0; --length)
+            for (int length = random.bounded(200); length > 0; --length)
                 text += alphabet[random.bounded(int(alphabet.size()))];
             texts.push_back(text);
         }
@@ -65,6 +66,9 @@ TEST(DistinctWords, ManyWordsOutgrowTheFirstTable)
     text += QStringLiteral("0 999");
     const std::string words = tl::search::distinctSearchWords(text);
     EXPECT_EQ(std::count(words.cbegin(), words.cend(), ' '), 999);
+    EXPECT_EQ(tl::search::distinctASCIISearchWords(text.toStdString()), words);
+    // A short text after the long one starts from an empty table.
+    EXPECT_EQ(tl::search::distinctSearchWords(u"999 x"), "999 x");
 }
 
 } // namespace
