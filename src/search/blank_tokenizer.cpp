@@ -1,5 +1,6 @@
 #include "search/blank_tokenizer.h"
 
+#include <cstring>
 #include <sqlite3.h>
 
 namespace tl::search::detail {
@@ -23,17 +24,14 @@ int tokenize(Fts5Tokenizer *, void *context, int, const char *text, int size,
              int (*token)(void *, int, const char *, int, int, int))
 {
     for (int start = 0; start < size;) {
-        if (text[start] == ' ') {
-            ++start;
-            continue;
+        const void *const blank = std::memchr(text + start, ' ', size_t(size - start));
+        const int end = blank ? int(static_cast<const char *>(blank) - text) : size;
+        if (end > start) {
+            if (const int code = token(context, 0, text + start, end - start, start, end);
+                code != SQLITE_OK)
+                return code;
         }
-        int end = start + 1;
-        while (end < size && text[end] != ' ')
-            ++end;
-        if (const int code = token(context, 0, text + start, end - start, start, end);
-            code != SQLITE_OK)
-            return code;
-        start = end;
+        start = end + 1;
     }
     return SQLITE_OK;
 }

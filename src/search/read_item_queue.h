@@ -10,7 +10,8 @@ namespace tl::search::detail {
 
 // Items read on several threads, waiting for the one that writes them. A
 // reader waits while many wait already, so a slow writer holds back reading
-// rather than filling the memory.
+// rather than filling the memory. The writer, whose pace sets the build's,
+// hands written items back for the readers to free.
 class ReadItemQueue
 {
 public:
@@ -18,12 +19,14 @@ public:
     // No more items come.
     void close();
     // Every item waiting, after waiting for one; none once closed and empty.
-    std::vector<ReadItem> takeAll();
+    // The items written since the last call come back to be freed.
+    std::vector<ReadItem> takeAll(std::vector<ReadItem> written = {});
 
 private:
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::vector<ReadItem> m_waiting;
+    std::vector<std::vector<ReadItem>> m_written;
     bool m_closed = false;
 };
 

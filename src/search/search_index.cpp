@@ -234,7 +234,8 @@ struct SearchIndex::Private
             queue.close();
         });
         ItemWriter items(db, WordsTable::Built);
-        for (std::vector<ReadItem> read = queue.takeAll(); !read.empty(); read = queue.takeAll())
+        for (std::vector<ReadItem> read = queue.takeAll(); !read.empty();
+             read = queue.takeAll(std::move(read)))
             for (const ReadItem &item : read)
                 items.store(item);
         walking.join();
