@@ -174,10 +174,15 @@ struct SearchIndex::Private
 
     QString buildingPath() const { return databasePath + QStringLiteral(".building"); }
 
+    void noteStartingAfresh() const
+    {
+        logLine(QStringLiteral("search index: starting afresh at %1").arg(databasePath));
+    }
+
     // Throws the file away and starts an empty index; both locks held.
     bool startAfresh()
     {
-        logLine(QStringLiteral("search index: starting afresh at %1").arg(databasePath));
+        noteStartingAfresh();
         writer.close();
         reader.close();
         namesVersion = -1;
@@ -207,6 +212,7 @@ struct SearchIndex::Private
             writer.close();
             reader.close();
             namesVersion = -1;
+            otherShape = false;
             removeDatabase(databasePath);
             built = std::rename(QFile::encodeName(building).constData(),
                                 QFile::encodeName(databasePath).constData()) == 0;
@@ -493,12 +499,9 @@ void SearchIndex::refreshItem(const QString &path)
 bool SearchIndex::rebuild()
 {
     QMutexLocker lock(&d->writing);
-    {
-        QMutexLocker readLock(&d->reading);
-        if (!d->startAfresh())
-            return false;
-    }
-    return d->syncBelow(d->root, false);
+    // Built beside the old file, which then goes whole: no empty index first.
+    d->noteStartingAfresh();
+    return d->buildFromNothing();
 }
 
 QStringList SearchIndex::search(const Query &query, const QString &scope)
