@@ -130,8 +130,8 @@ void DistinctWords::start(size_t textBytes)
         m_generation = 1;
     }
     m_count = 0;
-    // A text of n bytes holds at most n bytes of words and blanks.
-    m_joined = std::string(textBytes + 1 + kSlack, '\0');
+    // A text of n bytes holds at most n bytes of words, each with a blank.
+    m_joined = std::string(textBytes + 1, '\0');
     m_length = 0;
 }
 

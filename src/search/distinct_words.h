@@ -53,7 +53,7 @@ private:
     size_t m_count = 0;
     uint32_t m_generation = 0;
     // Each word followed by a blank, the last one cut by take(); room for
-    // the whole text and eight bytes more.
+    // the whole text.
     std::string m_joined;
     size_t m_length = 0;
 };
