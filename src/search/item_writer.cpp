@@ -27,6 +27,15 @@ ReadItem itemWithoutWords(const Change &change)
                     {}};
 }
 
+// Path, name, modification date and size as the first four parameters.
+Statement &bindRow(Statement &statement, const ReadItem &item)
+{
+    return statement.bind(1, utf8(item.path))
+        .bind(2, utf8(item.name))
+        .bind(3, item.stamp.modified)
+        .bind(4, item.stamp.size);
+}
+
 } // namespace
 
 ReadItem readItem(const SearchableText &reader, const Change &change)
@@ -64,18 +73,15 @@ std::optional<ReadItem> readFoundFile(const SearchableText &reader, const FoundF
     return readItem(reader, Change{encodedStamp(file.path, st).decoded()});
 }
 
-ItemWriter::ItemWriter(Database &db, WordsTable table)
-    : m_db(db), m_table(table),
-      m_outdate(db, QStringLiteral("INSERT OR IGNORE INTO outdated(id) VALUES(?1)")),
+ItemWriter::ItemWriter(Database &db)
+    : m_db(db), m_outdate(db, QStringLiteral("INSERT OR IGNORE INTO outdated(id) VALUES(?1)")),
       m_forgetWords(db, QStringLiteral("DELETE FROM later WHERE rowid = ?1")),
       m_forgetItem(db, QStringLiteral("DELETE FROM items WHERE id = ?1")),
       m_insert(db, QStringLiteral("INSERT INTO items(path, name, modified, size) "
                                   "VALUES(?1, ?2, ?3, ?4)")),
       m_update(db, QStringLiteral("UPDATE items SET path = ?1, name = ?2, "
                                   "modified = ?3, size = ?4 WHERE id = ?5")),
-      m_storeWords(db, table == WordsTable::Built
-                           ? QStringLiteral("INSERT INTO built(rowid, words) VALUES(?1, ?2)")
-                           : QStringLiteral("INSERT INTO later(rowid, words) VALUES(?1, ?2)"))
+      m_storeWords(db, QStringLiteral("INSERT INTO later(rowid, words) VALUES(?1, ?2)"))
 {
 }
 
@@ -89,23 +95,40 @@ void ItemWriter::forget(qint64 id)
 void ItemWriter::store(const ReadItem &item)
 {
     Statement &store = item.id < 0 ? m_insert : m_update;
-    store.bind(1, utf8(item.path))
-        .bind(2, utf8(item.name))
-        .bind(3, item.stamp.modified)
-        .bind(4, item.stamp.size);
+    bindRow(store, item);
     if (item.id >= 0)
         store.bind(5, item.id);
     if (!store.run())
         return;
     const qint64 id = item.id < 0 ? m_db.lastInsertRowid() : item.id;
-    if (m_table == WordsTable::Later) {
-        // A new item may take the id of one forgotten since the build.
-        m_outdate.bind(1, id).run();
-        if (item.id >= 0)
-            m_forgetWords.bind(1, id).run();
-    }
+    // A new item may take the id of one forgotten since the build.
+    m_outdate.bind(1, id).run();
+    if (item.id >= 0)
+        m_forgetWords.bind(1, id).run();
     if (!item.words.empty())
         m_storeWords.bind(1, id).bind(2, item.words).run();
+}
+
+BuildRowWriter::BuildRowWriter(Database &db)
+    : m_insert(db, QStringLiteral("INSERT INTO items(path, name, modified, size, id) "
+                                  "VALUES(?1, ?2, ?3, ?4, ?5)"))
+{
+}
+
+void BuildRowWriter::store(const ReadItem &item)
+{
+    bindRow(m_insert, item).bind(5, item.id).run();
+}
+
+BuildWordsWriter::BuildWordsWriter(Database &db)
+    : m_insert(db, QStringLiteral("INSERT INTO built(rowid, words) VALUES(?1, ?2)"))
+{
+}
+
+void BuildWordsWriter::store(const ReadItem &item)
+{
+    if (!item.words.empty())
+        m_insert.bind(1, item.id).bind(2, item.words).run();
 }
 
 } // namespace tl::search::detail

@@ -37,27 +37,46 @@ ReadItem readItem(const SearchableText &reader, const Change &change);
 // The same for a new plain file as the walk found it; nothing when it is gone.
 std::optional<ReadItem> readFoundFile(const SearchableText &reader, const FoundFile &file);
 
-// Which table the words of an item go to: a build from nothing fills `built`,
-// everything after it `later`.
-enum class WordsTable { Built, Later };
-
-// Writes items through one connection, inside a transaction the caller holds.
+// Writes changed items through one connection, inside a transaction the
+// caller holds; their words go to `later`.
 class ItemWriter
 {
 public:
-    ItemWriter(Database &db, WordsTable table);
+    explicit ItemWriter(Database &db);
     void forget(qint64 id);
     void store(const ReadItem &item);
 
 private:
     Database &m_db;
-    WordsTable m_table;
     Statement m_outdate;
     Statement m_forgetWords;
     Statement m_forgetItem;
     Statement m_insert;
     Statement m_update;
     Statement m_storeWords;
+};
+
+// The items rows of a build from nothing, each under the id it carries.
+class BuildRowWriter
+{
+public:
+    explicit BuildRowWriter(Database &db);
+    void store(const ReadItem &item);
+
+private:
+    Statement m_insert;
+};
+
+// The words of a build from nothing, into `built` of a file of their own, so
+// that they are written while the rows are.
+class BuildWordsWriter
+{
+public:
+    explicit BuildWordsWriter(Database &db);
+    void store(const ReadItem &item);
+
+private:
+    Statement m_insert;
 };
 
 } // namespace tl::search::detail

@@ -1,5 +1,7 @@
 #include "search/read_item_queue.h"
 
+#include <iterator>
+
 namespace tl::search::detail {
 
 namespace {
@@ -21,6 +23,22 @@ void ReadItemQueue::push(ReadItem item)
     // `written` goes here, outside the lock.
 }
 
+void ReadItemQueue::pushAll(std::vector<ReadItem> items)
+{
+    if (items.empty())
+        return;
+    std::unique_lock lock(m_mutex);
+    m_changed.wait(lock, [this] { return m_waiting.size() < kMostWaiting; });
+    const bool wasEmpty = m_waiting.empty();
+    if (wasEmpty)
+        m_waiting.swap(items);
+    else
+        m_waiting.insert(m_waiting.end(), std::make_move_iterator(items.begin()),
+                         std::make_move_iterator(items.end()));
+    if (wasEmpty)
+        m_changed.notify_all();
+}
+
 void ReadItemQueue::close()
 {
     {
@@ -30,17 +48,21 @@ void ReadItemQueue::close()
     m_changed.notify_all();
 }
 
-std::vector<ReadItem> ReadItemQueue::takeAll(std::vector<ReadItem> written)
+std::vector<ReadItem> ReadItemQueue::takeAll()
 {
     std::unique_lock lock(m_mutex);
-    if (!written.empty())
-        m_written.push_back(std::move(written));
     m_changed.wait(lock, [this] { return !m_waiting.empty() || m_closed; });
     std::vector<ReadItem> items;
     items.swap(m_waiting);
     lock.unlock();
     m_changed.notify_all();
     return items;
+}
+
+void ReadItemQueue::handBack(std::vector<ReadItem> written)
+{
+    const std::lock_guard lock(m_mutex);
+    m_written.push_back(std::move(written));
 }
 
 } // namespace tl::search::detail

@@ -8,19 +8,22 @@
 
 namespace tl::search::detail {
 
-// Items read on several threads, waiting for the one that writes them. A
-// reader waits while many wait already, so a slow writer holds back reading
-// rather than filling the memory. The writer, whose pace sets the build's,
-// hands written items back for the readers to free.
+// Items read on several threads, waiting for the one that writes them, or
+// written rows waiting for their words to be written. A pusher waits while
+// many wait already, so a slow writer holds back reading rather than filling
+// the memory. The last writer hands written items back for the readers to
+// free, off its own thread, whose pace sets the build's.
 class ReadItemQueue
 {
 public:
     void push(ReadItem item);
+    void pushAll(std::vector<ReadItem> items);
     // No more items come.
     void close();
     // Every item waiting, after waiting for one; none once closed and empty.
-    // The items written since the last call come back to be freed.
-    std::vector<ReadItem> takeAll(std::vector<ReadItem> written = {});
+    std::vector<ReadItem> takeAll();
+    // Written items, freed by the next push.
+    void handBack(std::vector<ReadItem> written);
 
 private:
     std::mutex m_mutex;

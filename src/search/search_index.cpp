@@ -18,6 +18,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QMutex>
+#include <QRandomGenerator>
 #include <QtConcurrent>
 #include <algorithm>
 #include <cstdio>
@@ -30,6 +31,8 @@ namespace tl::search {
 
 namespace {
 
+using detail::BuildRowWriter;
+using detail::BuildWordsWriter;
 using detail::Change;
 using detail::Database;
 using detail::ItemWriter;
@@ -38,28 +41,36 @@ using detail::ReadItem;
 using detail::ReadItemQueue;
 using detail::Statement;
 using detail::StoredStamps;
-using detail::WordsTable;
 
 // Raised whenever the tables change shape: an index of another shape is rebuilt.
-constexpr int kSchemaVersion = 5;
+constexpr int kSchemaVersion = 6;
 
 // Documents read per batch: one batch is read on the worker threads while the
 // one before is written.
 constexpr qsizetype kBatchSize = 2048;
 
-const char *const kSchema = R"(
-CREATE TABLE IF NOT EXISTS items(
+// The index is two files: the items with everything written since the last
+// build, and beside it the words of that build, which never change after it.
+// Both carry the same stamp, so halves of two indexes are never read as one.
+const char *const kItemsSchema = R"(
+CREATE TABLE items(
     id INTEGER PRIMARY KEY,
     path TEXT NOT NULL,
     name TEXT NOT NULL,
     modified INTEGER NOT NULL,
     size INTEGER NOT NULL);
-CREATE VIRTUAL TABLE IF NOT EXISTS built USING fts5(
-    words, tokenize = 'blank', detail = none, content = '', columnsize = 0);
-CREATE VIRTUAL TABLE IF NOT EXISTS later USING fts5(
+CREATE VIRTUAL TABLE later USING fts5(
     words, tokenize = 'blank', detail = none, columnsize = 0);
-CREATE TABLE IF NOT EXISTS outdated(id INTEGER PRIMARY KEY);
-PRAGMA user_version = 5;
+CREATE TABLE outdated(id INTEGER PRIMARY KEY);
+CREATE TABLE pairing(stamp INTEGER NOT NULL);
+PRAGMA user_version = 6;
+)";
+
+const char *const kWordsSchema = R"(
+CREATE VIRTUAL TABLE built USING fts5(
+    words, tokenize = 'blank', detail = none, content = '', columnsize = 0);
+CREATE TABLE pairing(stamp INTEGER NOT NULL);
+PRAGMA user_version = 6;
 )";
 
 // Made after a build's items are in: sorting every path once is quicker than
@@ -71,9 +82,9 @@ const char *const kPathIndex = "CREATE UNIQUE INDEX IF NOT EXISTS items_by_path 
 //
 // A build from nothing writes its words into `built`, which keeps no copy of
 // them and so is the quickest to fill, but cannot forget a row without being
-// told its words again. Items written after it go into `later`, which keeps
-// its words and can, and their ids into `outdated`: the rows of `built` for
-// those ids no longer count.
+// told its words again; its rows are written meanwhile on another thread. Items written after it go
+// into `later`, which keeps its words and can, and their ids into `outdated`: the rows of `built`
+// for those ids no longer count.
 
 // A whole library into an empty file that nothing else reads yet: no journal
 // and no sharing, as the file is put in place only once complete.
@@ -86,6 +97,21 @@ const char *const kBuildingWords = "INSERT INTO built(built, rank) VALUES('hashs
 
 // The range of paths below a folder, for "path >= ?1 AND path < ?2": the
 // character after "/" closes it.
+QString wordsPathOf(const QString &databasePath)
+{
+    return databasePath + QStringLiteral("-words");
+}
+
+// Makes the tables of both files, empty, with one stamp.
+bool createPair(Database &items, Database &words)
+{
+    const qint64 stamp = qint64(QRandomGenerator::global()->generate64() >> 1);
+    const QString insert = QStringLiteral("INSERT INTO pairing(stamp) VALUES(?1)");
+    return items.exec(kItemsSchema) && words.exec(kWordsSchema) &&
+           Statement(items, insert).bind(1, stamp).run() &&
+           Statement(words, insert).bind(1, stamp).run();
+}
+
 std::pair<QString, QString> rangeBelow(const QString &folder)
 {
     return {folder + u'/', folder + u'0'};
@@ -125,7 +151,7 @@ struct SearchIndex::Private
     Database writer;
     QMutex reading;
     Database reader;
-    // The file holds an index of another shape.
+    // The files hold an index of another shape, or halves of two indexes.
     bool otherShape = false;
     // What the reader last loaded of the names, and the data version then.
     NameList names;
@@ -134,11 +160,29 @@ struct SearchIndex::Private
     bool openBoth()
     {
         QDir().mkpath(path::deletingLastComponent(databasePath));
-        if (!openIndex(writer, databasePath) || !prepare(writer) ||
-            !openIndex(reader, databasePath))
+        if (!openIndex(writer, databasePath) || !prepare(writer) || !attachWords(writer) ||
+            !openIndex(reader, databasePath) || !attachWords(reader))
             return false;
         reader.exec("PRAGMA query_only = 1");
         return reader.failure() == 0;
+    }
+
+    // Attaches the build's words as `words`, if they belong to these items.
+    bool attachWords(Database &db)
+    {
+        if (!Statement(db, QStringLiteral("ATTACH DATABASE ?1 AS words"))
+                 .bind(1, wordsPathOf(databasePath))
+                 .run())
+            return false;
+        Statement version(db, QStringLiteral("PRAGMA words.user_version"));
+        if (!version.step() || version.integer(0) != kSchemaVersion) {
+            otherShape = db.failure() == 0;
+            return false;
+        }
+        Statement paired(db, QStringLiteral("SELECT count(*) FROM main.pairing, words.pairing "
+                                            "WHERE main.pairing.stamp = words.pairing.stamp"));
+        otherShape = paired.step() && paired.integer(0) != 1;
+        return !otherShape && db.failure() == 0;
     }
 
     static bool openIndex(Database &db, const QString &path,
@@ -161,14 +205,20 @@ struct SearchIndex::Private
         if (found == kSchemaVersion)
             return true;
         // An index of another shape may name a tokenizer this one lacks, so
-        // it cannot even be dropped table by table: the file goes whole.
+        // it cannot even be dropped table by table: the files go whole.
         otherShape = found != 0;
-        return !otherShape && db.exec(kSchema) && db.exec(kPathIndex);
+        if (otherShape)
+            return false;
+        const QString wordsPath = wordsPathOf(databasePath);
+        QFile::remove(wordsPath);
+        Database words;
+        return openIndex(words, wordsPath, Database::Threads::One) && createPair(db, words) &&
+               db.exec(kPathIndex);
     }
 
     static void removeDatabase(const QString &path)
     {
-        for (const char *suffix : {"", "-wal", "-shm"})
+        for (const char *suffix : {"", "-wal", "-shm", "-words"})
             QFile::remove(path + QLatin1String(suffix));
     }
 
@@ -192,20 +242,22 @@ struct SearchIndex::Private
         return openBoth();
     }
 
-    // Fills a new file with every item, then puts it in place of the empty
-    // index; the writing lock held. A build cut short leaves only a file
-    // that is never opened as the index.
+    // Fills a new pair of files with every item, then puts them in place of
+    // the old; the writing lock held. A build cut short leaves only files
+    // that are never opened as the index.
     bool buildFromNothing()
     {
         const QString building = buildingPath();
         removeDatabase(building);
         bool built = false;
         {
-            Database fresh;
-            built = openIndex(fresh, building, Database::Threads::One) &&
-                    fresh.exec(kBuildingPragmas) && fresh.exec(kSchema) &&
-                    fresh.exec(kBuildingWords) && fresh.exec("BEGIN") && writeEverything(fresh) &&
-                    fresh.exec(kPathIndex) && fresh.exec("COMMIT");
+            Database items;
+            Database words;
+            built = openIndex(items, building, Database::Threads::One) &&
+                    openIndex(words, wordsPathOf(building), Database::Threads::One) &&
+                    items.exec(kBuildingPragmas) && words.exec(kBuildingPragmas) &&
+                    createPair(items, words) && words.exec(kBuildingWords) && items.exec("BEGIN") &&
+                    words.exec("BEGIN") && writeEverything(items, words);
         }
         QMutexLocker lock(&reading);
         if (built) {
@@ -214,18 +266,29 @@ struct SearchIndex::Private
             namesVersion = -1;
             otherShape = false;
             removeDatabase(databasePath);
-            built = std::rename(QFile::encodeName(building).constData(),
-                                QFile::encodeName(databasePath).constData()) == 0;
+            // The words first: new words beside old items are not a pair,
+            // should the second rename never happen.
+            built = renamed(wordsPathOf(building), wordsPathOf(databasePath)) &&
+                    renamed(building, databasePath);
         }
         removeDatabase(building);
         return openBoth() && built;
     }
 
-    // Reads every item on the walkers while the one thread here writes those
-    // read so far, so reading, writing and the walk itself overlap.
-    bool writeEverything(Database &db)
+    static bool renamed(const QString &from, const QString &to)
+    {
+        return std::rename(QFile::encodeName(from).constData(),
+                           QFile::encodeName(to).constData()) == 0;
+    }
+
+    // Reads every item on the walkers while one thread writes the rows of
+    // those read so far and the one here their words, so reading, writing
+    // and the walk itself overlap. The path index is made while the last
+    // words are written.
+    bool writeEverything(Database &itemsDb, Database &wordsDb)
     {
         ReadItemQueue queue;
+        ReadItemQueue rowsWritten;
         const SearchableText text;
         std::thread walking([&] {
             forEachSearchableItemInParallel(
@@ -239,13 +302,32 @@ struct SearchIndex::Private
                 });
             queue.close();
         });
-        ItemWriter items(db, WordsTable::Built);
-        for (std::vector<ReadItem> read = queue.takeAll(); !read.empty();
-             read = queue.takeAll(std::move(read)))
-            for (const ReadItem &item : read)
-                items.store(item);
+        bool rowsDone = false;
+        std::thread writingRows([&] {
+            BuildRowWriter rows(itemsDb);
+            qint64 lastId = 0;
+            for (std::vector<ReadItem> read = queue.takeAll(); !read.empty();
+                 read = queue.takeAll()) {
+                for (ReadItem &item : read) {
+                    item.id = ++lastId;
+                    rows.store(item);
+                }
+                rowsWritten.pushAll(std::move(read));
+            }
+            rowsWritten.close();
+            rowsDone = itemsDb.failure() == 0 && itemsDb.exec(kPathIndex) && itemsDb.exec("COMMIT");
+        });
+        BuildWordsWriter words(wordsDb);
+        for (std::vector<ReadItem> written = rowsWritten.takeAll(); !written.empty();
+             written = rowsWritten.takeAll()) {
+            for (const ReadItem &item : written)
+                words.store(item);
+            queue.handBack(std::move(written));
+        }
+        const bool wordsDone = wordsDb.failure() == 0 && wordsDb.exec("COMMIT");
+        writingRows.join();
         walking.join();
-        return db.failure() == 0;
+        return rowsDone && wordsDone;
     }
 
     // Opens the index, throwing away a damaged one.
@@ -300,7 +382,7 @@ struct SearchIndex::Private
             return db.failure() == 0;
         if (!db.exec("BEGIN IMMEDIATE"))
             return false;
-        ItemWriter items(db, WordsTable::Later);
+        ItemWriter items(db);
         for (qint64 id : gone)
             items.forget(id);
         const SearchableText text;
@@ -363,7 +445,7 @@ struct SearchIndex::Private
     std::vector<qint64> itemsWithWords(const QStringList &words)
     {
         Statement rows(reader,
-                       QStringLiteral("SELECT rowid FROM built WHERE built MATCH ?1 AND "
+                       QStringLiteral("SELECT rowid FROM words.built WHERE built MATCH ?1 AND "
                                       "rowid NOT IN (SELECT id FROM outdated) "
                                       "UNION ALL SELECT rowid FROM later WHERE later MATCH ?1"));
         rows.bind(1, contentQuery(words));

@@ -9,6 +9,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QRandomGenerator>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -190,21 +191,49 @@ TEST_F(IndexVersusWalk, AnIndexMostlyWrittenAgainSinceItsBuildIsBuiltAnew)
     expectSameAnswers(index);
 }
 
-TEST_F(IndexVersusWalk, ADamagedIndexIsBuiltAnew)
+void overwriteHead(const QString &path)
 {
-    generate(2, 10);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    file.write(QByteArray(4096, 'x'));
+}
+
+// Whatever befalls either file between two runs, the index is built anew
+// rather than trusted.
+TEST_F(IndexVersusWalk, DamagedOrMismatchedFilesAreBuiltAnew)
+{
+    generate(3, 10);
+    const QString words = indexFile() + "-words";
+    const QString aside = home_ + "/words of another build";
     {
         tl::search::SearchIndex index(root_, indexFile());
         ASSERT_TRUE(index.bringUpToDate());
     }
-    QFile file(indexFile());
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    file.seek(0);
-    file.write(QByteArray(4096, 'x'));
-    file.close();
-    tl::search::SearchIndex index(root_, indexFile());
-    ASSERT_TRUE(index.bringUpToDate());
-    expectSameAnswers(index);
+    ASSERT_TRUE(QFile::copy(words, aside));
+    // The put-aside words no longer fit the library.
+    for (const QString &file : allFiles().mid(0, 12))
+        ASSERT_TRUE(QFile::remove(file));
+    const std::pair<const char *, std::function<void()>> mishaps[] = {
+        {"items damaged", [&] { overwriteHead(indexFile()); }},
+        {"words damaged", [&] { overwriteHead(words); }},
+        {"words gone", [&] { QFile::remove(words); }},
+        {"words of another build",
+         [&] {
+             QFile::remove(words);
+             QFile::copy(aside, words);
+         }},
+    };
+    for (const auto &[what, befall] : mishaps) {
+        SCOPED_TRACE(what);
+        {
+            tl::search::SearchIndex index(root_, indexFile());
+            ASSERT_TRUE(index.rebuild());
+        }
+        befall();
+        tl::search::SearchIndex index(root_, indexFile());
+        ASSERT_TRUE(index.bringUpToDate());
+        expectSameAnswers(index);
+    }
 }
 
 TEST_F(IndexVersusWalk, AnIndexOfAnotherShapeIsBuiltAnew)
