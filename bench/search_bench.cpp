@@ -91,7 +91,7 @@ void BM_BuildIndexFromNothing(benchmark::State &state)
     const QString root = library();
     const QString database = tl::search::SearchIndex::databasePathOfLibrary();
     for (auto _ : state) {
-        for (const char *suffix : {"", "-wal", "-shm"})
+        for (const char *suffix : {"", "-wal", "-shm", "-words"})
             QFile::remove(database + QLatin1String(suffix));
         tl::search::SearchIndex index(root, database);
         if (!index.bringUpToDate())

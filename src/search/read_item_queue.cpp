@@ -7,6 +7,9 @@ namespace tl::search::detail {
 namespace {
 
 constexpr size_t kMostWaiting = 8192;
+// A taker waits for this many, not for each one: a quick writer would
+// otherwise sleep and be woken for every item.
+constexpr size_t kFewestTaken = 256;
 
 } // namespace
 
@@ -16,7 +19,7 @@ void ReadItemQueue::push(ReadItem item)
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [this] { return m_waiting.size() < kMostWaiting; });
     m_waiting.push_back(std::move(item));
-    if (m_waiting.size() == 1)
+    if (m_waiting.size() == kFewestTaken)
         m_changed.notify_all();
     written.swap(m_written);
     lock.unlock();
@@ -29,13 +32,13 @@ void ReadItemQueue::pushAll(std::vector<ReadItem> items)
         return;
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [this] { return m_waiting.size() < kMostWaiting; });
-    const bool wasEmpty = m_waiting.empty();
-    if (wasEmpty)
+    const bool wasFew = m_waiting.size() < kFewestTaken;
+    if (m_waiting.empty())
         m_waiting.swap(items);
     else
         m_waiting.insert(m_waiting.end(), std::make_move_iterator(items.begin()),
                          std::make_move_iterator(items.end()));
-    if (wasEmpty)
+    if (wasFew && m_waiting.size() >= kFewestTaken)
         m_changed.notify_all();
 }
 
@@ -51,9 +54,10 @@ void ReadItemQueue::close()
 std::vector<ReadItem> ReadItemQueue::takeAll()
 {
     std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return !m_waiting.empty() || m_closed; });
+    m_changed.wait(lock, [this] { return m_waiting.size() >= kFewestTaken || m_closed; });
     std::vector<ReadItem> items;
     items.swap(m_waiting);
+    m_waiting.reserve(kFewestTaken);
     lock.unlock();
     m_changed.notify_all();
     return items;

@@ -20,7 +20,8 @@ public:
     void pushAll(std::vector<ReadItem> items);
     // No more items come.
     void close();
-    // Every item waiting, after waiting for one; none once closed and empty.
+    // Every item waiting, after waiting for a good number of them; none once
+    // closed and empty.
     std::vector<ReadItem> takeAll();
     // Written items, freed by the next push.
     void handBack(std::vector<ReadItem> written);
