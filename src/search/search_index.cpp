@@ -24,8 +24,10 @@
 #include <cstdio>
 #include <ctime>
 #include <mutex>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 namespace tl::search {
 
@@ -97,6 +99,14 @@ const char *const kBuildingWords = "INSERT INTO built(built, rank) VALUES('hashs
 
 // The range of paths below a folder, for "path >= ?1 AND path < ?2": the
 // character after "/" closes it.
+// The words writer sets a build's pace. Walkers that yield to it leave it the
+// core it needs, so it does not catch up alone once the walk is over. On
+// Linux the nice value is a thread's own, and the threads it starts inherit it.
+void yieldToTheWordsWriter()
+{
+    ::setpriority(PRIO_PROCESS, id_t(::gettid()), 10);
+}
+
 QString wordsPathOf(const QString &databasePath)
 {
     return databasePath + QStringLiteral("-words");
@@ -291,6 +301,7 @@ struct SearchIndex::Private
         ReadItemQueue rowsWritten;
         const SearchableText text;
         std::thread walking([&] {
+            yieldToTheWordsWriter();
             forEachSearchableItemInParallel(
                 root,
                 [&](const EncodedItemStamp &item) {
