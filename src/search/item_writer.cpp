@@ -109,25 +109,20 @@ void ItemWriter::store(const ReadItem &item)
         m_storeWords.bind(1, id).bind(2, item.words).run();
 }
 
-BuildRowWriter::BuildRowWriter(Database &db)
-    : m_insert(db, QStringLiteral("INSERT INTO items(path, name, modified, size, id) "
-                                  "VALUES(?1, ?2, ?3, ?4, ?5)"))
+BuildWriter::BuildWriter(Database &db, Part part)
+    : m_part(part),
+      m_insert(db, part == Part::Rows
+                       ? QStringLiteral("INSERT INTO items(path, name, modified, size, id) "
+                                        "VALUES(?1, ?2, ?3, ?4, ?5)")
+                       : QStringLiteral("INSERT INTO built(rowid, words) VALUES(?1, ?2)"))
 {
 }
 
-void BuildRowWriter::store(const ReadItem &item)
+void BuildWriter::store(const ReadItem &item)
 {
-    bindRow(m_insert, item).bind(5, item.id).run();
-}
-
-BuildWordsWriter::BuildWordsWriter(Database &db)
-    : m_insert(db, QStringLiteral("INSERT INTO built(rowid, words) VALUES(?1, ?2)"))
-{
-}
-
-void BuildWordsWriter::store(const ReadItem &item)
-{
-    if (!item.words.empty())
+    if (m_part == Part::Rows)
+        bindRow(m_insert, item).bind(5, item.id).run();
+    else if (!item.words.empty())
         m_insert.bind(1, item.id).bind(2, item.words).run();
 }
 

@@ -56,26 +56,18 @@ private:
     Statement m_storeWords;
 };
 
-// The items rows of a build from nothing, each under the id it carries.
-class BuildRowWriter
+// One of the two writers of a build from nothing: the items rows, each
+// under the id it carries, or their words into `built` of a file of their
+// own, so that both are written at once.
+class BuildWriter
 {
 public:
-    explicit BuildRowWriter(Database &db);
+    enum class Part { Rows, Words };
+    BuildWriter(Database &db, Part part);
     void store(const ReadItem &item);
 
 private:
-    Statement m_insert;
-};
-
-// The words of a build from nothing, into `built` of a file of their own, so
-// that they are written while the rows are.
-class BuildWordsWriter
-{
-public:
-    explicit BuildWordsWriter(Database &db);
-    void store(const ReadItem &item);
-
-private:
+    Part m_part;
     Statement m_insert;
 };
 

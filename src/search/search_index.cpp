@@ -33,8 +33,7 @@ namespace tl::search {
 
 namespace {
 
-using detail::BuildRowWriter;
-using detail::BuildWordsWriter;
+using detail::BuildWriter;
 using detail::Change;
 using detail::Database;
 using detail::ItemWriter;
@@ -315,7 +314,7 @@ struct SearchIndex::Private
         });
         bool rowsDone = false;
         std::thread writingRows([&] {
-            BuildRowWriter rows(itemsDb);
+            BuildWriter rows(itemsDb, BuildWriter::Part::Rows);
             qint64 lastId = 0;
             for (std::vector<ReadItem> read = queue.takeAll(); !read.empty();
                  read = queue.takeAll()) {
@@ -328,7 +327,7 @@ struct SearchIndex::Private
             rowsWritten.close();
             rowsDone = itemsDb.failure() == 0 && itemsDb.exec(kPathIndex) && itemsDb.exec("COMMIT");
         });
-        BuildWordsWriter words(wordsDb);
+        BuildWriter words(wordsDb, BuildWriter::Part::Words);
         for (std::vector<ReadItem> written = rowsWritten.takeAll(); !written.empty();
              written = rowsWritten.takeAll()) {
             for (const ReadItem &item : written)
