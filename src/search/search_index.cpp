@@ -83,9 +83,10 @@ const char *const kPathIndex = "CREATE UNIQUE INDEX IF NOT EXISTS items_by_path 
 //
 // A build from nothing writes its words into `built`, which keeps no copy of
 // them and so is the quickest to fill, but cannot forget a row without being
-// told its words again; its rows are written meanwhile on another thread. Items written after it go
-// into `later`, which keeps its words and can, and their ids into `outdated`: the rows of `built`
-// for those ids no longer count.
+// told its words again; its rows are written meanwhile on another thread.
+// Items written after it go into `later`, which keeps its words and can, and
+// their ids into `outdated`: the rows of `built` for those ids no longer
+// count.
 
 // A whole library into an empty file that nothing else reads yet: no journal
 // and no sharing, as the file is put in place only once complete.
@@ -96,8 +97,6 @@ const char *const kBuildingPragmas = "PRAGMA journal_mode = OFF; PRAGMA synchron
 // library to be written at once rather than in pieces merged afterwards.
 const char *const kBuildingWords = "INSERT INTO built(built, rank) VALUES('hashsize', 8388608)";
 
-// The range of paths below a folder, for "path >= ?1 AND path < ?2": the
-// character after "/" closes it.
 // The words writer sets a build's pace. Walkers that yield to it leave it the
 // core it needs, so it does not catch up alone once the walk is over. On
 // Linux the nice value is a thread's own, and the threads it starts inherit it.
@@ -121,6 +120,8 @@ bool createPair(Database &items, Database &words)
            Statement(words, insert).bind(1, stamp).run();
 }
 
+// The range of paths below a folder, for "path >= ?1 AND path < ?2": the
+// character after "/" closes it.
 std::pair<QString, QString> rangeBelow(const QString &folder)
 {
     return {folder + u'/', folder + u'0'};
