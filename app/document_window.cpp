@@ -5,11 +5,9 @@
 #include "document_windows.h"
 #include "foundation/path_string.h"
 #include "icons.h"
-#include "platform/file_ops.h"
 #include "platform/settings.h"
 #include "shell/shell_keys.h"
 #include "store/item_path.h"
-#include "store/recent_items.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -106,12 +104,22 @@ void addMenuBar(DocumentWindow *window)
     window->setMenuBar(bar);
 }
 
-DocumentWindow *openInExtraWindow(const QString &path)
+namespace {
+
+DocumentWindow *newExtraWindow(const QString &path)
 {
     auto *window = new DocumentWindow(path::lastComponent(path));
     window->setObjectName(kExtraWindow);
     addMenuBar(window);
     window->resize(640, 720);
+    return window;
+}
+
+} // namespace
+
+DocumentWindow *openInExtraWindow(const QString &path)
+{
+    DocumentWindow *window = newExtraWindow(path);
     window->documentPane()->controller().selectNewDocument(path);
     bringToFront(window);
     return window;
@@ -140,17 +148,14 @@ QVariantList extraWindowDocuments()
 
 void reopenDocuments(const QVariantList &documents, QWidget *mainWindow)
 {
-    const QString recent = store::recentItemsPath();
-    const std::optional<QByteArray> kept = platform::readFile(recent);
-    QStringList paths;
     for (const QVariant &document : documents) {
         const QString path = document.toMap().value(QStringLiteral("path")).toString();
-        if (QFileInfo::exists(path))
-            paths << path;
+        if (!QFileInfo::exists(path) || showInOpenWindow(path))
+            continue;
+        DocumentWindow *window = newExtraWindow(path);
+        window->documentPane()->controller().showAgain(path);
+        bringToFront(window);
     }
-    openItemsInNewWindow(paths);
-    if (kept)
-        platform::writeFileAtomically(recent, *kept);
     if (mainWindow && !extraWindowDocuments().isEmpty() &&
         platform::settings().boolValue(QLatin1String(keys::setting::HideBrowserOnLaunch)))
         mainWindow->close();

@@ -135,6 +135,13 @@ void TLKSDocumentViewController::selectNewDocument(const QString &selected,
         Q_EMIT bringToFrontRequested();
 }
 
+void TLKSDocumentViewController::showAgain(const QString &shown)
+{
+    m_recordsRecentItems = false;
+    selectNewDocument(shown);
+    m_recordsRecentItems = true;
+}
+
 void TLKSDocumentViewController::clearDocument()
 {
     path.clear();
@@ -209,7 +216,7 @@ void TLKSDocumentViewController::showDocument()
         viewThatIsVisible = PreviewView;
     applyLockRule();
     readOffsets();
-    if (!path.isEmpty() && QFileInfo::exists(path))
+    if (m_recordsRecentItems && !path.isEmpty() && QFileInfo::exists(path))
         store::tl_addToRecentItems(path);
     assignBacklinksOnShow();
     Q_EMIT documentShown();

@@ -111,6 +111,9 @@ public:
 
     // From the list to the screen.
     void selectNewDocument(const QString &path, const QString &searchKey = {});
+    // A document as it stood when the program last quit: the recent items
+    // stay as they are.
+    void showAgain(const QString &path);
     void showDocument();
     void reloadCurrentDocument();
     // An empty document, not on disk until its first save, in the book.
@@ -241,6 +244,7 @@ private:
 
     std::unique_ptr<State> m_state;
     bool m_windowEdited = false;
+    bool m_recordsRecentItems = true;
     QString m_frameURL;
     QStringList m_history;
     qsizetype m_historyIndex = -1;
