@@ -169,26 +169,29 @@ std::optional<SyncClient> detectSyncClient(const QString &folder)
     }
 }
 
+std::optional<SyncClient> syncClientOfLibrary(const QString &root)
+{
+    if (root.isEmpty())
+        return std::nullopt;
+    static std::mutex mutex;
+    static QString lastRoot;
+    static std::optional<SyncClient> client;
+    const std::lock_guard lock(mutex);
+    if (root != lastRoot) {
+        lastRoot = root;
+        client = detectSyncClient(root);
+    }
+    return client;
+}
+
 bool isConflictCopyInLibrary(const QString &path)
 {
     const QString name = path::lastComponent(path);
     // Every client's copies say so in their names: most names need no more.
     if (!name.contains(u"conflict"))
         return false;
-    static std::mutex mutex;
-    static QString root;
-    static std::optional<SyncClient> client;
-    std::optional<SyncClient> current;
-    {
-        const QString library = store::libraryRoot();
-        std::lock_guard lock(mutex);
-        if (library != root) {
-            root = library;
-            client = library.isEmpty() ? std::nullopt : detectSyncClient(library);
-        }
-        current = client;
-    }
-    return current && parseConflictCopyName(*current, name).has_value();
+    const std::optional<SyncClient> client = syncClientOfLibrary(store::libraryRoot());
+    return client && parseConflictCopyName(*client, name).has_value();
 }
 
 } // namespace tl::sync

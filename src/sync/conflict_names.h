@@ -30,8 +30,12 @@ bool isClientOwnFile(SyncClient client, const QString &fileName);
 // The client whose marker lies in the folder or the nearest folder above.
 std::optional<SyncClient> detectSyncClient(const QString &folder);
 
+// The client syncing the library, looked for once for each library: the look
+// lists every folder above it.
+std::optional<SyncClient> syncClientOfLibrary(const QString &root);
+
 // Whether the file is a conflict copy by the naming of the client that syncs
-// the current library (found once for each library); the store's rule.
+// the current library; the store's rule.
 bool isConflictCopyInLibrary(const QString &path);
 
 } // namespace tl::sync

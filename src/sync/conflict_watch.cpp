@@ -18,8 +18,7 @@ const QString kReportKey = QStringLiteral("tl_iCloudUpdateDocuments");
 } // namespace
 
 ConflictWatch::ConflictWatch(const QString &root)
-    : m_root(root), m_client(root.isEmpty() ? std::nullopt : detectSyncClient(root)),
-      m_source(syncSourceForLibrary(root))
+    : m_root(root), m_client(syncClientOfLibrary(root)), m_source(syncSourceForLibrary(root))
 {
     if (!m_client) {
         clearSyncState();

@@ -182,9 +182,7 @@ QString ConflictCopySource::computerNamed(const QString &nameInCopy) const
 
 std::unique_ptr<SyncStatusSource> syncSourceForLibrary(const QString &root)
 {
-    if (root.isEmpty())
-        return std::make_unique<NullSource>();
-    if (const std::optional<SyncClient> client = detectSyncClient(root))
+    if (const std::optional<SyncClient> client = syncClientOfLibrary(root))
         return std::make_unique<ConflictCopySource>(*client, root);
     return std::make_unique<NullSource>();
 }
