@@ -12,6 +12,7 @@
 #include <QSocketNotifier>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 #include <sys/inotify.h>
 #include <unistd.h>
 
@@ -70,7 +71,8 @@ bool FileWatcher::watch(const QString &root)
     }
     m_root = QDir::cleanPath(root);
     m_notifier = std::make_unique<QSocketNotifier>(m_fd, QSocketNotifier::Read);
-    connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { readEvents(); });
+    connect(m_notifier.get(), &QSocketNotifier::activated, this,
+            [this] { readEvents(Reading::OneBuffer); });
     watchTree(m_root, false);
     return true;
 }
@@ -159,12 +161,13 @@ void FileWatcher::renameWatchesBelow(const QString &from, const QString &to)
     m_watchOfPath.insert(renamed);
 }
 
-void FileWatcher::readEvents()
+void FileWatcher::readEvents(Reading reading)
 {
     if (m_fd < 0)
         return;
-    alignas(struct inotify_event) char buffer[64 * 1024];
-    for (;;) {
+    // A few hundred events: what the receivers handle between two repaints.
+    alignas(struct inotify_event) char buffer[16 * 1024];
+    for (bool more = true; more; more = reading == Reading::Everything) {
         const ssize_t length = ::read(m_fd, buffer, sizeof buffer);
         if (length <= 0)
             break;
@@ -181,8 +184,10 @@ void FileWatcher::readEvents()
     m_createdAt.removeIf(
         [now](const auto &created) { return now - created.value() >= kNewItemSeconds; });
     // A moved-from left over from this batch may still meet its moved-to in
-    // the next one; past the grace period it is a deletion.
-    flushPendingMoves(false);
+    // the next one; past the grace period it is a deletion. The kernel queues
+    // the two halves of a rename together, so the next buffer holds the
+    // moved-to of one torn between buffers.
+    flushPendingMoves(now);
     schedulePendingFlush();
 }
 
@@ -254,12 +259,11 @@ void FileWatcher::handleEvent(int wd, quint32 mask, quint32 cookie, const QStrin
     }
 }
 
-void FileWatcher::flushPendingMoves(bool all)
+void FileWatcher::flushPendingMoves(double dueBy)
 {
-    const double now = clock().monotonicSeconds();
     std::vector<PendingMove> expired;
     std::erase_if(m_pendingMoves, [&](const PendingMove &m) {
-        if (!all && m.due > now)
+        if (m.due > dueBy)
             return false;
         expired.push_back(m);
         return true;
@@ -278,10 +282,8 @@ void FileWatcher::schedulePendingFlush()
         return;
     Scheduler::main().schedule(QStringLiteral("FileWatcher %1").arg(quintptr(this)),
                                kMoveGraceSeconds, [this] {
-                                   // Read first: the moved-to may be queued already.
-                                   readEvents();
-                                   flushPendingMoves(false);
-                                   schedulePendingFlush();
+                                   // The moved-to may be queued already.
+                                   readEvents(Reading::OneBuffer);
                                });
 }
 
@@ -289,7 +291,7 @@ void FileWatcher::rescan()
 {
     // Events were lost: moves can no longer be paired, and every folder is
     // watched afresh; the receiver rereads what it shows.
-    flushPendingMoves(true);
+    flushPendingMoves(std::numeric_limits<double>::infinity());
     watchTree(m_root, false);
     report(FileWatchReport::Kind::Rescanned, m_root, true);
 }

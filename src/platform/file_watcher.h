@@ -59,9 +59,12 @@ public:
 
     std::function<void(const FileWatchReport &)> onReport = [](const FileWatchReport &) {};
 
-    // Reads and reports what the kernel has queued (the socket notifier
-    // does this on its own; tests may call it to drain the queue at once).
-    void readEvents();
+    // Reads and reports what the kernel has queued. The socket notifier reads
+    // one buffer at a time and fires again while more waits, so a burst of
+    // changes leaves the event loop room between buffers; tests may drain
+    // the queue at once.
+    enum class Reading { OneBuffer, Everything };
+    void readEvents(Reading reading = Reading::Everything);
 
 private:
     struct PendingMove
@@ -78,7 +81,8 @@ private:
     void forgetWatchesBelow(const QString &folder);
     void renameWatchesBelow(const QString &from, const QString &to);
     void handleEvent(int wd, quint32 mask, quint32 cookie, const QString &name);
-    void flushPendingMoves(bool all);
+    // Reports the moved-froms due by then as deletions.
+    void flushPendingMoves(double dueBy);
     void schedulePendingFlush();
     void rescan();
     void report(FileWatchReport::Kind kind, const QString &path, bool isDirectory,

@@ -169,6 +169,35 @@ TEST_F(FileWatcherTest, AMoveTellsWhetherItsSourceWasMadeMomentsBefore)
     }
 }
 
+// A burst is handed over a buffer at a time, so the event loop runs between
+// buffers, and a move torn across two buffers stays one move however slowly
+// they are handled.
+TEST_F(FileWatcherTest, ABurstArrivesInPiecesWithItsMovesWhole)
+{
+    constexpr int kFiles = 800;
+    const auto note = [&](const char *folder, int i) {
+        return root + QStringLiteral("/%1/note %2.md").arg(folder).arg(i);
+    };
+    for (int i = 0; i < kFiles; ++i)
+        write(note("Book", i));
+    for (int i = 0; i < kFiles; ++i)
+        ASSERT_TRUE(QFile::rename(note("Book", i), note("Book/Sub", i)));
+    int pieces = 0;
+    for (qsizetype seen = -1; seen != reports.size(); ++pieces) {
+        seen = reports.size();
+        watcher.readEvents(FileWatcher::Reading::OneBuffer);
+        clock->advance(1);
+    }
+    EXPECT_GT(pieces, 4);
+    const auto count = [&](const QString &start) {
+        return std::count_if(reports.cbegin(), reports.cend(),
+                             [&](const QString &r) { return r.startsWith(start); });
+    };
+    EXPECT_EQ(count("created /Library/Book/note "), kFiles);
+    EXPECT_EQ(count("moved /Library/Book/note "), kFiles);
+    EXPECT_EQ(count("deleted"), 0);
+}
+
 TEST_F(FileWatcherTest, AMoveByAnotherProcessArrivesThroughTheEventLoop)
 {
     write(root + "/Book/a.md");
