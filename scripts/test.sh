@@ -19,6 +19,7 @@ ctest --test-dir build-test --output-on-failure --timeout 300 -j2
 # tests/server/litmus/expected.txt.
 bash tests/server/litmus/run.sh build-test/bin/tavelle
 
-# The request parser, ranges, authorization and a whole connection under
-# libFuzzer, for a bounded time; crashes found become regression tests.
+# The server's parsers and a whole connection, the readers of imported files
+# and the Markdown conversions under libFuzzer, for a bounded time; crashes
+# found become regression tests.
 bash tests/server/fuzz/run.sh "${TAVELLE_FUZZ_SECONDS:-20}"

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the fuzz targets (the server's, the reader of saved web pages, the
-# mail walker and the Evernote importer) with clang and libFuzzer and runs
-# each one for a bounded time.
+# mail walker, the Evernote importer and the Markdown conversions) with clang
+# and libFuzzer and runs each one for a bounded time.
 #
 #   tests/server/fuzz/run.sh [SECONDS]      (default 60 per target)
 #
@@ -12,8 +12,9 @@
 # in the gtest suite (tests/server/fuzz_regression_test.cpp; for web archives
 # tests/importers/webarchive_fuzz_regression_test.cpp; for mail and Evernote
 # exports a case in tests/importers/mail_message_test.cpp or
-# evernote_importer_test.cpp). The importers' targets and seeds live in
-# tests/importers/fuzz.
+# evernote_importer_test.cpp; for Markdown a case in
+# tests/convert/pathological_test.cpp). The importers' targets and seeds live
+# in tests/importers/fuzz, the conversions' in tests/convert/fuzz.
 set -euo pipefail
 
 seconds=${1:-60}
@@ -21,7 +22,7 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 top=$(cd "$here/../../.." && pwd)
 build=${FUZZ_BUILD_DIR:-${TMPDIR:-/tmp}/tavelle-server-fuzz}
 cxx=${CXX:-clang++-14}
-targets=${FUZZ_TARGETS:-"request_parser range authorization connection webarchive plist_xml mail enex"}
+targets=${FUZZ_TARGETS:-"request_parser range authorization connection webarchive plist_xml mail enex markdown"}
 jobs=$(nproc 2>/dev/null || echo 2)
 
 command -v "$cxx" >/dev/null || { echo "fuzz: $cxx not found (Debian: clang-14 libclang-rt-14-dev)" >&2; exit 2; }
@@ -86,11 +87,13 @@ archive engine $( (find "$top/src/server/core" "$top/src/foundation" -name '*.cp
                    printf '%s\n' "$top"/src/platform/{folders,settings}.cpp "$top"/src/store/{log,library_root}.cpp \
                           "$top"/src/importers/webarchive_reader.cpp) | sort)
 
-# The mail walker and the Evernote importer, with the parts of the store,
-# the contexts and the conversions they stand on; the mail target also reads
-# the test messages of Python's own test suite where Debian's package is in.
+# The mail walker, the Evernote importer and the Markdown conversions, with
+# the parts of the store and the contexts they stand on; the mail target also
+# reads the test messages of Python's own test suite where Debian's package is
+# in.
 importers_here="$top/tests/importers/fuzz"
-importer_targets=" mail enex "
+convert_here="$top/tests/convert/fuzz"
+importer_targets=" mail enex markdown "
 importer_modules="Qt6Gui libxml-2.0 fontconfig poppler-qt6"
 python_mails=$(ls -d /usr/lib/python3*/test/test_email/data 2>/dev/null | head -1 || true)
 for target in $targets; do
@@ -100,7 +103,8 @@ for target in $targets; do
     cxxflags+=($(pkg-config --cflags $importer_modules) -DTAVELLE_SHORT_VERSION=\"$version\"
                -DTAVELLE_BUILD_NUMBER="$build_number")
     # Pieces whose header bears another name come in by name.
-    archive importers $(closure "$importers_here"/fuzz_*.cc "$top"/src/importers/{mail,evernote}_*.cpp \
+    archive importers $(closure "$importers_here"/fuzz_*.cc "$convert_here"/fuzz_*.cc \
+                                "$top"/src/importers/{mail,evernote}_*.cpp \
                                 "$top"/src/foundation/{plist,regex}_*.cpp "$top"/src/convert/*.cpp)
     break
   fi
@@ -112,10 +116,12 @@ for target in $targets; do
   seeds=("$here/corpus/$target")
   options=()
   if [[ "$importer_targets" == *" $target "* ]]; then
-    seeds=("$importers_here/corpus/$target")
-    options=(-dict="$importers_here/$target.dict")
+    there=$importers_here
+    [ "$target" = markdown ] && there=$convert_here
+    seeds=("$there/corpus/$target")
+    options=(-dict="$there/$target.dict")
     [ "$target" = mail ] && [ -n "$python_mails" ] && seeds+=("$python_mails")
-    "$cxx" "${cxxflags[@]}" -fsanitize=fuzzer "$importers_here/fuzz_$target.cc" "$build/importers.a" \
+    "$cxx" "${cxxflags[@]}" -fsanitize=fuzzer "$there/fuzz_$target.cc" "$build/importers.a" \
       "${libs[@]}" $(pkg-config --libs $importer_modules) -lmarkdown -o "$binary"
   else
     "$cxx" "${cxxflags[@]}" -fsanitize=fuzzer "$here/fuzz_$target.cc" "$build/engine.a" "${libs[@]}" -o "$binary"
