@@ -21,6 +21,8 @@
 #include <QRandomGenerator>
 #include <QtConcurrent>
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <ctime>
 #include <mutex>
@@ -232,7 +234,28 @@ struct SearchIndex::Private
             QFile::remove(path + QLatin1String(suffix));
     }
 
-    QString buildingPath() const { return databasePath + QStringLiteral(".building"); }
+    // Each process builds under a name of its own beside the index: two
+    // programs building at once never write into one file.
+    QString buildingPath() const
+    {
+        return databasePath + QStringLiteral(".building-%1").arg(::getpid());
+    }
+
+    // Removes what builds of processes that are gone left behind.
+    void removeAbandonedBuilds() const
+    {
+        const QFileInfo index(databasePath);
+        const QString prefix = index.fileName() + QStringLiteral(".building");
+        for (const QString &name : QDir(index.path()).entryList({prefix + u'*'}, QDir::Files)) {
+            // "-PID" and "-PID-words"; an older program's build has no number.
+            const QString rest = name.mid(prefix.size());
+            bool numbered = false;
+            const qint64 pid =
+                rest.startsWith(u'-') ? rest.mid(1).section(u'-', 0, 0).toLongLong(&numbered) : 0;
+            if (!numbered || (pid != ::getpid() && ::kill(pid_t(pid), 0) != 0 && errno == ESRCH))
+                QFile::remove(index.path() + u'/' + name);
+        }
+    }
 
     void noteStartingAfresh() const
     {
@@ -248,7 +271,7 @@ struct SearchIndex::Private
         namesVersion = -1;
         otherShape = false;
         removeDatabase(databasePath);
-        removeDatabase(buildingPath());
+        removeAbandonedBuilds();
         return openBoth();
     }
 
@@ -257,6 +280,7 @@ struct SearchIndex::Private
     // that are never opened as the index.
     bool buildFromNothing()
     {
+        removeAbandonedBuilds();
         const QString building = buildingPath();
         removeDatabase(building);
         bool built = false;
