@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <mutex>
 
 namespace tl::store {
 
@@ -32,8 +33,25 @@ void setLibraryRootOverride(const QString &path)
 QString libraryRoot()
 {
     const QString &override = rootOverride();
-    return resolvingSymlinks(
-        override.isEmpty() ? platform::settings().string(keys::setting::TavelleFolder) : override);
+    const QString chosen =
+        override.isEmpty() ? platform::settings().string(keys::setting::TavelleFolder) : override;
+    // The root is asked for all the time, and resolving it asks the disk
+    // about each folder on its path: a root that exists is resolved once.
+    static std::mutex mutex;
+    static QString lastChosen;
+    static QString lastResolved;
+    {
+        const std::lock_guard lock(mutex);
+        if (chosen == lastChosen && !chosen.isEmpty())
+            return lastResolved;
+    }
+    const QString canonical = chosen.isEmpty() ? QString() : QFileInfo(chosen).canonicalFilePath();
+    if (canonical.isEmpty())
+        return QDir::cleanPath(chosen);
+    const std::lock_guard lock(mutex);
+    lastChosen = chosen;
+    lastResolved = canonical;
+    return canonical;
 }
 
 } // namespace tl::store

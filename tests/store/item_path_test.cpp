@@ -79,6 +79,11 @@ TEST_F(ItemPathText, TheRootComesFromTheSettingWithLinksResolved)
     // Read afresh: a new setting takes effect at the next call.
     setSetting(keys::setting::TavelleFolder, root_);
     EXPECT_EQ(libraryRoot(), root_);
+    // A root chosen before it is made is resolved once it is there.
+    setSetting(keys::setting::TavelleFolder, home_ + "/Linked/Later");
+    EXPECT_EQ(libraryRoot(), home_ + "/Linked/Later");
+    makeFolder(real + "/Later");
+    EXPECT_EQ(libraryRoot(), real + "/Later");
 }
 
 TEST(ItemPathDisplay, ArrowsInsteadOfSlashes)
