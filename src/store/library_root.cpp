@@ -42,16 +42,17 @@ QString libraryRoot()
     static QString lastResolved;
     {
         const std::lock_guard lock(mutex);
-        if (chosen == lastChosen && !chosen.isEmpty())
+        if (chosen == lastChosen)
             return lastResolved;
     }
-    const QString canonical = chosen.isEmpty() ? QString() : QFileInfo(chosen).canonicalFilePath();
-    if (canonical.isEmpty())
-        return QDir::cleanPath(chosen);
-    const std::lock_guard lock(mutex);
-    lastChosen = chosen;
-    lastResolved = canonical;
-    return canonical;
+    const QString resolved = resolvingSymlinks(chosen);
+    // A root not made yet may resolve otherwise once it is.
+    if (QFileInfo::exists(resolved)) {
+        const std::lock_guard lock(mutex);
+        lastChosen = chosen;
+        lastResolved = resolved;
+    }
+    return resolved;
 }
 
 } // namespace tl::store
